@@ -1,0 +1,19 @@
+# `cmake --install`: the command, the Core plug-in, and the SDK for find_package(patina).
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS materialgraph patina_host
+  EXPORT patinaTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/patina)
+install(TARGETS corenodes LIBRARY DESTINATION lib/patina/plugins)
+install(TARGETS patina RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/patina)
+install(EXPORT patinaTargets NAMESPACE patina:: DESTINATION ${package_directory})
+configure_package_config_file(
+  ${CMAKE_CURRENT_LIST_DIR}/patinaConfig.cmake.in ${PROJECT_BINARY_DIR}/patinaConfig.cmake
+  INSTALL_DESTINATION ${package_directory})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/patinaConfig.cmake ${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake
+  DESTINATION ${package_directory})

@@ -1,0 +1,80 @@
+#include "corenodes/core_node_support.h"
+
+#include "nodemodel/shader_error.h"
+#include "shadergraph/graph_generator.h"
+
+namespace patina {
+
+void addPort(std::vector<Port>& ports, const PortDeclaration& declaration) {
+    Port& port = ports.emplace_back(declaration.name, declaration.label);
+    if (declaration.componentCount != 0) {
+        port.setComponentCount(declaration.componentCount);
+    }
+}
+
+void clearPorts(MaterialNode& node) {
+    node.inputs.clear();
+    node.outputs.clear();
+}
+
+void addEnumValues(Property& property, std::initializer_list<const char*> values) {
+    for (const char* value : values) {
+        property.addEnumValue(value);
+    }
+}
+
+ShaderType resolvedType(const MaterialNode& node, std::int32_t columns) {
+    return {static_cast<ComponentType>(node.resolvedPrecision), columns, 1, 1};
+}
+
+ShaderType resolvedType(const MaterialNode& node) {
+    return resolvedType(node, static_cast<std::int32_t>(node.resolvedComponentCount));
+}
+
+bool isOutputConnected(const MaterialNode& node, const std::string& portName) {
+    return node.findOutputPortIndex(portName) >= 0 && node.outputPort(portName).connected;
+}
+
+void declareInputs(FunctionBuilder& builder, const MaterialNode& node,
+                   const std::function<float(const Port&)>& defaultFor) {
+    for (const Port& input : node.inputs) {
+        if (input.connected) {
+            builder.addInputPort(input);
+        } else {
+            builder.declarePortConstant(input, defaultFor(input));
+        }
+    }
+}
+
+void declareInputs(FunctionBuilder& builder, const MaterialNode& node) {
+    declareInputs(builder, node, [](const Port& /*input*/) { return 0.0F; });
+}
+
+void declareOutputs(FunctionBuilder& builder, const MaterialNode& node) {
+    for (const Port& output : node.outputs) {
+        builder.addOutputPort(output);
+    }
+}
+
+void emitFunction(GraphGenerator& generator, MaterialNode& node, FunctionBuilder& builder,
+                  ExecutionLevel level, const std::string& functionName) {
+    const auto function = builder.makeNode(level, functionName);
+    generator.addNode(function);
+    node.attachLinks(generator, function);
+}
+
+void describeBinding(Binding& binding, const MaterialNode& node) {
+    binding.description = node.descriptionProperty->getString();
+    binding.group = node.bindingGroupProperty->getString();
+    binding.helpUrl = node.helpUrlProperty->getString();
+}
+
+std::uint32_t vectorComponentCount(const Property& componentCount) {
+    const std::int32_t count = componentCount.getInteger();
+    if (count < 2 || count > 4) {
+        throw ShaderError("component count must be between 2 and 4");
+    }
+    return static_cast<std::uint32_t>(count);
+}
+
+} // namespace patina

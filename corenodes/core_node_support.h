@@ -1,0 +1,62 @@
+#pragma once
+
+#include "bindings/binding.h"
+#include "nodemodel/material_node.h"
+#include "shadergraph/function_builder.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace patina {
+
+// What the Core nodes share. Threads and errors: as MaterialNode.
+
+/// How a port is declared in a table of ports.
+struct PortDeclaration {
+    const char* name;
+    const char* label;
+    std::uint32_t componentCount; ///< fixed; 0 leaves it to resolution
+};
+
+void addPort(std::vector<Port>& ports, const PortDeclaration& declaration);
+
+/// Replaces both port lists by empty ones.
+void clearPorts(MaterialNode& node);
+
+/// Adds the values in order; the first is the default.
+void addEnumValues(Property& property, std::initializer_list<const char*> values);
+
+/// The type of the node's resolved precision with that many columns.
+ShaderType resolvedType(const MaterialNode& node, std::int32_t columns);
+
+/// The type of the node's resolved precision and component count.
+ShaderType resolvedType(const MaterialNode& node);
+
+/// Whether the node has an output of that name to which the host attached a connection.
+bool isOutputConnected(const MaterialNode& node, const std::string& portName);
+
+/// Makes a function input of every connected input, and of every other one a constant that `defaultFor`
+/// supplies.
+void declareInputs(FunctionBuilder& builder, const MaterialNode& node,
+                   const std::function<float(const Port&)>& defaultFor);
+
+/// The same with zero for every input that is not connected.
+void declareInputs(FunctionBuilder& builder, const MaterialNode& node);
+
+/// Makes a function output of every output.
+void declareOutputs(FunctionBuilder& builder, const MaterialNode& node);
+
+/// Makes the function, adds it to the generator and links it to the node's connections.
+void emitFunction(GraphGenerator& generator, MaterialNode& node, FunctionBuilder& builder,
+                  ExecutionLevel level, const std::string& functionName);
+
+/// Copies the node's description, group and help link into a binding that it made.
+void describeBinding(Binding& binding, const MaterialNode& node);
+
+/// Checks the width of a vector: 2 to 4, or a ShaderError.
+std::uint32_t vectorComponentCount(const Property& componentCount);
+
+} // namespace patina

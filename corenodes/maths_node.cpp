@@ -1,0 +1,170 @@
+#include "corenodes/maths_node.h"
+
+#include "corenodes/core_node_support.h"
+#include "nodemodel/shader_error.h"
+#include "nodemodel/text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace patina {
+
+/// One arithmetic function: its ports and its line of code.
+struct MathsFunction {
+    const char* name;
+    std::array<PortDeclaration, 5> inputs; ///< ends at the first without a name
+    PortDeclaration output;
+    const char* code;
+};
+
+namespace {
+
+constexpr PortDeclaration in1 = {"in_value1", "in1", 0};
+constexpr PortDeclaration in2 = {"in_value2", "in2", 0};
+constexpr PortDeclaration onlyIn = {"in_value1", "in", 0};
+constexpr PortDeclaration blend = {"in_blend", "blend", 1};
+constexpr PortDeclaration minimum = {"in_min", "min", 0};
+constexpr PortDeclaration maximum = {"in_max", "max", 0};
+constexpr PortDeclaration oldMinimum = {"in_oldmin", "old min", 0};
+constexpr PortDeclaration oldMaximum = {"in_oldmax", "old max", 0};
+constexpr PortDeclaration test1 = {"in_test1", "test1", 1};
+constexpr PortDeclaration test2 = {"in_test2", "test2", 1};
+constexpr PortDeclaration power = {"in_power", "power", 1};
+constexpr PortDeclaration scale = {"in_scale", "scale", 0};
+constexpr PortDeclaration facing = {"in_facing", "facing", 1};
+constexpr PortDeclaration out = {"out_value", "out", 0};
+constexpr PortDeclaration scalarOut = {"out_value", "out", 1};
+
+// Dot Product's output deliberately takes the resolved width and is not fixed at one component.
+constexpr std::array<MathsFunction, 15> mathsFunctions = {{
+    {"Multiply", {in1, in2}, out, "\tout_value = in_value1 * in_value2;\n"},
+    {"Addition", {in1, in2}, out, "\tout_value = in_value1 + in_value2;\n"},
+    {"Subtraction", {in1, in2}, out, "\tout_value = in_value1 - in_value2;\n"},
+    {"Invert", {onlyIn}, out, "\tout_value = in_ref - in_value1;\n"},
+    {"Power", {onlyIn, power}, out, "\tout_value = pow( in_value1, in_power );\n"},
+    {"Clamp", {onlyIn, minimum, maximum}, out, "\tout_value = clamp( in_value1, in_min, in_max );\n"},
+    {"Range",
+     {onlyIn, minimum, maximum, oldMinimum, oldMaximum},
+     out,
+     "\tout_value = lerp( in_min, in_max, saturate( ( in_value1 - in_oldmin )/( in_oldmax - in_oldmin ) "
+     "));\n"},
+    {"Lerp", {in1, in2, blend}, out, "\tout_value = lerp( in_value1, in_value2, in_blend );\n"},
+    {"SmoothStep",
+     {in1, in2, blend},
+     out,
+     "\tout_value = lerp( in_value1, in_value2, smoothstep( 0, 1, in_blend ) );\n"},
+    {"Compare",
+     {in1, in2, test1, test2},
+     out,
+     "\tout_value = ( in_test1 < in_test2 ) ? in_value1 : in_value2;\n"},
+    {"Dot Product", {in1, in2}, out, "\tout_value = dot( in_value1, in_value2 );\n"},
+    {"Fresnel",
+     {facing, minimum, scale, power},
+     scalarOut,
+     "\tout_value = in_min + in_scale*pow( saturate( 1.0 - in_facing ), in_power );\n"},
+    {"Ceil", {onlyIn}, out, "\tout_value = ceil( in_value1 );\n"},
+    {"Floor", {onlyIn}, out, "\tout_value = floor( in_value1 );\n"},
+    {"Frac", {onlyIn}, out, "\tout_value = frac( in_value1 );\n"},
+}};
+
+/// Rounding runs per fragment unless the artist says otherwise: interpolating rounded values would undo it.
+bool isRounding(const std::string& function) {
+    return function == "Ceil" || function == "Floor" || function == "Frac";
+}
+
+ExecutionLevel executionLevelFor(const std::string& level, const std::string& function) {
+    if (level == "Vertex") {
+        return ExecutionLevel::Vertex;
+    }
+    if (level == "Fragment" || isRounding(function)) {
+        return ExecutionLevel::Fragment;
+    }
+    return ExecutionLevel::Automatic;
+}
+
+} // namespace
+
+MathsNode::MathsNode() : MaterialNode(staticTypeName()) {
+    setName("Maths");
+    setBodyColour(1.0F, 0.5F, 0.5F);
+
+    function_ = addProperty("Function", "Function: the type of mathematical function to perform.");
+    for (const MathsFunction& function : mathsFunctions) {
+        function_->addEnumValue(function.name);
+    }
+    addDefault("in_value1", "Default Value 1", "\"in1\" (or \"in\") when no edge is connected.", 0.0F);
+    addDefault("in_value2", "Default Value 2", "\"in2\" when no edge is connected.", 0.0F);
+    addDefault("in_blend", "Default Blend", "\"blend\" when no edge is connected.", 0.5F);
+    addDefault("in_min", "Default Min", "\"min\" when no edge is connected.", 0.0F);
+    addDefault("in_max", "Default Max", "\"max\" when no edge is connected.", 1.0F);
+    addDefault("in_oldmin", "Default Old Min", "\"old min\" when no edge is connected.", 0.0F);
+    addDefault("in_oldmax", "Default Old Max", "\"old max\" when no edge is connected.", 1.0F);
+    addDefault("in_test1", "Default Test 1", "\"test1\" when no edge is connected.", 0.0F);
+    addDefault("in_test2", "Default Test 2", "\"test2\" when no edge is connected.", 0.0F);
+    addDefault("in_power", "Default Power",
+               "\"power\" when no edge is connected.  The default for fresnel should be 5.", 5.0F);
+    addDefault("in_scale", "Default Scale", "\"scale\" when no edge is connected.", 1.0F);
+
+    executionLevel_ = addProperty("Execution Level", "Execution Level: force the maths to be done either "
+                                                     "per-vertex or per-fragment, for example to force some "
+                                                     "uv arithmetic to be done per-vertex (possibly using "
+                                                     "more interpolants to do so). Usually this should be "
+                                                     "left at \"Automatic\".");
+    addEnumValues(*executionLevel_, {"Automatic", "Vertex", "Fragment"});
+
+    MathsNode::updateFromProperties(nullptr);
+}
+
+void MathsNode::addDefault(const char* portName, const char* propertyName, const char* portText,
+                           float value) {
+    auto property =
+        addProperty(propertyName, joinText({propertyName, ": the default value for the port ", portText}));
+    property->setFloat(value);
+    defaults_.emplace(portName, property);
+}
+
+const MathsFunction& MathsNode::function() const {
+    const std::string& selected = function_->getEnum();
+    return *std::find_if(mathsFunctions.begin(), mathsFunctions.end(),
+                         [&](const MathsFunction& function) { return function.name == selected; });
+}
+
+void MathsNode::updateFromProperties(void* /*hostContext*/) {
+    const MathsFunction& selected = function();
+    clearPorts(*this);
+    for (const PortDeclaration& input : selected.inputs) {
+        if (input.name != nullptr) {
+            addPort(inputs, input);
+        }
+    }
+    addPort(outputs, selected.output);
+    for (const auto& [portName, property] : defaults_) {
+        property->visible = findInputPortIndex(portName) >= 0;
+    }
+}
+
+std::string MathsNode::caption() const { return function_->getEnum(); }
+
+float MathsNode::defaultFor(const Port& input) const {
+    const auto found = defaults_.find(input.name);
+    if (found == defaults_.end()) {
+        throw ShaderError(joinText({"a value needs to be supplied to the \"", input.label, "\" port on the ",
+                                    function_->getEnum(), " maths node"}));
+    }
+    return found->second->getFloat();
+}
+
+void MathsNode::generateCode(GraphGenerator& generator) {
+    FunctionBuilder builder;
+    declareInputs(builder, *this, [this](const Port& input) { return defaultFor(input); });
+    declareOutputs(builder, *this);
+    const MathsFunction& selected = function();
+    if (function_->getEnum() == "Invert") {
+        builder.declareConstant(resolvedType(*this), "in_ref", 1.0F);
+    }
+    builder.appendCode(selected.code);
+    emitFunction(generator, *this, builder,
+                 executionLevelFor(executionLevel_->getEnum(), function_->getEnum()), "mathsCode");
+}
+
+} // namespace patina

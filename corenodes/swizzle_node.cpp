@@ -1,0 +1,114 @@
+#include "corenodes/swizzle_node.h"
+
+#include "corenodes/core_node_support.h"
+
+#include <array>
+#include <cstddef>
+
+namespace patina {
+
+namespace {
+
+/// A vector type: how its ports are labelled, and its width where it is given.
+struct VectorType {
+    const char* name;
+    std::int32_t componentCount; ///< 0: the artist chooses
+    const char* vectorLabel;
+    std::array<const char*, 4> componentLabels;
+};
+
+constexpr std::array<VectorType, 3> vectorTypes = {{
+    {"Colour", 3, "colour", {"red", "green", "blue", ""}},
+    {"Uv", 2, "uv", {"u", "v", "", ""}},
+    {"Vector", 0, "vector", {"x", "y", "z", "w"}},
+}};
+
+/// One component: its ports when splitting and when merging, and the line of code of each.
+struct Component {
+    const char* splitPort;
+    const char* splitCode;
+    const char* mergePort;
+    const char* mergeCode;
+};
+
+constexpr std::array<Component, 4> components = {{
+    {"out_x", "\tout_x = in_vec.x;\n", "in_x", "\tout_vec.x = in_x;\n"},
+    {"out_y", "\tout_y = in_vec.y;\n", "in_y", "\tout_vec.y = in_y;\n"},
+    {"out_z", "\tout_z = in_vec.z;\n", "in_z", "\tout_vec.z = in_z;\n"},
+    {"out_w", "\tout_w = in_vec.w;\n", "in_w", "\tout_vec.w = in_w;\n"},
+}};
+
+const VectorType& findVectorType(const std::string& name) {
+    for (const VectorType& type : vectorTypes) {
+        if (name == type.name) {
+            return type;
+        }
+    }
+    return vectorTypes.back();
+}
+
+} // namespace
+
+SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName()) {
+    setName("Swizzle");
+    setBodyColour(0.5F, 0.5F, 1.0F);
+
+    vectorType_ =
+        addProperty("Vector Type", "Vector Type: the quantity to split (or merge) into components.");
+    for (const VectorType& type : vectorTypes) {
+        vectorType_->addEnumValue(type.name);
+    }
+    componentCount_ =
+        addProperty("Component Count", "Component Count: the number of values for vector constants.  "
+                                       "This must be between 2 and 4.");
+    componentCount_->setInteger(4);
+    reverse_ =
+        addProperty("Reverse", "Reverse: when checked, this merges components into a vector value instead of "
+                               "splitting vector values into components.");
+    reverse_->setBool(false);
+
+    SwizzleNode::updateFromProperties(nullptr);
+}
+
+void SwizzleNode::updateFromProperties(void* /*hostContext*/) {
+    clearPorts(*this);
+    const VectorType& type = findVectorType(vectorType_->getEnum());
+    if (type.componentCount != 0) {
+        componentCount_->setInteger(type.componentCount);
+    }
+    componentCount_->editable = type.componentCount == 0;
+
+    const std::uint32_t count = vectorComponentCount(*componentCount_);
+    const bool merge = reverse_->getBool();
+    for (std::size_t i = 0; i < count; ++i) {
+        const char* label = type.componentLabels[i];
+        if (merge) {
+            addPort(inputs, {components[i].mergePort, label, 1});
+        } else {
+            addPort(outputs, {components[i].splitPort, label, 1});
+        }
+    }
+    if (merge) {
+        addPort(outputs, {"out_vec", type.vectorLabel, count});
+    } else {
+        addPort(inputs, {"in_vec", type.vectorLabel, count});
+    }
+}
+
+std::string SwizzleNode::caption() const { return "Swizzle"; }
+
+void SwizzleNode::generateCode(GraphGenerator& generator) {
+    FunctionBuilder builder;
+    declareInputs(builder, *this);
+    declareOutputs(builder, *this);
+    const std::int32_t count = componentCount_->getInteger();
+    for (std::size_t i = 0; i < components.size(); ++i) {
+        // the first two are written whatever the count; the port rebuild has checked it
+        if (i < 2 || static_cast<std::int32_t>(i) < count) {
+            builder.appendCode(reverse_->getBool() ? components[i].mergeCode : components[i].splitCode);
+        }
+    }
+    emitFunction(generator, *this, builder, ExecutionLevel::Automatic, "swizzleCode");
+}
+
+} // namespace patina

@@ -1,0 +1,35 @@
+#include "corenodes/uv_node.h"
+
+#include "corenodes/core_node_support.h"
+#include "shadergraph/graph_generator.h"
+
+namespace patina {
+
+UvNode::UvNode() : MaterialNode(staticTypeName()) {
+    setName("Uv");
+    setBodyColour(0.8F, 0.8F, 1.0F);
+
+    primary_ = addProperty(
+        "Primary", "Primary: this box can be checked to hint this uv for use when generating tangents and "
+                   "binormals. Most of the time this is not necessary to set manually and should be left "
+                   "unchecked.");
+    primary_->setBool(false);
+
+    addPort(outputs, {"read", "uv", 2});
+}
+
+void UvNode::generateCode(GraphGenerator& generator) {
+    const auto varying = makeVaryingParameter(name(), portType(outputPort("read")));
+    generator.addNode(varying);
+    attachLinks(generator, varying);
+}
+
+bool UvNode::generatesBinding() const { return true; }
+
+void UvNode::addBindings(BindingCollection& bindings) {
+    const auto binding = createBinding(BindingKind::Uv, name(), 1);
+    describeBinding(*binding, *this);
+    addToBindingCollection(bindings, binding);
+}
+
+} // namespace patina

@@ -1,0 +1,208 @@
+#include "nodemodel/material_node.h"
+
+#include "nodemodel/shader_error.h"
+#include "nodemodel/text.h"
+
+#include <algorithm>
+
+namespace patina {
+
+namespace {
+
+constexpr std::uint32_t floatPrecision = 2;
+constexpr std::uint32_t halfPrecision = 3;
+
+constexpr std::uint32_t freeTextStyle = 1;
+constexpr std::uint32_t webAddressStyle = 2;
+
+int findPortIndex(const std::vector<Port>& ports, const std::string& portName) {
+    const auto found =
+        std::find_if(ports.begin(), ports.end(), [&](const Port& port) { return port.name == portName; });
+    return found == ports.end() ? -1 : static_cast<int>(found - ports.begin());
+}
+
+[[noreturn]] void throwUnknownPort(const MaterialNode& node, const char* direction,
+                                   const std::string& portName) {
+    throw ShaderError(
+        joinText({node.describe(), ": ", direction, " port \"", portName, "\" does not exist"}));
+}
+
+} // namespace
+
+MaterialNode::MaterialNode(const std::string& type) : properties(std::make_shared<PropertySet>()) {
+    typeProperty = addProperty("Type", "Type: the internal type of the node.");
+    typeProperty->setString(type);
+    typeProperty->editable = false;
+
+    nameProperty = addProperty("Name", "Name: the name entered here will correspond to the binding name "
+                                       "presented in Maya.");
+    nameProperty->setString(type);
+
+    bindingIndexProperty = addProperty("BindingIndex", "");
+    bindingIndexProperty->setInteger(0);
+    bindingIndexProperty->visible = false;
+
+    bindingGroupProperty = addProperty("BindingGroup", "");
+    bindingGroupProperty->setString("");
+    bindingGroupProperty->visible = false;
+
+    positionXProperty = addProperty("PositionX", "");
+    positionXProperty->setFloat(0.0F);
+    positionXProperty->visible = false;
+
+    positionYProperty = addProperty("PositionY", "");
+    positionYProperty->setFloat(0.0F);
+    positionYProperty->visible = false;
+
+    // the wording, "used a tooltip" and "accessable" included, is what artists' documents and tools know
+    descriptionProperty = addProperty(
+        "Description",
+        "Description: if this node generates a Maya binding, then this description will be used a "
+        "tooltip for the binding. Otherwise this is a space for general notes about the node.");
+    descriptionProperty->setString("");
+    descriptionProperty->stringStyle = freeTextStyle;
+
+    helpUrlProperty =
+        addProperty("Help Url", "Help Url: if this node generates a Maya binding then this Url will "
+                                "be accessable from a button on the binding Ui.");
+    helpUrlProperty->setString("");
+    helpUrlProperty->stringStyle = webAddressStyle;
+}
+
+MaterialNode::~MaterialNode() = default;
+
+std::shared_ptr<Property> MaterialNode::addProperty(const std::string& propertyName,
+                                                    const std::string& help) {
+    auto property = makeProperty(propertyName);
+    property->help = help;
+    properties->add(property);
+    return property;
+}
+
+void MaterialNode::updateFromProperties(void* /*hostContext*/) {}
+
+std::string MaterialNode::caption() const { return name(); }
+
+void MaterialNode::resolveComponentCounts() {
+    resolvedComponentCount = 1;
+    bool conflict = false;
+    for (const Port& input : inputs) {
+        if (!input.componentCountKnown || input.componentCountFixed || input.componentCount == 1 ||
+            input.componentCount == resolvedComponentCount) {
+            continue;
+        }
+        if (resolvedComponentCount == 1) {
+            resolvedComponentCount = input.componentCount;
+        } else {
+            conflict = true;
+        }
+    }
+    if (conflict) {
+        for (Port& input : inputs) {
+            if (!input.componentCountFixed) {
+                input.componentCountConflict = true;
+            }
+        }
+        return;
+    }
+    for (Port& input : inputs) {
+        if (input.componentCountKnown) {
+            continue;
+        }
+        if (!input.componentCountFixed) {
+            input.componentCount = resolvedComponentCount;
+            input.componentCountKnown = true;
+        } else if (resolvedComponentCount != input.componentCount && resolvedComponentCount != 1) {
+            input.componentCountConflict = true;
+        }
+    }
+    for (Port& output : outputs) {
+        if (!output.componentCountFixed) {
+            output.componentCount = resolvedComponentCount;
+            output.componentCountKnown = true;
+        }
+    }
+}
+
+void MaterialNode::resolvePrecision() {
+    const bool floatDemanded = std::any_of(outputs.begin(), outputs.end(), [](const Port& output) {
+        return output.precisionKnown && output.precision == floatPrecision;
+    });
+    resolvedPrecision = floatDemanded ? floatPrecision : halfPrecision;
+    for (Port& input : inputs) {
+        if (!input.precisionFixed) {
+            input.precision = resolvedPrecision;
+            input.precisionKnown = true;
+        }
+    }
+    for (Port& output : outputs) {
+        if (!output.precisionKnown && !output.precisionFixed) {
+            output.precision = resolvedPrecision;
+            output.precisionKnown = true;
+        }
+    }
+}
+
+bool MaterialNode::generatesBinding() const { return false; }
+
+void MaterialNode::addBindings(BindingCollection& /*bindings*/) {}
+
+void MaterialNode::loadProperties(const std::shared_ptr<PropertySet>& saved) {
+    if (saved->version > properties->version) {
+        throw ShaderError(
+            joinText({"Cannot convert \"", typeName(), "\" version ", std::to_string(saved->version),
+                      " properties into version ", std::to_string(properties->version),
+                      " properties. Are you running with an old DLL?"}));
+    }
+    properties->copyValuesFrom(*saved);
+}
+
+const std::string& MaterialNode::typeName() const { return typeProperty->getString(); }
+
+const std::string& MaterialNode::name() const { return nameProperty->getString(); }
+
+void MaterialNode::setName(const std::string& text) { nameProperty->setString(text); }
+
+void MaterialNode::setTextColour(float red, float green, float blue) {
+    textColour = {red, green, blue, textColour[3]};
+}
+
+void MaterialNode::setBodyColour(float red, float green, float blue) {
+    bodyColour = {red, green, blue, bodyColour[3]};
+}
+
+std::string MaterialNode::describe() const { return joinText({"node \"", name(), "\" (", typeName(), ")"}); }
+
+int MaterialNode::findInputPortIndex(const std::string& portName) const {
+    return findPortIndex(inputs, portName);
+}
+
+int MaterialNode::findOutputPortIndex(const std::string& portName) const {
+    return findPortIndex(outputs, portName);
+}
+
+const Port& MaterialNode::inputPort(const std::string& portName) const {
+    const int index = findInputPortIndex(portName);
+    if (index < 0) {
+        throwUnknownPort(*this, "input", portName);
+    }
+    return inputs[static_cast<std::size_t>(index)];
+}
+
+const Port& MaterialNode::outputPort(const std::string& portName) const {
+    const int index = findOutputPortIndex(portName);
+    if (index < 0) {
+        throwUnknownPort(*this, "output", portName);
+    }
+    return outputs[static_cast<std::size_t>(index)];
+}
+
+Port& MaterialNode::inputPort(const std::string& portName) {
+    return const_cast<Port&>(static_cast<const MaterialNode&>(*this).inputPort(portName));
+}
+
+Port& MaterialNode::outputPort(const std::string& portName) {
+    return const_cast<Port&>(static_cast<const MaterialNode&>(*this).outputPort(portName));
+}
+
+} // namespace patina

@@ -1,0 +1,64 @@
+#include "nodemodel/xml_attributes.h"
+
+#include "nodemodel/shader_error.h"
+#include "nodemodel/text.h"
+
+#include <memory>
+
+namespace patina {
+
+namespace {
+
+constexpr const char* yesText = "Yes";
+constexpr const char* noText = "No";
+
+const xmlChar* xmlText(const std::string& text) { return reinterpret_cast<const xmlChar*>(text.c_str()); }
+
+std::string fromXml(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
+
+struct XmlFree {
+    void operator()(xmlChar* text) const { xmlFree(text); }
+};
+
+std::string elementName(const xmlNode* element) {
+    return element != nullptr && element->name != nullptr ? fromXml(element->name) : std::string();
+}
+
+} // namespace
+
+void writeAttribute(xmlNode* element, const std::string& name, const std::string& value) {
+    // without an element libxml2 would make an attribute that nobody owns
+    if (element != nullptr && element->type == XML_ELEMENT_NODE) {
+        xmlSetProp(element, xmlText(name), xmlText(value));
+    }
+}
+
+void writeBoolAttribute(xmlNode* element, const std::string& name, bool flag) {
+    writeAttribute(element, name, flag ? yesText : noText);
+}
+
+bool hasAttribute(xmlNode* element, const std::string& name) {
+    return xmlHasProp(element, xmlText(name)) != nullptr;
+}
+
+std::string readAttribute(xmlNode* element, const std::string& name) {
+    const std::unique_ptr<xmlChar, XmlFree> text(xmlGetProp(element, xmlText(name)));
+    if (!text) {
+        throw ShaderError(
+            joinText({"failed to find \"", name, "\" attribute on \"", elementName(element), "\" element"}));
+    }
+    return fromXml(text.get());
+}
+
+bool readBoolAttribute(xmlNode* element, const std::string& name) {
+    const std::string text = readAttribute(element, name);
+    if (text == yesText) {
+        return true;
+    }
+    if (text == noText) {
+        return false;
+    }
+    throw ShaderError(joinText({"attribute \"", name, "\" contains invalid boolean data \"", text, "\""}));
+}
+
+} // namespace patina

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <libxml/tree.h>
+
+#include <string>
+
+namespace patina {
+
+// Attribute access for saved values. Texts are UTF-8; the element stays the caller's.
+// Threads: one thread per document at a time.
+
+/// Sets an attribute, replacing one of the same name. Nothing is written when `element` is null or no
+/// element.
+void writeAttribute(xmlNode* element, const std::string& name, const std::string& value);
+
+/// Sets an attribute to "Yes" or "No".
+void writeBoolAttribute(xmlNode* element, const std::string& name, bool flag);
+
+/// Whether the attribute is present, or has a default in the document's DTD.
+bool hasAttribute(xmlNode* element, const std::string& name);
+
+/// The attribute's text, empty when it is present and empty. Throws ShaderError when it is missing.
+std::string readAttribute(xmlNode* element, const std::string& name);
+
+/// True for exactly "Yes", false for exactly "No". Throws ShaderError for any other text or a missing
+/// attribute.
+bool readBoolAttribute(xmlNode* element, const std::string& name);
+
+} // namespace patina

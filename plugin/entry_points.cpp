@@ -1,0 +1,7 @@
+#include "plugin/core_node_factory.h"
+
+#include <new>
+
+std::uint32_t GetMaterialLibVersion() { return patina::materialLibVersion; }
+
+patina::NodeFactory* CreateNodeFactory() { return new (std::nothrow) patina::CoreNodeFactory(); }

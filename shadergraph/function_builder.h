@@ -1,0 +1,57 @@
+#pragma once
+
+#include "nodemodel/port.h"
+#include "shadergraph/generator_node.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace patina {
+
+/// The type of the value on a material node's port. Throws ShaderError while precision or count is unknown.
+ShaderType portType(const Port& port);
+
+/// A swizzle that repeats the first component: "xxx" for 3 columns.
+std::string splat(std::int32_t columns);
+
+/// Collects a function's parameters and body, and makes generator nodes of them.
+///
+/// Adding a parameter under a name that the function already has throws the message as a plain std::string,
+/// not a ShaderError; all other failures are ShaderErrors. Threads: one thread at a time.
+class FunctionBuilder {
+public:
+    /// @name Parameters, in order
+    /// @{
+    void addInput(const ShaderType& type, const std::string& name);
+    void addOutput(const ShaderType& type, const std::string& name);
+    /// Under the port's name and type.
+    void addInputPort(const Port& port);
+    void addOutputPort(const Port& port);
+    /// @}
+
+    /// @name Body
+    /// @{
+    void appendCode(std::string_view text);
+    /// Appends a line that declares `name` and sets every component to `value`; float and half types only.
+    /// When the type is refused, the line's beginning stays in the body.
+    void declareConstant(const ShaderType& type, const std::string& name, float value);
+    /// The same under the port's name and type.
+    void declarePortConstant(const Port& port, float value);
+    /// @}
+
+    /// A new function node of what has been collected; the builder may go on.
+    std::shared_ptr<GeneratorNode> makeNode(ExecutionLevel level, const std::string& name);
+
+    /// The function under construction. Its `code` is filled only in the copies that makeNode makes.
+    const ShaderFunction& function() const { return function_; }
+
+private:
+    void addParameter(std::int32_t direction, const ShaderType& type, const std::string& name);
+
+    ShaderFunction function_;
+    std::string body_;
+};
+
+} // namespace patina

@@ -1,0 +1,169 @@
+#include "shadergraph/generator_node.h"
+
+#include "nodemodel/shader_error.h"
+#include "nodemodel/text.h"
+
+#include <algorithm>
+
+namespace patina {
+
+namespace {
+
+constexpr const char* readPortName = "read";
+constexpr const char* writePortName = "write";
+
+bool isNameStart(char letter) {
+    return letter == '_' || (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+}
+
+bool isNamePart(char letter) { return isNameStart(letter) || (letter >= '0' && letter <= '9'); }
+
+void requireVariableName(const char* role, const std::string& name) {
+    if (!isValidVariableName(name)) {
+        throw ShaderError(joinText({role, " name \"", name, "\" is not a valid Cg variable name"}));
+    }
+}
+
+void validate(const GeneratorNode& node) {
+    if (node.kind == NodeKind::VaryingParameter || node.kind == NodeKind::UniformParameter) {
+        requireVariableName("parameter", node.name);
+    } else if (node.kind == NodeKind::Function) {
+        for (const GeneratorPort& port : node.inputs) {
+            requireVariableName("input port", port.name);
+        }
+        for (const GeneratorPort& port : node.outputs) {
+            requireVariableName("output port", port.name);
+        }
+    }
+}
+
+void addParameterPorts(GeneratorNode& node) {
+    const GeneratorPort read{readPortName, node.type};
+    const GeneratorPort write{writePortName, node.type};
+    switch (node.kind) {
+    case NodeKind::InterfaceParameter:
+    case NodeKind::InterpolantParameter:
+        node.outputs.push_back(read);
+        node.inputs.push_back(write);
+        return;
+    case NodeKind::VaryingParameter:
+    case NodeKind::UniformParameter:
+        node.outputs.push_back(read);
+        return;
+    case NodeKind::RegisterParameter:
+        if (registerEntry(node.registerReference.index).direction == 1) {
+            node.inputs.push_back(write);
+        } else {
+            node.outputs.push_back(read);
+        }
+        return;
+    case NodeKind::Function:
+        break;
+    }
+    throw ShaderError("internal error: unknown parameter type");
+}
+
+const char* levelLetter(ExecutionLevel level) {
+    switch (level) {
+    case ExecutionLevel::Vertex:
+        return "v";
+    case ExecutionLevel::Fragment:
+        return "f";
+    case ExecutionLevel::Automatic:
+        return "*";
+    }
+    return "";
+}
+
+/// `kind "name" (type : REGISTER)`, the register only when there is one.
+std::string describeStageParameter(const char* kindText, const GeneratorNode& node) {
+    std::string text = joinText({kindText, " \"", node.name, "\" (", typeText(node.type)});
+    if (node.registerReference.index != registers::unknown) {
+        appendText(text, {" : ", registerText(node.registerReference)});
+    }
+    text += ")";
+    return text;
+}
+
+const GeneratorPort& findPort(const GeneratorNode& node, const std::vector<GeneratorPort>& ports,
+                              const char* direction, const std::string& name) {
+    const auto found = std::find_if(ports.begin(), ports.end(),
+                                    [&](const GeneratorPort& port) { return port.name == name; });
+    if (found == ports.end()) {
+        throw ShaderError(joinText({describe(node), ": ", direction, " port \"", name, "\" does not exist"}));
+    }
+    return *found;
+}
+
+} // namespace
+
+std::shared_ptr<GeneratorNode> makeFunctionNode(const ShaderFunction& function) {
+    auto node = std::make_shared<GeneratorNode>();
+    node->kind = NodeKind::Function;
+    node->name = function.name;
+    node->level = function.level;
+    node->code = function.code;
+    for (const FunctionParameter& parameter : function.parameters) {
+        auto& ports = parameter.direction == 1 ? node->outputs : node->inputs;
+        ports.push_back({parameter.name, parameter.type});
+    }
+    validate(*node);
+    return node;
+}
+
+std::shared_ptr<GeneratorNode> makeParameterNode(NodeKind kind, const std::string& name,
+                                                 const ShaderType& type, std::int32_t flags,
+                                                 RegisterReference reference) {
+    auto node = std::make_shared<GeneratorNode>();
+    node->kind = kind;
+    node->name = name;
+    node->type = type;
+    node->flags = flags;
+    node->registerReference = reference;
+    addParameterPorts(*node);
+    validate(*node);
+    return node;
+}
+
+std::shared_ptr<GeneratorNode> makeVaryingParameter(const std::string& name, const ShaderType& type) {
+    return makeParameterNode(NodeKind::VaryingParameter, name, type);
+}
+
+std::shared_ptr<GeneratorNode> makeUniformParameter(const std::string& name, const ShaderType& type) {
+    return makeParameterNode(NodeKind::UniformParameter, name, type);
+}
+
+std::string describe(const GeneratorNode& node) {
+    switch (node.kind) {
+    case NodeKind::Function:
+        return joinText({"function \"", node.name, "\" (", std::to_string(node.inputs.size()), "/",
+                         std::to_string(node.outputs.size()), "/", levelLetter(node.level), ")"});
+    case NodeKind::InterfaceParameter:
+        return joinText({"interface parameter \"", node.name, "\" (", typeText(node.type),
+                         ",flags=", std::to_string(node.flags), ")"});
+    case NodeKind::VaryingParameter:
+        return describeStageParameter("varying parameter", node);
+    case NodeKind::UniformParameter:
+        return describeStageParameter("uniform parameter", node);
+    case NodeKind::RegisterParameter:
+        return joinText(
+            {"Cg register parameter ", registerText(node.registerReference), " (", typeText(node.type), ")"});
+    case NodeKind::InterpolantParameter:
+        return joinText({"interpolant parameter (", typeText(node.type), ")"});
+    }
+    throw ShaderError("unknown node type");
+}
+
+const GeneratorPort& inputPort(const GeneratorNode& node, const std::string& name) {
+    return findPort(node, node.inputs, "input", name);
+}
+
+const GeneratorPort& outputPort(const GeneratorNode& node, const std::string& name) {
+    return findPort(node, node.outputs, "output", name);
+}
+
+bool isValidVariableName(std::string_view name) {
+    return !name.empty() && isNameStart(name.front()) && std::all_of(name.begin(), name.end(), isNamePart);
+}
+
+} // namespace patina

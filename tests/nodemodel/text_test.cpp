@@ -1,0 +1,47 @@
+#include "nodemodel/text.h"
+#include "tests/support/comma_locale.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace patina {
+namespace {
+
+struct FloatText {
+    float value;
+    const char* text;
+};
+
+constexpr FloatText floatTexts[] = {
+    {0.0F, "0"},          {-0.0F, "-0"},         {1.0F, "1"},
+    {0.5F, "0.5"},        {0.1F, "0.1"},         {-2.25F, "-2.25"},
+    {100000.0F, "100000"}, {1000000.0F, "1e+06"}, {1234567.0F, "1.23457e+06"},
+    {0.0001F, "0.0001"},  {0.00001F, "1e-05"},   {1.0F / 3.0F, "0.333333"},
+    {std::numeric_limits<float>::infinity(), "inf"},
+    {-std::numeric_limits<float>::infinity(), "-inf"},
+    {std::numeric_limits<float>::quiet_NaN(), "nan"},
+    {std::numeric_limits<float>::max(), "3.40282e+38"},
+    {std::numeric_limits<float>::denorm_min(), "1.4013e-45"},
+};
+
+TEST(FormatFloat, PrintsSixSignificantDigitsInGeneralNotation) {
+    for (const auto& [value, text] : floatTexts) {
+        EXPECT_EQ(formatFloat(value), text);
+    }
+}
+
+TEST(FormatFloat, IgnoresTheLocaleOfTheProcess) {
+    const testing::CommaLocale comma;
+    for (const auto& [value, text] : floatTexts) {
+        EXPECT_EQ(formatFloat(value), text);
+    }
+}
+
+TEST(JoinText, PutsThePiecesOneAfterAnother) {
+    EXPECT_EQ(joinText({}), "");
+    EXPECT_EQ(joinText({"cannot create \"", "CoreFancy", "\" node"}), "cannot create \"CoreFancy\" node");
+}
+
+} // namespace
+} // namespace patina
