@@ -2,10 +2,31 @@
 
 #include "nodemodel/text.h"
 
+#include <array>
+
 namespace patina {
 
-HostError::HostError(const SourcePosition& position, std::string_view text)
-    : message_(diagnosticText(position, "error", text)) {}
+namespace {
+
+struct Reason {
+    std::errc condition;
+    const char* text;
+};
+
+constexpr std::array<Reason, 10> reasons = {{
+    {std::errc::no_such_file_or_directory, "there is no such file or directory"},
+    {std::errc::permission_denied, "permission denied"},
+    {std::errc::operation_not_permitted, "operation not permitted"},
+    {std::errc::is_a_directory, "it is a directory"},
+    {std::errc::not_a_directory, "a part of the path is not a directory"},
+    {std::errc::file_exists, "it exists already"},
+    {std::errc::no_space_on_device, "no space is left on the device"},
+    {std::errc::read_only_file_system, "the file system is read-only"},
+    {std::errc::filename_too_long, "the name is too long"},
+    {std::errc::io_error, "input/output error"},
+}};
+
+} // namespace
 
 std::string diagnosticText(const SourcePosition& position, std::string_view severity, std::string_view text) {
     std::string place = position.file;
@@ -13,6 +34,18 @@ std::string diagnosticText(const SourcePosition& position, std::string_view seve
         place += position.line > 0 ? joinText({":", std::to_string(position.line), ": "}) : ": ";
     }
     return joinText({place, severity, ": ", text});
+}
+
+HostError::HostError(const SourcePosition& position, std::string_view text)
+    : message_(diagnosticText(position, "error", text)) {}
+
+std::string reasonText(const std::error_code& error) {
+    for (const Reason& reason : reasons) {
+        if (error == reason.condition) {
+            return reason.text;
+        }
+    }
+    return "system error " + std::to_string(error.value());
 }
 
 } // namespace patina

@@ -4,18 +4,22 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace patina {
 
-/// A place in a document: line 0 stands for the document as a whole.
+/// A place in a file; line 0 stands for the file as a whole.
 struct SourcePosition {
     std::string file;
     int line = 0;
 };
 
-/// The failure that ends an operation of the host: what is wrong, and where.
-/// what() is the complete message in the manner of compilers, `file:line: error: text`.
+/// `file:line: severity: text`, without the line when it is 0 and without the place when there is no file.
+std::string diagnosticText(const SourcePosition& position, std::string_view severity, std::string_view text);
+
+/// The failure that ends an operation of the host: where, what is wrong, and what to do.
+/// what() is the complete line for the user, as diagnosticText writes it.
 class HostError : public std::exception {
 public:
     HostError(const SourcePosition& position, std::string_view text);
@@ -23,7 +27,7 @@ public:
     const char* what() const noexcept override { return message_.what(); }
 
 private:
-    std::runtime_error message_; // copies share the text
+    std::runtime_error message_; // copies share the text, so that copying an exception in flight cannot throw
 };
 
 /// Something that a user should know and that ends nothing.
@@ -34,7 +38,7 @@ struct Warning {
 
 using Warnings = std::vector<Warning>;
 
-/// `file:line: severity: text`, without the line when it is 0, and without the place when there is no file.
-std::string diagnosticText(const SourcePosition& position, std::string_view severity, std::string_view text);
+/// The reason of a failed file operation in English, whatever the locale of the process.
+std::string reasonText(const std::error_code& error);
 
 } // namespace patina

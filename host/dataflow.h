@@ -1,0 +1,46 @@
+#pragma once
+
+#include "host/generate.h"
+#include "host/material.h"
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace patina {
+
+/// An output of a node of the dataflow.
+struct ValueSource {
+    std::size_t node = 0; ///< index into Dataflow::nodes
+    std::size_t port = 0; ///< index into its outputs
+
+    bool operator==(const ValueSource&) const = default;
+};
+
+/// A generator node with the sources of all its inputs.
+struct DataflowNode {
+    std::shared_ptr<GeneratorNode> generated;
+    std::size_t owner = 0; ///< the material item whose code it is, or whose value it converts
+    std::vector<ValueSource> inputs;
+};
+
+/// A material's shader as one graph of functions and parameters in which every input has its source.
+struct Dataflow {
+    std::vector<DataflowNode> nodes; ///< only what an output needs; every source before what reads it
+    ValueSource colour;              ///< three components, or one that is to be splatted
+    ValueSource alpha;
+    bool hasAlpha = false; ///< otherwise alpha is 1
+
+    const GeneratorPort& port(const ValueSource& source) const {
+        return nodes[source.node].generated->outputs[source.port];
+    }
+};
+
+/// Joins the generator nodes of connected material nodes, inserting conversions where types differ (one for
+/// each value and type), and leaves out what no output of the material needs.
+///
+/// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, and for
+/// missing, unknown and misshapen outputs.
+Dataflow joinGraph(const Material& material, const GeneratedGraph& graph);
+
+} // namespace patina

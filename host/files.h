@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace patina {
+
+/// Whether a text can name a file on every system: not empty, no separators, no control characters, not "."
+/// or "..".
+bool isFileName(std::string_view text);
+
+/// The bytes of a file. Throws HostError when it cannot be read or is larger than `sizeLimit` bytes.
+std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit);
+
+/// A file to be written.
+struct OutputFile {
+    std::string name;
+    std::string content;
+};
+
+/// Writes files into a directory, which is made when it is missing, replacing earlier ones.
+/// Every file is complete on disk under a temporary name before the first takes its place.
+/// Throws HostError when that fails; then nothing has been replaced and no temporary file is left.
+void writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
+
+} // namespace patina

@@ -1,0 +1,24 @@
+#include "host/generate.h"
+
+namespace patina {
+
+GeneratedGraph generateGraph(const Material& material) {
+    GeneratedGraph result;
+    const auto generate = [&](std::size_t index) {
+        const MaterialItem& item = material.items[index];
+        onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
+        result.owners.resize(result.generator.graph->nodes.size(), index);
+    };
+    // what a missing node type breaks elsewhere would only hide the reason
+    for (std::size_t index = 0; index < material.items.size(); ++index) {
+        if (material.items[index].placeholder) {
+            generate(index);
+        }
+    }
+    for (std::size_t index = 0; index < material.items.size(); ++index) {
+        generate(index);
+    }
+    return result;
+}
+
+} // namespace patina

@@ -1,0 +1,126 @@
+#include "host/naming.h"
+
+#include "host/cg_names.h"
+#include "nodemodel/text.h"
+
+#include <map>
+#include <unordered_map>
+
+namespace patina {
+
+namespace {
+
+/// Everything that makes two generated functions the same but their name and level.
+std::string functionIdentity(const GeneratorNode& function) {
+    std::string identity = function.name;
+    for (const auto* ports : {&function.inputs, &function.outputs}) {
+        for (const GeneratorPort& port : *ports) {
+            appendText(identity, {"\n", declaration(port.type, port.name)});
+        }
+        identity += "\n->";
+    }
+    identity += function.code;
+    return identity;
+}
+
+class ShaderNamer {
+public:
+    ShaderNamer(const Material& material, const Dataflow& flow, const StagedShader& shader)
+        : material_(material), flow_(flow), shader_(shader) {
+        names_.functions.resize(flow.nodes.size());
+        names_.values.resize(flow.nodes.size());
+    }
+
+    ShaderNames name() {
+        takeParameters();
+        names_.position = allocator_.allocate("position");
+        names_.clipPosition = allocator_.allocate("clipPosition");
+        names_.colour = allocator_.allocate("colour");
+        for (std::size_t i = 0; i < shader_.registers.size(); ++i) {
+            names_.interpolants.push_back(allocator_.allocate("interpolant" + std::to_string(i)));
+        }
+        nameFunctions();
+        nameValues();
+        return std::move(names_);
+    }
+
+private:
+    const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
+
+    void takeParameters() {
+        std::unordered_map<std::string, std::size_t> firstByName;
+        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+            const GeneratorNode& node = *flow_.nodes[i].generated;
+            if (node.kind == NodeKind::Function) {
+                continue;
+            }
+            const MaterialItem& item = itemOf(i);
+            if (isReservedName(node.name)) {
+                throw HostError(
+                    {material_.file, item.line},
+                    joinText({nodeTitle(item), ": the name \"", node.name,
+                              "\" is reserved in Cg or by the shader framework; rename the node"}));
+            }
+            const auto [first, isNew] = firstByName.try_emplace(node.name, i);
+            const GeneratorNode& earlier = *flow_.nodes[first->second].generated;
+            if (!isNew && (earlier.kind != node.kind || earlier.type != node.type)) {
+                throw HostError(
+                    {material_.file, item.line},
+                    joinText({nodeTitle(item), ": ", describe(node), " has the name of ", describe(earlier),
+                              " of ", nodeTitle(itemOf(first->second)), "; rename one of the nodes"}));
+            }
+            allocator_.take(node.name);
+            names_.values[i].assign(node.outputs.size(), node.name);
+        }
+    }
+
+    void nameFunctions() {
+        std::unordered_map<std::string, std::string> nameByIdentity;
+        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+            const GeneratorNode& node = *flow_.nodes[i].generated;
+            if (node.kind == NodeKind::Function) {
+                std::string& name = nameByIdentity[functionIdentity(node)];
+                if (name.empty()) {
+                    name = allocator_.allocate(toCgName(node.name));
+                }
+                names_.functions[i] = name;
+            }
+        }
+    }
+
+    /// A node's values are named after its id; those of conversions, which have no id, after what they
+    /// convert.
+    void nameValues() {
+        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+            const DataflowNode& node = flow_.nodes[i];
+            if (node.generated->kind != NodeKind::Function) {
+                continue;
+            }
+            for (const GeneratorPort& port : node.generated->outputs) {
+                const std::string stem = isConversion(node) ? valueName(node.inputs[0]) : itemOf(i).id;
+                const std::string suffix = isConversion(node) ? typeText(port.type) : port.name;
+                names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
+            }
+        }
+    }
+
+    static bool isConversion(const DataflowNode& node) { return node.generated->name == "promoteAndSplat"; }
+
+    const std::string& valueName(const ValueSource& source) const {
+        return names_.values[source.node][source.port];
+    }
+
+    const Material& material_;
+    const Dataflow& flow_;
+    const StagedShader& shader_;
+    NameAllocator allocator_;
+    ShaderNames names_;
+};
+
+} // namespace
+
+ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader) {
+    return ShaderNamer(material, flow, shader).name();
+}
+
+} // namespace patina

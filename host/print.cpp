@@ -1,0 +1,273 @@
+#include "host/print.h"
+
+#include "host/framework.h"
+#include "nodemodel/text.h"
+
+#include <map>
+#include <set>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace patina {
+
+namespace {
+
+/// What tells the two programs apart when they are printed.
+struct StageTable {
+    const char* title;
+    const ShaderStage StagedShader::*stage;
+    std::int32_t samplerRegister;
+    std::int32_t interpolantRegister;
+};
+
+constexpr StageTable vertexStage = {"vertex", &StagedShader::vertex, registers::vertexSampler,
+                                    registers::vertexInterpolant};
+constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment, registers::fragmentSampler,
+                                      registers::fragmentInterpolant};
+
+bool isSampler(const ShaderType& type) { return type.componentType >= ComponentType::Sampler1D; }
+
+/// A text that may stand in a one-line comment.
+std::string commentText(std::string_view text) {
+    std::string result(text);
+    for (char& letter : result) {
+        if (static_cast<unsigned char>(letter) < 0x20) {
+            letter = ' ';
+        }
+    }
+    return result;
+}
+
+/// Appends one program to one text.
+class ProgramPrinter {
+public:
+    ProgramPrinter(const AssembledShader& shader, const StageTable& table)
+        : shader_(shader), table_(table), stage_(shader.stages.*table.stage) {}
+
+    void printHeader() {
+        append({"// ", commentText(shader_.material.name), ", ", table_.title,
+                " program. Written by patina.\n\n"});
+        text_ += frameworkText();
+    }
+
+    void printText(std::string_view text) { text_ += text; }
+
+    void printUniforms() {
+        std::set<std::string_view> printed;
+        std::int32_t samplers = 0;
+        for (const std::size_t index : stage_.uniforms) {
+            const GeneratorNode& uniform = *shader_.flow.nodes[index].generated;
+            if (!printed.insert(uniform.name).second) {
+                continue;
+            }
+            append({printed.size() == 1 ? "\n" : "", "uniform ", declaration(uniform.type, uniform.name)});
+            if (isSampler(uniform.type)) {
+                append({" : ", semantic(table_.samplerRegister, samplers++, "textures")});
+            }
+            text_ += ";\n";
+        }
+    }
+
+    void printFunctions() {
+        const std::map<std::string_view, std::vector<std::size_t>> users = usersByFunction();
+        std::unordered_set<std::string_view> printed;
+        for (const std::size_t index : stage_.functions) {
+            const std::string& name = shader_.names.functions[index];
+            if (printed.insert(name).second) {
+                printUsers(users.at(name));
+                printFunction(name, *shader_.flow.nodes[index].generated);
+            }
+        }
+    }
+
+    /// `void main( ... ) {`, given the parameters.
+    void beginMain(const std::vector<std::string>& parameters) {
+        text_ += "\nvoid main(";
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+            append({i == 0 ? "\n\t" : ",\n\t", parameters[i]});
+        }
+        text_ += " )\n{\n";
+    }
+
+    void printCalls() {
+        for (const std::size_t index : stage_.functions) {
+            printCall(index);
+        }
+    }
+
+    void statement(std::initializer_list<std::string_view> pieces) {
+        text_ += "\t";
+        append(pieces);
+        text_ += ";\n";
+    }
+
+    std::string finish() {
+        text_ += "}\n";
+        return std::move(text_);
+    }
+
+    /// `type name : SEMANTIC` of an interpolant register.
+    std::string interpolantParameter(std::size_t index) const {
+        const InterpolantRegister& entry = shader_.stages.registers[index];
+        const ShaderType type = {entry.componentType, entry.componentCount, 1, 1};
+        return joinText({declaration(type, shader_.names.interpolants[index]), " : ",
+                         registerText({table_.interpolantRegister, static_cast<std::int32_t>(index)})});
+    }
+
+    /// The part of an interpolant register that carries a value.
+    std::string interpolantPlace(const Interpolant& interpolant) const {
+        const std::string& name = shader_.names.interpolants[interpolant.registerIndex];
+        if (shader_.stages.registers[interpolant.registerIndex].componentCount == 1) {
+            return name;
+        }
+        constexpr std::string_view components = "xyzw";
+        const auto first = static_cast<std::size_t>(interpolant.firstComponent);
+        const auto count = static_cast<std::size_t>(shader_.flow.port(interpolant.value).type.columns);
+        return joinText({name, ".", components.substr(first, count)});
+    }
+
+    const std::string& valueName(const ValueSource& source) const {
+        return shader_.names.values[source.node][source.port];
+    }
+
+    /// A register's semantic; throws when the stage has no register of that number.
+    std::string semantic(std::int32_t index, std::int32_t number, std::string_view what) const {
+        const std::int32_t available = registerEntry(index).registerCount;
+        if (number >= available) {
+            throw HostError({shader_.material.file, 0},
+                            joinText({"the ", table_.title, " program reads more than ",
+                                      std::to_string(available), " ", what}));
+        }
+        return registerText({index, number});
+    }
+
+private:
+    void append(std::initializer_list<std::string_view> pieces) { appendText(text_, pieces); }
+
+    std::map<std::string_view, std::vector<std::size_t>> usersByFunction() const {
+        std::map<std::string_view, std::vector<std::size_t>> users;
+        for (const std::size_t index : stage_.functions) {
+            users[shader_.names.functions[index]].push_back(index);
+        }
+        return users;
+    }
+
+    /// A comment that names the first nodes whose code this is.
+    void printUsers(const std::vector<std::size_t>& users) {
+        constexpr std::size_t shown = 4;
+        text_ += "\n// ";
+        for (std::size_t i = 0; i < users.size() && i < shown; ++i) {
+            const MaterialItem& item = shader_.material.items[shader_.flow.nodes[users[i]].owner];
+            append({i == 0 ? "" : ", ", commentText(nodeTitle(item))});
+        }
+        if (users.size() > shown) {
+            append({" and ", std::to_string(users.size() - shown), " more"});
+        }
+        text_ += "\n";
+    }
+
+    void printFunction(const std::string& name, const GeneratorNode& function) {
+        append({"void ", name, "("});
+        const char* separator = " ";
+        for (const GeneratorPort& input : function.inputs) {
+            append({separator, declaration(input.type, input.name)});
+            separator = ", ";
+        }
+        for (const GeneratorPort& output : function.outputs) {
+            append({separator, "out ", declaration(output.type, output.name)});
+            separator = ", ";
+        }
+        append({" )\n{\n", function.code, "}\n"});
+    }
+
+    void printCall(std::size_t index) {
+        const DataflowNode& node = shader_.flow.nodes[index];
+        for (std::size_t port = 0; port < node.generated->outputs.size(); ++port) {
+            statement({declaration(node.generated->outputs[port].type, shader_.names.values[index][port])});
+        }
+        append({"\t", shader_.names.functions[index], "("});
+        const char* separator = " ";
+        for (const ValueSource& input : node.inputs) {
+            append({separator, valueName(input)});
+            separator = ", ";
+        }
+        for (const std::string& output : shader_.names.values[index]) {
+            append({separator, output});
+            separator = ", ";
+        }
+        text_ += " );\n";
+    }
+
+    const AssembledShader& shader_;
+    const StageTable& table_;
+    const ShaderStage& stage_;
+    std::string text_;
+};
+
+} // namespace
+
+std::string printVertexProgram(const AssembledShader& shader) {
+    ProgramPrinter printer(shader, vertexStage);
+    printer.printHeader();
+    printer.printText(vertexFrameworkText());
+    printer.printUniforms();
+    printer.printFunctions();
+
+    const ShaderType positionType = {ComponentType::Float, 4, 1, 1};
+    std::int32_t attributes = 0;
+    const auto attribute = [&](const ShaderType& type, const std::string& name) {
+        return joinText({declaration(type, name), " : ",
+                         printer.semantic(registers::vertexAttribute, attributes++, "vertex attributes")});
+    };
+    std::vector<std::string> parameters = {attribute(positionType, shader.names.position)};
+    std::set<std::string_view> declared;
+    for (const std::size_t index : shader.stages.attributes) {
+        const GeneratorNode& varying = *shader.flow.nodes[index].generated;
+        if (declared.insert(varying.name).second) {
+            parameters.push_back(attribute(varying.type, varying.name));
+        }
+    }
+    parameters.push_back(joinText({"out ", declaration(positionType, shader.names.clipPosition), " : ",
+                                   registerText({registers::vertexPosition, 0})}));
+    for (std::size_t i = 0; i < shader.stages.registers.size(); ++i) {
+        parameters.push_back("out " + printer.interpolantParameter(i));
+    }
+    printer.beginMain(parameters);
+    printer.statement({shader.names.clipPosition, " = QelTransformPosition( ", shader.names.position, " )"});
+    printer.printCalls();
+    for (const Interpolant& interpolant : shader.stages.interpolants) {
+        printer.statement(
+            {printer.interpolantPlace(interpolant), " = ", printer.valueName(interpolant.value)});
+    }
+    return printer.finish();
+}
+
+std::string printFragmentProgram(const AssembledShader& shader) {
+    ProgramPrinter printer(shader, fragmentStage);
+    printer.printHeader();
+    printer.printUniforms();
+    printer.printFunctions();
+
+    const ShaderType colourType = {ComponentType::Float, 4, 1, 1};
+    std::vector<std::string> parameters;
+    for (std::size_t i = 0; i < shader.stages.registers.size(); ++i) {
+        parameters.push_back(printer.interpolantParameter(i));
+    }
+    parameters.push_back(joinText({"out ", declaration(colourType, shader.names.colour), " : ",
+                                   registerText({registers::fragmentColour, 0})}));
+    printer.beginMain(parameters);
+    for (const Interpolant& interpolant : shader.stages.interpolants) {
+        const ShaderType& type = shader.flow.port(interpolant.value).type;
+        printer.statement({declaration(type, printer.valueName(interpolant.value)), " = ",
+                           printer.interpolantPlace(interpolant)});
+    }
+    printer.printCalls();
+    const bool isScalar = shader.flow.port(shader.flow.colour).type.columns == 1;
+    printer.statement(
+        {shader.names.colour, " = float4( ", printer.valueName(shader.flow.colour), isScalar ? ".xxx" : "",
+         ", ", shader.flow.hasAlpha ? std::string_view(printer.valueName(shader.flow.alpha)) : "1.0", " )"});
+    return printer.finish();
+}
+
+} // namespace patina

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "host/material.h"
+
+namespace patina {
+
+/// Resolves the ports of a whole material: component counts from sources to destinations, then precisions
+/// from destinations back to sources. What an earlier resolution found is forgotten first.
+///
+/// Throws HostError when the inputs of a node have different widths, naming both sources.
+void resolveMaterial(Material& material);
+
+} // namespace patina
