@@ -1,0 +1,34 @@
+#include "host/host.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+namespace {
+
+patina::PluginSet loadCorePlugin() {
+    patina::PluginSet plugins;
+    plugins.add(PATINA_CORE_PLUGIN);
+    return plugins;
+}
+
+} // namespace
+
+/// Whatever the document: either a message for the user, or three complete files.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const patina::PluginSet plugins = loadCorePlugin();
+    try {
+        patina::Warnings warnings;
+        const std::string_view text(reinterpret_cast<const char*>(data), size);
+        auto material = patina::buildMaterial(patina::parseMaterial(text, "fuzz.xml"), plugins, warnings);
+        const auto exported = patina::exportMaterial(material);
+        if (exported.fragmentProgram.content.empty() || exported.vertexProgram.content.empty() ||
+            exported.bindings.content.empty()) {
+            std::abort();
+        }
+    } catch (const patina::HostError&) {
+        return 0;
+    }
+    return 0;
+}
