@@ -4,6 +4,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 void writeUnlessEmpty(xmlNode* element, const std::string& key, const std::string& text) {
@@ -26,7 +28,7 @@ void readBoolIfPresent(xmlNode* element, const std::string& key, bool& flag) {
 
 } // namespace
 
-void Binding::writeAnnotations(xmlNode* element) {
+void Binding::writeAnnotations(xmlNode* element) const {
     const BindingKindEntry& defaults = bindingKindDefaults(kind);
     writeAttribute(element, "tag", name);
     if (uiType != defaults.uiType) {
@@ -94,7 +96,7 @@ void Binding::readAnnotations(xmlNode* element) {
     readBoolIfPresent(element, "basic_colour", basicColour);
 }
 
-void TextureBinding::writeAnnotations(xmlNode* element) {
+void TextureBinding::writeAnnotations(xmlNode* element) const {
     StringBinding::writeAnnotations(element);
     if (srgb) {
         writeBoolAttribute(element, "srgb", true);

@@ -8,6 +8,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 Binding::Binding(BindingKind bindingKind, const std::string& bindingName, std::uint32_t count)
     : name(bindingName), kind(bindingKind), uiType(bindingKindDefaults(bindingKind).uiType),
       storedComponentCount_(count), streamType(bindingKindDefaults(bindingKind).streamType),
@@ -150,9 +152,9 @@ std::shared_ptr<Binding> createBinding(BindingKind kind, const std::string& name
 }
 
 std::shared_ptr<TextureBinding> toTextureBinding(const std::shared_ptr<Binding>& binding) {
-    if (binding->kind != BindingKind::Texture) {
-        throw ShaderError(
-            joinText({"Cannot cast \"", bindingKindName(*binding), "\" into a TextureBinding"}));
+    if (!binding || binding->kind != BindingKind::Texture) {
+        const std::string kindName = binding ? bindingKindName(*binding) : "";
+        throw ShaderError(joinText({"Cannot cast \"", kindName, "\" into a TextureBinding"}));
     }
     return std::static_pointer_cast<TextureBinding>(binding);
 }

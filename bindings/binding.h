@@ -47,7 +47,7 @@ public:
 
     /// Sets the attributes that describe this binding on the caller's element, each only where it differs
     /// from the kind's default.
-    virtual void writeAnnotations(xmlNode* element);
+    virtual void writeAnnotations(xmlNode* element) const;
 
     /// Takes over the attributes that are present. Throws ShaderError for a boolean that is neither "Yes" nor
     /// "No"; what was read before stays. Number lists and names that are not understood are ignored.
@@ -151,7 +151,7 @@ class TextureBinding : public StringBinding {
 public:
     using StringBinding::StringBinding;
 
-    void writeAnnotations(xmlNode* element) override;
+    void writeAnnotations(xmlNode* element) const override;
     void readAnnotations(xmlNode* element) override;
 
     bool srgb = false;           ///< the texture holds sRGB colours
@@ -170,7 +170,7 @@ struct BindingCollection {
 std::shared_ptr<Binding> createBinding(BindingKind kind, const std::string& name,
                                        std::uint32_t componentCount);
 
-/// The same binding as a texture. Throws ShaderError when it is of another kind.
+/// The same binding as a texture. Throws ShaderError when it is of another kind, or an empty handle.
 std::shared_ptr<TextureBinding> toTextureBinding(const std::shared_ptr<Binding>& binding);
 
 /// Appends, shares ownership, and clears `sorted`.

@@ -6,6 +6,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// Indexed by BindingKind: name, class, ui type, stream type, normalised stream, dataset modifiers.
@@ -68,12 +70,12 @@ Value parseName(const std::array<const char*, Count>& names, const std::string& 
 
 } // namespace
 
-const BindingKindEntry* findBindingKind(BindingKind kind) {
+const BindingKindEntry* detail::findBindingKind(BindingKind kind) {
     const auto index = static_cast<std::size_t>(kind);
     return index < bindingKinds.size() ? &bindingKinds[index] : nullptr;
 }
 
-const BindingKindEntry& bindingKindDefaults(BindingKind kind) {
+const BindingKindEntry& detail::bindingKindDefaults(BindingKind kind) {
     const BindingKindEntry* entry = findBindingKind(kind);
     return entry != nullptr ? *entry : bindingKinds.front();
 }
@@ -101,7 +103,7 @@ std::string streamTypeFor(const std::string& typeWord, bool normalise) {
     return normalise ? found->normalisedCode : found->code;
 }
 
-std::string lowerCase(std::string text) {
+std::string detail::lowerCase(std::string text) {
     for (char& letter : text) {
         if (letter >= 'A' && letter <= 'Z') {
             letter = static_cast<char>(letter - 'A' + 'a');

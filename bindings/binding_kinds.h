@@ -37,26 +37,7 @@ enum class UiType : std::int32_t {
 /// The unit in which a control shows a value.
 enum class UiUnitType : std::int32_t { Raw, Linear, Angular, SrgbColour };
 
-/// The class that carries bindings of a kind.
-enum class BindingClass : std::int32_t { None, Plain, String, Texture, Float };
-
-/// What a kind of binding starts with.
-struct BindingKindEntry {
-    const char* name;
-    BindingClass bindingClass;
-    UiType uiType;
-    const char* streamType; ///< empty: the kind has no vertex stream
-    bool streamNormalise;
-    const char* datasetModifiers;
-};
-
 // [thread-safe]; none of the operations below reports errors.
-
-/// The table's entry of a kind, or null for a value outside the table. It lives forever.
-const BindingKindEntry* findBindingKind(BindingKind kind);
-
-/// What a kind of binding starts with; for a value outside the table, what an invalid binding does.
-const BindingKindEntry& bindingKindDefaults(BindingKind kind);
 
 /// The name by which annotations know a value; empty for a value outside the enumeration.
 std::string uiTypeName(UiType type);
@@ -75,7 +56,30 @@ bool parseBindingBool(const std::string& text);
 /// The stream type code for a component type word; a word that is none is returned unchanged.
 std::string streamTypeFor(const std::string& typeWord, bool normalise);
 
+namespace detail {
+
+/// The class that carries bindings of a kind.
+enum class BindingClass : std::int32_t { None, Plain, String, Texture, Float };
+
+/// What a kind of binding starts with.
+struct BindingKindEntry {
+    const char* name;
+    BindingClass bindingClass;
+    UiType uiType;
+    const char* streamType; ///< empty: the kind has no vertex stream
+    bool streamNormalise;
+    const char* datasetModifiers;
+};
+
+/// The table's entry of a kind, or null for a value outside the table. It lives forever.
+const BindingKindEntry* findBindingKind(BindingKind kind);
+
+/// What a kind of binding starts with; for a value outside the table, what an invalid binding does.
+const BindingKindEntry& bindingKindDefaults(BindingKind kind);
+
 /// ASCII letters in lower case, whatever the locale.
 std::string lowerCase(std::string text);
+
+} // namespace detail
 
 } // namespace patina

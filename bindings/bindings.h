@@ -7,3 +7,4 @@
 #include "bindings/binding.h"
 #include "bindings/binding_kinds.h"
 #include "bindings/float_list.h"
+#include "nodemodel/shader_error.h"

@@ -9,7 +9,7 @@
 #include <limits>
 #include <system_error>
 
-namespace patina {
+namespace patina::detail {
 
 namespace {
 
@@ -157,4 +157,4 @@ std::optional<std::vector<float>> parseFloatList(std::string_view text) {
     return values;
 }
 
-} // namespace patina
+} // namespace patina::detail

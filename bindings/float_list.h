@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace patina {
+namespace patina::detail {
 
 // Numbers as annotations carry them, whatever the locale of the process. [thread-safe]
 
@@ -19,4 +19,4 @@ std::optional<float> parseLeadingFloat(std::string_view text);
 /// number.
 std::optional<std::vector<float>> parseFloatList(std::string_view text);
 
-} // namespace patina
+} // namespace patina::detail

@@ -4,7 +4,11 @@
 #include "nodemodel/text.h"
 #include "shadergraph/graph_generator.h"
 
+#include <algorithm>
+
 namespace patina {
+
+using namespace detail;
 
 namespace {
 
@@ -79,6 +83,12 @@ bool ConstantNode::alphaInUse() const {
     return isColourish() && alpha_->getBool() && isOutputConnected(*this, "alpha");
 }
 
+std::array<float, 3> ConstantNode::defaultColour() const {
+    std::array<float, 3> colour = {};
+    defaultColour_->getColour(colour[0], colour[1], colour[2]);
+    return colour;
+}
+
 void ConstantNode::updateFromProperties(void* /*hostContext*/) {
     clearPorts(*this);
     const std::string& type = constantType_->getEnum();
@@ -123,9 +133,12 @@ void ConstantNode::addBindings(BindingCollection& bindings) {
     std::shared_ptr<Binding> binding;
     const std::string& type = constantType_->getEnum();
     if (type == scalarType || type == vectorType) {
-        const std::uint32_t count =
-            type == vectorType ? static_cast<std::uint32_t>(componentCount_->getInteger()) : 1;
+        const std::int32_t components = type == vectorType ? componentCount_->getInteger() : 1;
+        const auto count = static_cast<std::uint32_t>(std::max(components, 0));
         binding = createBinding(BindingKind::Float, name(), count);
+        if (!binding) {
+            return;
+        }
         binding->uiType = UiType::Slider;
         for (std::uint32_t i = 0; i < count; ++i) {
             binding->setMinValue(i, minScalar_->getFloat());
@@ -135,13 +148,10 @@ void ConstantNode::addBindings(BindingCollection& bindings) {
     } else {
         binding = createBinding(BindingKind::Float, name(), alphaInUse() ? 4 : 3);
         binding->uiType = UiType::Colour;
-        float red = 0.0F;
-        float green = 0.0F;
-        float blue = 0.0F;
-        defaultColour_->getColour(red, green, blue);
-        binding->setDefaultValue(0, red);
-        binding->setDefaultValue(1, green);
-        binding->setDefaultValue(2, blue);
+        const std::array<float, 3> colour = defaultColour();
+        for (std::uint32_t i = 0; i < colour.size(); ++i) {
+            binding->setDefaultValue(i, colour[i]);
+        }
         if (alphaInUse()) {
             binding->setDefaultValue(3, defaultAlpha_->getFloat());
         }
@@ -170,13 +180,9 @@ void ConstantNode::addComponentOutputs(FunctionBuilder& builder) const {
 
 void ConstantNode::generateLocked(GraphGenerator& generator) {
     const std::string& type = constantType_->getEnum();
-    float red = 0.0F;
-    float green = 0.0F;
-    float blue = 0.0F;
-    defaultColour_->getColour(red, green, blue);
-
     FunctionBuilder builder;
     if (type == componentType) {
+        const auto [red, green, blue] = defaultColour();
         addComponentOutputs(builder);
         builder.appendCode(joinText({"\tred = ", formatFloat(red), ";\n", "\tgreen = ", formatFloat(green),
                                      ";\n", "\tblue = ", formatFloat(blue), ";\n"}));
@@ -184,6 +190,7 @@ void ConstantNode::generateLocked(GraphGenerator& generator) {
         const ShaderType outputType = portType(outputPort("read"));
         builder.addOutput(outputType, "out_value");
         if (type == colourType) {
+            const auto [red, green, blue] = defaultColour();
             // a blank behind the opening parenthesis and none before the closing one
             builder.appendCode(joinText({"\tout_value = ", typeText(outputType), "( ", formatFloat(red), ", ",
                                          formatFloat(green), ", ", formatFloat(blue), ");\n"}));

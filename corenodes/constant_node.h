@@ -2,6 +2,7 @@
 
 #include "nodemodel/material_node.h"
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -27,6 +28,7 @@ public:
 private:
     bool isColourish() const;
     bool alphaInUse() const;
+    std::array<float, 3> defaultColour() const;
     void addComponentOutputs(FunctionBuilder& builder) const;
     void generateLocked(GraphGenerator& generator);
     void generateUniform(GraphGenerator& generator);

@@ -4,8 +4,12 @@
 #include "nodemodel/material_node.h"
 #include "shadergraph/function_builder.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +24,14 @@ struct PortDeclaration {
     const char* label;
     std::uint32_t componentCount; ///< fixed; 0 leaves it to resolution
 };
+
+/// The row of a table that bears the name, or the one that stands for any other text.
+template <typename Row, std::size_t Count>
+const Row& findRow(const std::array<Row, Count>& table, const std::string& name, const Row& otherwise) {
+    const auto found =
+        std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.name == name; });
+    return found == table.end() ? otherwise : *found;
+}
 
 void addPort(std::vector<Port>& ports, const PortDeclaration& declaration);
 

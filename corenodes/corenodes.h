@@ -12,3 +12,4 @@
 #include "corenodes/texture_node.h"
 #include "corenodes/uv_node.h"
 #include "corenodes/vertex_colour_node.h"
+#include "nodemodel/shader_error.h"

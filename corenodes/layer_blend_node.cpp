@@ -7,6 +7,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// The unit constants that a formula uses.

@@ -4,10 +4,11 @@
 #include "nodemodel/shader_error.h"
 #include "nodemodel/text.h"
 
-#include <algorithm>
 #include <array>
 
 namespace patina {
+
+using namespace detail;
 
 /// One arithmetic function: its ports and its line of code.
 struct MathsFunction {
@@ -124,9 +125,7 @@ void MathsNode::addDefault(const char* portName, const char* propertyName, const
 }
 
 const MathsFunction& MathsNode::function() const {
-    const std::string& selected = function_->getEnum();
-    return *std::find_if(mathsFunctions.begin(), mathsFunctions.end(),
-                         [&](const MathsFunction& function) { return function.name == selected; });
+    return findRow(mathsFunctions, function_->getEnum(), mathsFunctions.front());
 }
 
 void MathsNode::updateFromProperties(void* /*hostContext*/) {

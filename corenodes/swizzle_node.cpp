@@ -38,15 +38,6 @@ constexpr std::array<Component, 4> components = {{
     {"out_w", "\tout_w = in_vec.w;\n", "in_w", "\tout_vec.w = in_w;\n"},
 }};
 
-const VectorType& findVectorType(const std::string& name) {
-    for (const VectorType& type : vectorTypes) {
-        if (name == type.name) {
-            return type;
-        }
-    }
-    return vectorTypes.back();
-}
-
 } // namespace
 
 SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName()) {
@@ -72,7 +63,7 @@ SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName()) {
 
 void SwizzleNode::updateFromProperties(void* /*hostContext*/) {
     clearPorts(*this);
-    const VectorType& type = findVectorType(vectorType_->getEnum());
+    const VectorType& type = findRow(vectorTypes, vectorType_->getEnum(), vectorTypes.back());
     if (type.componentCount != 0) {
         componentCount_->setInteger(type.componentCount);
     }

@@ -5,10 +5,11 @@
 #include "nodemodel/text.h"
 #include "shadergraph/graph_generator.h"
 
-#include <algorithm>
 #include <array>
 
 namespace patina {
+
+using namespace detail;
 
 namespace {
 
@@ -42,9 +43,10 @@ constexpr std::array<ColourType, 5> colourTypes = {{
      "\tout_colour.z = sqrt( 1.0 - dot( out_colour.xy, out_colour.xy ) );\n"},
 }};
 
+constexpr const ColourType& componentType = colourTypes[2];
+
 const ColourType& findColourType(const std::string& name) {
-    return *std::find_if(colourTypes.begin(), colourTypes.end(),
-                         [&](const ColourType& type) { return type.name == name; });
+    return findRow(colourTypes, name, componentType);
 }
 
 } // namespace
@@ -176,7 +178,7 @@ void TextureNode::generateCode(GraphGenerator& generator) {
     builder.addInput(samplerType, "in_sampler");
     builder.appendCode(joinText({"\t", typeText(resolvedType(*this, sampleCount)), " value = ",
                                  resolvedPrecision == floatPrecision ? "f" : "h", std::to_string(sampleCount),
-                                 "tex", textureType_->getEnum(), "( in_sampler, in_uv );\n"}));
+                                 "tex", is1D ? "1D" : "2D", "( in_sampler, in_uv );\n"}));
     if (convertsFromSrgb()) {
         builder.appendCode("\tvalue.xyz = QelSrgbToLinear( value.xyz );\n");
     }

@@ -5,6 +5,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 UvNode::UvNode() : MaterialNode(staticTypeName()) {
     setName("Uv");
     setBodyColour(0.8F, 0.8F, 1.0F);

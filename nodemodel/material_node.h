@@ -29,6 +29,9 @@ struct BindingCollection;
 /// Virtual operations keep their order: hosts and plug-ins that were built apart agree on it.
 class MaterialNode {
 public:
+    /// Makes the standard properties; the name starts as the type name. For derived classes.
+    explicit MaterialNode(const std::string& type);
+
     virtual ~MaterialNode();
 
     /// Rebuilds inputs and outputs and the flags of dependent properties from the property values.
@@ -115,9 +118,6 @@ public:
     std::shared_ptr<Property> helpUrlProperty;
 
 protected:
-    /// Makes the standard properties; the name starts as the type name.
-    explicit MaterialNode(const std::string& type);
-
     /// Makes a property with its help text and adds it to the node; the caller gives it its kind and default.
     std::shared_ptr<Property> addProperty(const std::string& propertyName, const std::string& help);
 };

@@ -14,7 +14,8 @@ namespace patina {
 /// Threads: as the node that holds it.
 struct Port {
     /// An unresolved, unconnected port. An empty label becomes the name.
-    explicit Port(std::string portName, std::string portLabel = {});
+    Port(std::string portName, std::string portLabel);
+    explicit Port(const std::string& portName) : Port(portName, portName) {}
 
     std::string name;                 ///< identifier, and the variable name in generated code
     std::string label;                ///< shown in the editor

@@ -9,6 +9,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 Property::Property(std::string propertyName) : name(std::move(propertyName)) {}
 
 std::shared_ptr<Property> makeProperty(const std::string& name) { return std::make_shared<Property>(name); }

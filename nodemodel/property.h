@@ -101,6 +101,8 @@ struct PropertySet {
     /// copy that throws ends it; earlier copies stay done.
     void copyValuesFrom(const PropertySet& saved);
 
+    auto begin() { return items.begin(); }
+    auto end() { return items.end(); }
     auto begin() const { return items.begin(); }
     auto end() const { return items.end(); }
 };

@@ -14,7 +14,7 @@ namespace patina {
 class ShaderError : public std::exception {
 public:
     /// Takes the complete message for the user.
-    explicit ShaderError(std::string message) : message_(message) {}
+    explicit ShaderError(const std::string& message) : message_(message) {}
 
     /// The message; it lives as long as this exception or any copy of it.
     const char* what() const noexcept override { return message_.what(); }

@@ -3,7 +3,7 @@
 #include <array>
 #include <charconv>
 
-namespace patina {
+namespace patina::detail {
 
 void appendText(std::string& text, std::initializer_list<std::string_view> pieces) {
     std::size_t size = text.size();
@@ -31,4 +31,4 @@ std::string formatFloat(float value) {
     return {digits.data(), end};
 }
 
-} // namespace patina
+} // namespace patina::detail

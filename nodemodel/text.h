@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace patina {
+namespace patina::detail {
 
 // Text building for messages and generated code. Nothing here looks at the locale of the process.
 // [thread-safe]
@@ -20,4 +20,4 @@ void appendText(std::string& text, std::initializer_list<std::string_view> piece
 /// significant digits, so 1.0 gives "1", 0.1 gives "0.1" and 1234567 gives "1.23457e+06".
 std::string formatFloat(float value);
 
-} // namespace patina
+} // namespace patina::detail

@@ -7,6 +7,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr const char* yesText = "Yes";
@@ -37,7 +39,7 @@ void writeBoolAttribute(xmlNode* element, const std::string& name, bool flag) {
     writeAttribute(element, name, flag ? yesText : noText);
 }
 
-bool hasAttribute(xmlNode* element, const std::string& name) {
+bool detail::hasAttribute(xmlNode* element, const std::string& name) {
     return xmlHasProp(element, xmlText(name)) != nullptr;
 }
 

@@ -16,8 +16,12 @@ void writeAttribute(xmlNode* element, const std::string& name, const std::string
 /// Sets an attribute to "Yes" or "No".
 void writeBoolAttribute(xmlNode* element, const std::string& name, bool flag);
 
+namespace detail {
+
 /// Whether the attribute is present, or has a default in the document's DTD.
 bool hasAttribute(xmlNode* element, const std::string& name);
+
+} // namespace detail
 
 /// The attribute's text, empty when it is present and empty. Throws ShaderError when it is missing.
 std::string readAttribute(xmlNode* element, const std::string& name);

@@ -17,6 +17,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// One node type: how hosts list it, and how a node is made.

@@ -8,6 +8,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 PlaceholderNode::PlaceholderNode() : MaterialNode(staticTypeName()) {
     setName("Default");
     setBodyColour(1.0F, 1.0F, 1.0F);

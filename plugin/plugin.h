@@ -10,6 +10,7 @@
 /// Objects that a plug-in made, exceptions included, must be gone before the plug-in is unloaded.
 
 #include "nodemodel/material_node.h"
+#include "nodemodel/shader_error.h"
 #include "plugin/export.h"
 
 #include <cstdint>

@@ -8,12 +8,14 @@
 
 namespace patina {
 
-ShaderType portType(const Port& port) {
+using namespace detail;
+
+ShaderType detail::portType(const Port& port) {
     return {static_cast<ComponentType>(port.getPrecision()),
             static_cast<std::int32_t>(port.getComponentCount()), 1, 1};
 }
 
-std::string splat(std::int32_t columns) {
+std::string detail::splat(std::int32_t columns) {
     return std::string(static_cast<std::size_t>(std::max(columns, 0)), 'x');
 }
 

@@ -10,11 +10,15 @@
 
 namespace patina {
 
+namespace detail {
+
 /// The type of the value on a material node's port. Throws ShaderError while precision or count is unknown.
 ShaderType portType(const Port& port);
 
 /// A swizzle that repeats the first component: "xxx" for 3 columns.
 std::string splat(std::int32_t columns);
+
+} // namespace detail
 
 /// Collects a function's parameters and body, and makes generator nodes of them.
 ///

@@ -7,6 +7,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr const char* readPortName = "read";

@@ -5,6 +5,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// Appends the edge to a node's list. Turning a dead entry into an owning one throws std::bad_weak_ptr.

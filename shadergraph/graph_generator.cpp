@@ -6,6 +6,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 GraphGenerator::GraphGenerator() : graph(std::make_shared<Graph>()) {}
 
 void GraphGenerator::addNode(const std::shared_ptr<GeneratorNode>& node) {

@@ -8,6 +8,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 // direction, semantic, suffix, registers, stage, flag
@@ -34,7 +36,7 @@ constexpr std::array<RegisterEntry, 18> registerTable = {{
 
 } // namespace
 
-const RegisterEntry& registerEntry(std::int32_t index) {
+const RegisterEntry& detail::registerEntry(std::int32_t index) {
     if (index < 0 || static_cast<std::size_t>(index) >= registerTable.size()) {
         throw ShaderError("invalid register type");
     }

@@ -10,6 +10,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// Indexed by ComponentType.
@@ -45,7 +47,7 @@ std::string componentTypeName(const ShaderType& type) {
     return componentTypeNames[code];
 }
 
-std::string typeText(const ShaderType& type) {
+std::string detail::typeText(const ShaderType& type) {
     std::string text = elementTypeText(type);
     appendArraySize(text, type);
     return text;

@@ -40,14 +40,18 @@ struct ShaderType {
 /// The name of the component type alone: "float", "sampler2D".
 std::string componentTypeName(const ShaderType& type);
 
-/// The type as Cg writes it: "float3", "float4x4" (rows first), "float4[8]".
-std::string typeText(const ShaderType& type);
-
-/// Prints typeText.
+/// Prints the type as Cg writes it: "float3", "float4x4" (rows first), "float4[8]".
 std::ostream& operator<<(std::ostream& stream, const ShaderType& type);
 
 /// A Cg declaration of `name`: "float3 name", "float4 name[8]".
 std::string declaration(const ShaderType& type, const std::string& name);
+
+namespace detail {
+
+/// What the operator prints.
+std::string typeText(const ShaderType& type);
+
+} // namespace detail
 
 /// A new function node named "promoteAndSplat" that takes "in_value" of type `from` and gives "out_value" of
 /// type `to`: any component type becomes any other, and a scalar widens to any vector. Throws ShaderError for

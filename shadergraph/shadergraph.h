@@ -5,6 +5,7 @@
 ///
 /// Link with the CMake target patina::materialgraph.
 
+#include "nodemodel/shader_error.h"
 #include "shadergraph/function_builder.h"
 #include "shadergraph/generator_node.h"
 #include "shadergraph/graph.h"
