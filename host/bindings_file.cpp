@@ -1,28 +1,23 @@
 #include "host/bindings_file.h"
 
+#include "host/xml.h"
 #include "nodemodel/text.h"
 #include "nodemodel/xml_attributes.h"
 
-#include <libxml/tree.h>
-
 #include <algorithm>
-#include <memory>
 #include <numeric>
 #include <unordered_map>
 #include <vector>
 
 namespace patina {
 
-namespace {
+using namespace detail;
 
-struct XmlFree {
-    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
-    void operator()(xmlChar* text) const { xmlFree(text); }
-};
+namespace {
 
 const xmlChar* xmlText(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 
-void appendBinding(xmlNode* root, Binding& binding) {
+void appendBinding(xmlNode* root, const Binding& binding) {
     xmlNode* element = xmlNewChild(root, nullptr, xmlText("binding"), nullptr);
     writeAttribute(element, "kind", bindingKindName(binding));
     writeAttribute(element, "components", std::to_string(binding.componentCount()));
@@ -70,7 +65,7 @@ BindingCollection collectBindings(const Material& material) {
 }
 
 std::string printBindings(const Material& material, const BindingCollection& bindings) {
-    const std::unique_ptr<xmlDoc, XmlFree> document(xmlNewDoc(xmlText("1.0")));
+    const XmlPointer<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
     xmlNode* root = xmlNewNode(nullptr, xmlText("bindings"));
     xmlDocSetRootElement(document.get(), root);
     writeAttribute(root, "version", "1");
@@ -81,7 +76,7 @@ std::string printBindings(const Material& material, const BindingCollection& bin
     xmlChar* text = nullptr;
     int size = 0;
     xmlDocDumpFormatMemoryEnc(document.get(), &text, &size, "UTF-8", 1);
-    const std::unique_ptr<xmlChar, XmlFree> owner(text);
+    const XmlPointer<xmlChar> owner(text);
     return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
 }
 

@@ -210,8 +210,11 @@ bool isSamplingFunction(std::string_view name) {
         name.remove_prefix(2);
     }
     constexpr std::array<std::string_view, 5> prefixes = {"tex1D", "tex2D", "tex3D", "texCUBE", "texRECT"};
-    return std::any_of(prefixes.begin(), prefixes.end(),
-                       [&](std::string_view prefix) { return name.starts_with(prefix); });
+    constexpr std::array<std::string_view, 6> suffixes = {"", "bias", "fetch", "lod", "proj", "size"};
+    return std::any_of(prefixes.begin(), prefixes.end(), [&](std::string_view prefix) {
+        return name.starts_with(prefix) &&
+               std::find(suffixes.begin(), suffixes.end(), name.substr(prefix.size())) != suffixes.end();
+    });
 }
 
 bool isNameCharacter(char letter) {

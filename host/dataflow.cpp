@@ -13,6 +13,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
@@ -48,8 +50,9 @@ private:
 
     std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
         const std::size_t index = flow_.nodes.size();
-        flow_.nodes.push_back(
-            {generated, owner, std::vector<ValueSource>(generated->inputs.size(), ValueSource{nowhere, 0})});
+        flow_.nodes.push_back({generated, owner,
+                               std::vector<ValueSource>(generated->inputs.size(), ValueSource{nowhere, 0}),
+                               false});
         return index;
     }
 
@@ -132,6 +135,7 @@ private:
             }
             const std::size_t node = enter(conversion, flow_.nodes[value.node].owner);
             flow_.nodes[node].inputs[0] = value;
+            flow_.nodes[node].conversion = true;
         }
         return found->second;
     }

@@ -22,6 +22,7 @@ struct DataflowNode {
     std::shared_ptr<GeneratorNode> generated;
     std::size_t owner = 0; ///< the material item whose code it is, or whose value it converts
     std::vector<ValueSource> inputs;
+    bool conversion = false; ///< put in between two material nodes to convert a value
 };
 
 /// A material's shader as one graph of functions and parameters in which every input has its source.

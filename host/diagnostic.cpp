@@ -6,6 +6,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 struct Reason {
@@ -28,16 +30,39 @@ constexpr std::array<Reason, 10> reasons = {{
 
 } // namespace
 
+std::string oneLine(std::string_view text) {
+    std::string line(text);
+    for (char& letter : line) {
+        const auto code = static_cast<unsigned char>(letter);
+        if (code < 0x20 || code == 0x7F) {
+            letter = ' ';
+        }
+    }
+    return line;
+}
+
 std::string diagnosticText(const SourcePosition& position, std::string_view severity, std::string_view text) {
     std::string place = position.file;
     if (!place.empty()) {
         place += position.line > 0 ? joinText({":", std::to_string(position.line), ": "}) : ": ";
     }
-    return joinText({place, severity, ": ", text});
+    return oneLine(joinText({place, severity, ": ", text}));
 }
 
 HostError::HostError(const SourcePosition& position, std::string_view text)
     : message_(diagnosticText(position, "error", text)) {}
+
+std::string currentExceptionText() {
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (const std::string& text) { // what a function with a duplicate parameter throws
+        return text;
+    } catch (...) {
+        return "it failed with something that is no exception";
+    }
+}
 
 std::string reasonText(const std::error_code& error) {
     for (const Reason& reason : reasons) {

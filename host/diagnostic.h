@@ -15,7 +15,11 @@ struct SourcePosition {
     int line = 0;
 };
 
-/// `file:line: severity: text`, without the line when it is 0 and without the place when there is no file.
+/// A text without line breaks and other control characters, each of which becomes a blank.
+std::string oneLine(std::string_view text);
+
+/// One line, `file:line: severity: text`, without the line when it is 0 and without the place when there is
+/// no file.
 std::string diagnosticText(const SourcePosition& position, std::string_view severity, std::string_view text);
 
 /// The failure that ends an operation of the host: where, what is wrong, and what to do.
@@ -37,6 +41,9 @@ struct Warning {
 };
 
 using Warnings = std::vector<Warning>;
+
+/// What the exception that is being handled says; to be called in a catch clause only.
+std::string currentExceptionText();
 
 /// The reason of a failed file operation in English, whatever the locale of the process.
 std::string reasonText(const std::error_code& error);

@@ -2,21 +2,24 @@
 
 #include "host/diagnostic.h"
 #include "host/files.h"
+#include "host/xml.h"
 #include "nodemodel/text.h"
 #include "nodemodel/xml_attributes.h"
 
-#include <libxml/parser.h>
-#include <libxml/tree.h>
+#include <libxml/SAX2.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <limits>
-#include <memory>
+#include <new>
 #include <optional>
 #include <set>
 
 namespace patina {
+
+using namespace detail;
 
 namespace {
 
@@ -37,11 +40,6 @@ constexpr std::array<KindName, 7> kindNames = {{
     {"node", PropertyType::Node},
 }};
 
-struct XmlFree {
-    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
-    void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
-};
-
 /// The first complaint of the XML parser.
 struct XmlComplaint {
     int line = 0;
@@ -53,11 +51,49 @@ void keepFirstComplaint(void* context, xmlErrorPtr error) {
     if (complaint->text.empty() && error->level >= XML_ERR_ERROR && error->message != nullptr) {
         complaint->line = error->line;
         complaint->text = error->message;
-        while (!complaint->text.empty() && complaint->text.back() == '\n') {
-            complaint->text.pop_back();
-        }
+        complaint->text.resize(complaint->text.find_last_not_of('\n') + 1);
     }
 }
+
+/// Makes each element remember its line: the parser's own count stops at 65535.
+void startElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
+                  int namespaceCount, const xmlChar** namespaces, int attributeCount, int defaultedCount,
+                  const xmlChar** attributes) {
+    xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount,
+                          defaultedCount, attributes);
+    const auto* parser = static_cast<xmlParserCtxt*>(context);
+    if (parser->node != nullptr) {
+        parser->node->_private = reinterpret_cast<void*>(static_cast<std::intptr_t>(parser->input->line));
+    }
+}
+
+void ignoreText(void* /*context*/, const char* /*format*/, ...) {
+} // NOLINT(cert-dcl50-cpp): libxml2's signature
+
+void ignoreError(void* /*context*/, xmlErrorPtr /*error*/) {}
+
+/// Keeps libxml2 from printing on its own while it lives: some encoding errors pass by the parser's handler.
+class XmlSilence {
+public:
+    XmlSilence()
+        : generic_(xmlGenericError), genericContext_(xmlGenericErrorContext), structured_(xmlStructuredError),
+          structuredContext_(xmlStructuredErrorContext) {
+        xmlSetGenericErrorFunc(nullptr, ignoreText);
+        xmlSetStructuredErrorFunc(nullptr, ignoreError);
+    }
+    ~XmlSilence() {
+        xmlSetGenericErrorFunc(genericContext_, generic_);
+        xmlSetStructuredErrorFunc(structuredContext_, structured_);
+    }
+    XmlSilence(const XmlSilence&) = delete;
+    XmlSilence& operator=(const XmlSilence&) = delete;
+
+private:
+    xmlGenericErrorFunc generic_;
+    void* genericContext_;
+    xmlStructuredErrorFunc structured_;
+    void* structuredContext_;
+};
 
 /// Reads the elements of one document. A method of each kind of element; all throw HostError.
 class DocumentReader {
@@ -65,7 +101,7 @@ public:
     explicit DocumentReader(const std::string& file) { document_.file = file; }
 
     MaterialDocument read(std::string_view text) {
-        const std::unique_ptr<xmlDoc, XmlFree> xml = parseXml(text);
+        const XmlPointer<xmlDoc> xml = parseXml(text);
         xmlNode* root = xmlDocGetRootElement(xml.get());
         readRoot(root);
         for (xmlNode* child = root->children; child != nullptr; child = child->next) {
@@ -90,26 +126,29 @@ private:
         return reinterpret_cast<const char*>(element->name);
     }
 
-    static int lineOf(const xmlNode* element) { return static_cast<int>(xmlGetLineNo(element)); }
+    static int lineOf(const xmlNode* element) {
+        return static_cast<int>(reinterpret_cast<std::intptr_t>(element->_private));
+    }
 
     [[noreturn]] void fail(int line, std::initializer_list<std::string_view> pieces) const {
         throw HostError({document_.file, line}, joinText(pieces));
     }
 
-    std::unique_ptr<xmlDoc, XmlFree> parseXml(std::string_view text) const {
+    XmlPointer<xmlDoc> parseXml(std::string_view text) const {
         if (text.size() > documentSizeLimit) {
             fail(0, {"this document is larger than 512 MiB"});
         }
-        const std::unique_ptr<xmlParserCtxt, XmlFree> context(xmlNewParserCtxt());
+        const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
         if (!context) {
             throw std::bad_alloc();
         }
         XmlComplaint complaint;
         context->_private = &complaint;
         context->sax->serror = keepFirstComplaint;
-        std::unique_ptr<xmlDoc, XmlFree> xml(
-            xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr,
-                              XML_PARSE_NONET | XML_PARSE_BIG_LINES));
+        context->sax->startElementNs = startElement;
+        const XmlSilence silence;
+        XmlPointer<xmlDoc> xml(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
+                                                 nullptr, nullptr, XML_PARSE_NONET));
         if (!xml) {
             fail(complaint.line, {"this is not well-formed XML: ", complaint.text});
         }

@@ -13,6 +13,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 #if defined(_WIN32)
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file) : handle_(LoadLibraryW(file.c_str())) {

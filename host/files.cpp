@@ -13,6 +13,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 struct CloseFile {
@@ -28,28 +30,51 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
     throw HostError({file.string(), 0}, joinText({what, ": ", reasonText(error)}));
 }
 
-/// A file under a temporary name that disappears unless it takes its final place.
-class TemporaryFile {
+/// A name beside `target` that no file bears yet. Short, so that it fits wherever the target's name does.
+std::filesystem::path hiddenName(const std::filesystem::path& target, int attempt) {
+    return target.parent_path() / (".patina-" + std::to_string(attempt) + ".tmp");
+}
+
+constexpr int nameAttempts = 1000;
+
+void removeIfNamed(const std::filesystem::path& file) {
+    if (!file.empty()) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+    }
+}
+
+/// A complete file under a temporary name, which can take its target's place and give it back.
+/// What is left under temporary names goes when it does.
+class Replacement {
 public:
-    TemporaryFile(std::filesystem::path target, std::string_view content) : target_(std::move(target)) {
+    Replacement(std::filesystem::path target, std::string_view content) : target_(std::move(target)) {
         FileHandle file = open();
+        errno = 0;
         const bool complete = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size() &&
                               std::fflush(file.get()) == 0;
-        const std::error_code error = lastError();
+        const std::error_code writeError = lastError();
         const bool closed = std::fclose(file.release()) == 0;
         if (!complete || !closed) {
-            const std::error_code reason = complete ? lastError() : error;
-            remove();
+            const std::error_code reason = complete ? lastError() : writeError;
+            removeIfNamed(temporary_);
             throwFileError(target_, "cannot write this file", reason);
         }
     }
 
-    ~TemporaryFile() { remove(); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~Replacement() {
+        removeIfNamed(temporary_);
+        removeIfNamed(former_);
+    }
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
 
     void takePlace() {
         std::error_code error;
+        existed_ = std::filesystem::exists(target_, error);
+        if (existed_) {
+            keepFormer();
+        }
         std::filesystem::rename(temporary_, target_, error);
         if (error) {
             throwFileError(target_, "cannot replace this file", error);
@@ -57,13 +82,24 @@ public:
         temporary_.clear();
     }
 
+    void giveBack() {
+        if (!temporary_.empty()) {
+            return;
+        }
+        std::error_code ignored;
+        if (!former_.empty()) {
+            std::filesystem::rename(former_, target_, ignored);
+            former_.clear();
+        } else if (!existed_) {
+            std::filesystem::remove(target_, ignored);
+        }
+    }
+
 private:
     /// Makes a file of a name that nobody else uses, so that exports side by side do not meet.
     FileHandle open() {
-        constexpr int attempts = 1000;
-        for (int attempt = 0; attempt < attempts; ++attempt) {
-            temporary_ = target_;
-            temporary_ += ".tmp" + std::to_string(attempt);
+        for (int attempt = 0; attempt < nameAttempts; ++attempt) {
+            temporary_ = hiddenName(target_, attempt);
             if (FileHandle file{std::fopen(temporary_.string().c_str(), "wbx")}) {
                 return file;
             }
@@ -76,15 +112,26 @@ private:
         throwFileError(target_, "cannot write this file", error);
     }
 
-    void remove() const {
-        if (!temporary_.empty()) {
-            std::error_code ignored;
-            std::filesystem::remove(temporary_, ignored);
+    /// A second name for the file that is replaced, where the file system has such a thing.
+    void keepFormer() {
+        std::error_code error;
+        for (int attempt = 0; attempt < nameAttempts; ++attempt) {
+            const std::filesystem::path name = hiddenName(target_, attempt);
+            std::filesystem::create_hard_link(target_, name, error);
+            if (!error) {
+                former_ = name;
+                return;
+            }
+            if (error != std::errc::file_exists) {
+                return;
+            }
         }
     }
 
     std::filesystem::path target_;
     std::filesystem::path temporary_; ///< empty once it took its place
+    std::filesystem::path former_;    ///< what it replaced
+    bool existed_ = false;
 };
 
 } // namespace
@@ -129,16 +176,23 @@ void writeFiles(const std::filesystem::path& directory, const std::vector<Output
     if (error) {
         throwFileError(directory, "cannot make this directory", error);
     }
-    std::vector<std::unique_ptr<TemporaryFile>> temporaries;
+    std::vector<std::unique_ptr<Replacement>> replacements;
     for (const OutputFile& file : files) {
         const std::filesystem::path target = directory / file.name;
         if (std::filesystem::is_directory(target, error)) {
             throwFileError(target, "cannot write this file", std::make_error_code(std::errc::is_a_directory));
         }
-        temporaries.push_back(std::make_unique<TemporaryFile>(target, file.content));
+        replacements.push_back(std::make_unique<Replacement>(target, file.content));
     }
-    for (const auto& temporary : temporaries) {
-        temporary->takePlace();
+    try {
+        for (const auto& replacement : replacements) {
+            replacement->takePlace();
+        }
+    } catch (const HostError&) {
+        for (const auto& replacement : replacements) {
+            replacement->giveBack();
+        }
+        throw;
     }
 }
 

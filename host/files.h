@@ -22,8 +22,8 @@ struct OutputFile {
 };
 
 /// Writes files into a directory, which is made when it is missing, replacing earlier ones.
-/// Every file is complete on disk under a temporary name before the first takes its place.
-/// Throws HostError when that fails; then nothing has been replaced and no temporary file is left.
+/// Every file is complete on disk under a temporary name before the first takes its place; when one cannot,
+/// those before it give theirs back. Throws HostError then, and nothing has changed.
 void writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
 
 } // namespace patina

@@ -13,6 +13,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr const char* placeholderType = "CoreDefault";
@@ -95,10 +97,16 @@ private:
             item.id = saved.id;
             item.line = saved.line;
             item.placeholder = saved.type == placeholderType || !plugins_.offers(saved.type);
+            if (item.placeholder && !plugins_.offers(placeholderType)) {
+                fail(saved.line, {"no plug-in offers the type \"", saved.type, "\" of node \"", saved.id,
+                                  "\", nor a placeholder for it; load the Core plug-in"});
+            }
             try {
                 item.node = plugins_.createNode(item.placeholder ? placeholderType : saved.type);
-            } catch (const ShaderError& error) {
-                fail(saved.line, {"node \"", saved.id, "\": ", error.what()});
+            } catch (const std::bad_alloc&) {
+                throw;
+            } catch (...) {
+                fail(saved.line, {"node \"", saved.id, "\": ", currentExceptionText()});
             }
             if (item.placeholder && saved.type != placeholderType) {
                 warnings_.push_back({{document_.file, saved.line},
@@ -188,8 +196,10 @@ private:
             }
             try {
                 item.node->loadProperties(set);
-            } catch (const ShaderError& error) {
-                fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", error.what()});
+            } catch (const std::bad_alloc&) {
+                throw;
+            } catch (...) {
+                fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", currentExceptionText()});
             }
         }
     }
@@ -362,6 +372,27 @@ private:
 };
 
 } // namespace
+
+Material& Material::operator=(Material&& other) noexcept {
+    Material former(std::move(*this));
+    file = std::move(other.file);
+    name = std::move(other.name);
+    items = std::move(other.items);
+    connections = std::move(other.connections);
+    outputs = std::move(other.outputs);
+    downstream = std::move(other.downstream);
+    return *this;
+}
+
+Material::~Material() {
+    for (const MaterialItem& item : items) {
+        if (item.node) {
+            for (const std::shared_ptr<Property>& property : *item.node->properties) {
+                property->nodeValue.reset();
+            }
+        }
+    }
+}
 
 std::string nodeTitle(const MaterialItem& item) {
     return joinText({"node \"", item.id, "\" (\"", item.node->name(), "\")"});

@@ -41,8 +41,17 @@ struct MaterialOutput {
 
 /// A material whose nodes live: restored, updated and connected.
 ///
-/// Ownership: owns its nodes and connection records. Movable. Threads: one thread at a time.
+/// Ownership: owns its nodes and connection records. When it goes, the references between its nodes go with
+/// it, so that neither a cycle of them keeps anything alive nor a long chain needs a deep stack. Threads: one
+/// thread at a time.
 struct Material {
+    Material() = default;
+    Material(Material&& other) noexcept = default;
+    Material& operator=(Material&& other) noexcept;
+    Material(const Material&) = delete;
+    Material& operator=(const Material&) = delete;
+    ~Material();
+
     std::string file;
     std::string name;
     std::vector<MaterialItem> items;             ///< in document order
@@ -66,7 +75,7 @@ std::string nodeTitle(const MaterialItem& item);
 template <typename Action>
 decltype(auto) onBehalfOf(const Material& material, const MaterialItem& item, int line, Action&& action) {
     const auto failure = [&](std::string_view text) {
-        return HostError({material.file, line}, joinText({nodeTitle(item), ": ", text}));
+        return HostError({material.file, line}, detail::joinText({nodeTitle(item), ": ", text}));
     };
     try {
         return action();
@@ -74,10 +83,8 @@ decltype(auto) onBehalfOf(const Material& material, const MaterialItem& item, in
         throw;
     } catch (const std::bad_alloc&) {
         throw;
-    } catch (const std::exception& error) {
-        throw failure(error.what());
-    } catch (const std::string& text) { // what a function with a duplicate parameter throws
-        throw failure(text);
+    } catch (...) {
+        throw failure(currentExceptionText());
     }
 }
 

@@ -8,6 +8,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// Everything that makes two generated functions the same but their name and level.
@@ -97,14 +99,12 @@ private:
                 continue;
             }
             for (const GeneratorPort& port : node.generated->outputs) {
-                const std::string stem = isConversion(node) ? valueName(node.inputs[0]) : itemOf(i).id;
-                const std::string suffix = isConversion(node) ? typeText(port.type) : port.name;
+                const std::string stem = node.conversion ? valueName(node.inputs[0]) : itemOf(i).id;
+                const std::string suffix = node.conversion ? typeText(port.type) : port.name;
                 names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
             }
         }
     }
-
-    static bool isConversion(const DataflowNode& node) { return node.generated->name == "promoteAndSplat"; }
 
     const std::string& valueName(const ValueSource& source) const {
         return names_.values[source.node][source.port];

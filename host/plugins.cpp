@@ -12,6 +12,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 #if defined(_WIN32)
@@ -31,13 +33,24 @@ Function* requireEntryPoint(const DynamicLibrary& library, const std::filesystem
     return function;
 }
 
+/// Calls an entry point. What it throws is code of the plug-in, and must not outlive it.
+template <typename Result>
+Result call(const std::filesystem::path& file, Result (*entryPoint)()) {
+    try {
+        return entryPoint();
+    } catch (...) {
+        throw HostError({file.string(), 0},
+                        joinText({"this plug-in failed to start: ", currentExceptionText()}));
+    }
+}
+
 } // namespace
 
 Plugin::Plugin(const std::filesystem::path& file)
     : file_(file), library_(std::make_unique<DynamicLibrary>(file)) {
     auto* version = requireEntryPoint<std::uint32_t()>(*library_, file, "GetMaterialLibVersion");
     auto* createFactory = requireEntryPoint<NodeFactory*()>(*library_, file, "CreateNodeFactory");
-    const std::uint32_t spoken = version();
+    const std::uint32_t spoken = call(file, version);
     if (spoken != materialLibVersion) {
         throw HostError(
             {file.string(), 0},
@@ -45,7 +58,7 @@ Plugin::Plugin(const std::filesystem::path& file)
                       " of the material library interface, and this host version ",
                       std::to_string(materialLibVersion), "; rebuild the plug-in with this host's SDK"}));
     }
-    factory_.reset(createFactory());
+    factory_.reset(call(file, createFactory));
     if (!factory_) {
         throw HostError({file.string(), 0}, "this plug-in made no node factory");
     }

@@ -11,6 +11,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 /// What tells the two programs apart when they are printed.
@@ -28,17 +30,6 @@ constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment, regis
 
 bool isSampler(const ShaderType& type) { return type.componentType >= ComponentType::Sampler1D; }
 
-/// A text that may stand in a one-line comment.
-std::string commentText(std::string_view text) {
-    std::string result(text);
-    for (char& letter : result) {
-        if (static_cast<unsigned char>(letter) < 0x20) {
-            letter = ' ';
-        }
-    }
-    return result;
-}
-
 /// Appends one program to one text.
 class ProgramPrinter {
 public:
@@ -46,8 +37,8 @@ public:
         : shader_(shader), table_(table), stage_(shader.stages.*table.stage) {}
 
     void printHeader() {
-        append({"// ", commentText(shader_.material.name), ", ", table_.title,
-                " program. Written by patina.\n\n"});
+        append(
+            {"// ", oneLine(shader_.material.name), ", ", table_.title, " program. Written by patina.\n\n"});
         text_ += frameworkText();
     }
 
@@ -159,7 +150,7 @@ private:
         text_ += "\n// ";
         for (std::size_t i = 0; i < users.size() && i < shown; ++i) {
             const MaterialItem& item = shader_.material.items[shader_.flow.nodes[users[i]].owner];
-            append({i == 0 ? "" : ", ", commentText(nodeTitle(item))});
+            append({i == 0 ? "" : ", ", oneLine(nodeTitle(item))});
         }
         if (users.size() > shown) {
             append({" and ", std::to_string(users.size() - shown), " more"});

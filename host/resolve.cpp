@@ -7,6 +7,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr std::uint32_t floatPrecision = 2;

@@ -10,6 +10,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr std::int32_t registerWidth = 4;

@@ -97,7 +97,7 @@ int run(int argc, char** argv) {
             "a plug-in to load; may be given repeatedly, and comes before those of PATINA_PLUGIN_PATH and "
             "those installed with patina")
         ->type_name("FILE")
-        ->expected(1);
+        ->allow_extra_args(false);
     exportCommand->add_flag("-q,--quiet", options.quiet, "print nothing but warnings and errors");
     exportCommand->footer(
         "Writes NAME.vert.cg, NAME.frag.cg and NAME.bindings.xml, all or none.\n\n"
@@ -123,7 +123,9 @@ int main(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         std::fputs("error: out of memory\n", stderr);
     } catch (const std::exception& error) {
-        std::cerr << "error: " << error.what() << '\n';
+        std::cerr << patina::diagnosticText({}, "error", error.what()) << '\n';
+    } catch (...) {
+        std::fputs("error: a plug-in failed with something that is no exception\n", stderr);
     }
     return failure;
 }
