@@ -1,5 +1,6 @@
 #include "bindings/bindings.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -25,10 +26,15 @@ std::uint32_t bitsOf(float value) {
 void compareWithScanf(const std::string& text) {
     float expected = 0.0F;
     const bool found = std::sscanf(text.c_str(), "%f", &expected) == 1;
-    const auto value = patina::parseLeadingFloat(text);
+    const auto value = patina::detail::parseLeadingFloat(text);
     require(value.has_value() == found);
-    const bool bothNan = found && *value != *value && expected != expected;
-    require(!found || bothNan || bitsOf(*value) == bitsOf(expected));
+    if (!found || (std::isnan(*value) && std::isnan(expected))) {
+        return;
+    }
+    // C libraries are known to round some denormals twice
+    const std::uint32_t tolerance = std::fpclassify(expected) == FP_NORMAL ? 0 : 1;
+    require(std::signbit(*value) == std::signbit(expected));
+    require(bitsOf(*value) - bitsOf(expected) + tolerance <= 2 * tolerance);
 }
 
 } // namespace
@@ -41,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const auto binding = patina::createBinding(patina::BindingKind::Float, "value", 1 + size % 5);
     binding->parseDefault(text);
-    require(binding->hasDefault == patina::parseFloatList(text).has_value());
+    require(binding->hasDefault == patina::detail::parseFloatList(text).has_value());
     const std::string printed = binding->formatDefault();
     binding->parseDefault(printed);
     require(binding->formatDefault() == printed);

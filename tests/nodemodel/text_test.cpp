@@ -6,6 +6,9 @@
 #include <limits>
 
 namespace patina {
+
+using namespace detail;
+
 namespace {
 
 struct FloatText {
@@ -14,10 +17,18 @@ struct FloatText {
 };
 
 constexpr FloatText floatTexts[] = {
-    {0.0F, "0"},          {-0.0F, "-0"},         {1.0F, "1"},
-    {0.5F, "0.5"},        {0.1F, "0.1"},         {-2.25F, "-2.25"},
-    {100000.0F, "100000"}, {1000000.0F, "1e+06"}, {1234567.0F, "1.23457e+06"},
-    {0.0001F, "0.0001"},  {0.00001F, "1e-05"},   {1.0F / 3.0F, "0.333333"},
+    {0.0F, "0"},
+    {-0.0F, "-0"},
+    {1.0F, "1"},
+    {0.5F, "0.5"},
+    {0.1F, "0.1"},
+    {-2.25F, "-2.25"},
+    {100000.0F, "100000"},
+    {1000000.0F, "1e+06"},
+    {1234567.0F, "1.23457e+06"},
+    {0.0001F, "0.0001"},
+    {0.00001F, "1e-05"},
+    {1.0F / 3.0F, "0.333333"},
     {std::numeric_limits<float>::infinity(), "inf"},
     {-std::numeric_limits<float>::infinity(), "-inf"},
     {std::numeric_limits<float>::quiet_NaN(), "nan"},

@@ -1,0 +1,245 @@
+#include "tests/host/host_checks.h"
+
+#include "host/dependency_order.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace patina {
+namespace {
+
+using testing::expectError;
+using testing::hostErrorOf;
+using testing::readText;
+using testing::TemporaryDirectory;
+
+using Names = std::vector<std::string>;
+
+TEST(DiagnosticText, PutsThePlaceFirst) {
+    EXPECT_EQ(diagnosticText({"a.xml", 12}, "error", "it broke"), "a.xml:12: error: it broke");
+    EXPECT_EQ(diagnosticText({"a.xml", 0}, "warning", "it broke"), "a.xml: warning: it broke");
+    EXPECT_EQ(diagnosticText({"", 0}, "error", "it broke"), "error: it broke");
+    EXPECT_STREQ(HostError({"a.xml", 3}, "it broke").what(), "a.xml:3: error: it broke");
+}
+
+TEST(ReasonText, IsEnglishForWhatIsKnown) {
+    EXPECT_EQ(reasonText(std::make_error_code(std::errc::no_such_file_or_directory)),
+              "there is no such file or directory");
+    EXPECT_EQ(reasonText({ENOSPC, std::generic_category()}), "no space is left on the device");
+    EXPECT_EQ(reasonText({EXDEV, std::generic_category()}), "system error " + std::to_string(EXDEV));
+}
+
+TEST(FileName, MustSuitEverySystem) {
+    for (const char* name : {"a", "Painted Metal", "a.b", "...", "\xC3\xA4", "-", "a;b"}) {
+        EXPECT_TRUE(isFileName(name)) << name;
+    }
+    for (const char* name : {"", ".", "..", "a/b", "a\\b", "a:b", "a*b", "a?b", "a\"b", "a<b", "a>b", "a|b",
+                             "a\nb", "a\tb", "a\x7F"}) {
+        EXPECT_FALSE(isFileName(name)) << name;
+    }
+    EXPECT_FALSE(isFileName(std::string_view("a\0b", 3)));
+}
+
+TEST(ReadFile, ReadsEveryByte) {
+    const TemporaryDirectory directory;
+    std::string content;
+    for (int i = 0; i < 200000; ++i) {
+        content += static_cast<char>(i * 7 % 256);
+    }
+    EXPECT_EQ(readFile(directory.write("a", content), content.size()), content);
+    EXPECT_EQ(readFile(directory.write("b", ""), 0), "");
+}
+
+TEST(ReadFile, RefusesWhatIsTooLarge) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", std::string(3 * 1024 * 1024 + 1, 'x'));
+    expectError(hostErrorOf([&] { readFile(file, std::size_t{3} * 1024 * 1024); }), file.string(), {"3 MiB"});
+    expectError(hostErrorOf([] { readFile("/dev/zero", std::size_t{1024} * 1024); }), "/dev/zero", {"1 MiB"});
+}
+
+TEST(WriteFiles, MakesTheDirectoryAndReplacesFiles) {
+    const TemporaryDirectory directory;
+    const auto deep = directory / "some/where";
+    writeFiles(deep, {{"a", "first"}, {"b", ""}});
+    EXPECT_EQ(readText(deep / "a"), "first");
+    EXPECT_EQ(readText(deep / "b"), "");
+    const std::string content("second\r\n\0\xFF", 10);
+    writeFiles(deep, {{"a", content}});
+    EXPECT_EQ(readText(deep / "a"), content);
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(deep)) {
+        names.push_back(entry.path().filename().string());
+    }
+    EXPECT_EQ(names.size(), 2U) << "no temporary file is left";
+}
+
+TEST(WriteFiles, ReplacesAtomically) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", "old content");
+    std::filesystem::create_hard_link(file, directory / "old");
+    writeFiles(directory.path(), {{"a", "new"}});
+    EXPECT_EQ(readText(directory / "old"), "old content") << "nobody sees a file half written";
+    EXPECT_EQ(readText(file), "new");
+}
+
+TEST(WriteFiles, LeavesTemporaryFilesOfOthersAlone) {
+    const TemporaryDirectory directory;
+    directory.write("a.tmp0", "of another export");
+    writeFiles(directory.path(), {{"a", "new"}});
+    EXPECT_EQ(directory.names(), (Names{"a", "a.tmp0"}));
+    EXPECT_EQ(readText(directory / "a.tmp0"), "of another export");
+}
+
+TEST(WriteFiles, ReplacesNothingWhenATargetIsADirectory) {
+    const TemporaryDirectory directory;
+    directory.write("a", "old");
+    std::filesystem::create_directory(directory / "c");
+    expectError(hostErrorOf([&] {
+                    writeFiles(directory.path(), {{"a", "new"}, {"b", "new"}, {"c", "new"}});
+                }),
+                (directory / "c").string(), {"it is a directory"});
+    EXPECT_EQ(directory.names(), (Names{"a", "c"}));
+    EXPECT_EQ(readText(directory / "a"), "old");
+}
+
+TEST(WriteFiles, ReplacesNothingWhenTheDirectoryIsAFile) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", "old");
+    EXPECT_NE(hostErrorOf([&] { writeFiles(file, {{"b", "new"}}); }), testing::noError);
+    EXPECT_NE(hostErrorOf([&] { writeFiles(file / "below", {{"b", "new"}}); }), testing::noError);
+    EXPECT_EQ(readText(file), "old");
+    EXPECT_EQ(directory.names(), Names{"a"});
+}
+
+TEST(WriteFiles, ReplacesNothingInAnUnwritableDirectory) {
+    const TemporaryDirectory directory;
+    directory.write("a", "old");
+    std::filesystem::permissions(directory.path(),
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    if (access(directory.path().c_str(), W_OK) == 0) {
+        GTEST_SKIP() << "this user may write everywhere";
+    }
+    expectError(hostErrorOf([&] {
+                    writeFiles(directory.path(), {{"a", "new"}});
+                }),
+                (directory / "a").string(), {"permission denied"});
+    EXPECT_EQ(readText(directory / "a"), "old");
+}
+
+TEST(WriteFiles, ReplacesNothingWhenANameIsTooLong) {
+    const TemporaryDirectory directory;
+    directory.write("a", "old");
+    const std::string name(300, 'n');
+    expectError(hostErrorOf([&] {
+                    writeFiles(directory.path(), {{"a", "new"}, {name, "new"}});
+                }),
+                (directory / name).string(), {"the name is too long"});
+    EXPECT_EQ(directory.names(), Names{"a"});
+    EXPECT_EQ(readText(directory / "a"), "old");
+}
+
+/// Lets no file of this process grow beyond a size while it lives.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t size) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = size;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST(WriteFiles, ReplacesNothingWhenAFileCannotBeWrittenWhole) {
+    const TemporaryDirectory directory;
+    directory.write("a", "old");
+    std::string error;
+    {
+        const FileSizeLimit limit(4096);
+        // small enough for a buffer that is only written in the end, and larger than any buffer
+        for (const std::size_t size : {std::size_t{4097}, std::size_t{1000000}}) {
+            error = hostErrorOf([&] {
+                writeFiles(directory.path(), {{"a", "new"}, {"b", std::string(size, 'x')}});
+            });
+            EXPECT_EQ(error.rfind((directory / "b").string() + ": error: ", 0), 0U) << error;
+        }
+    }
+    EXPECT_EQ(directory.names(), Names{"a"});
+    EXPECT_EQ(readText(directory / "a"), "old");
+}
+
+// Ordering
+
+TEST(OrderByDependencies, KeepsTheOrderOfTheIndexWhereItCan) {
+    EXPECT_TRUE(orderByDependencies({}).order.empty());
+    EXPECT_EQ(orderByDependencies({{}, {}, {}}).order, (std::vector<std::size_t>{0, 1, 2}));
+    EXPECT_EQ(orderByDependencies({{2}, {}, {1}}).order, (std::vector<std::size_t>{1, 2, 0}));
+    EXPECT_EQ(orderByDependencies({{1, 1}, {}}).order, (std::vector<std::size_t>{1, 0}));
+}
+
+TEST(OrderByDependencies, PutsEveryDependencyFirst) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 200; ++round) {
+        const std::size_t count = 1 + random() % 40;
+        std::vector<std::size_t> rank(count);
+        for (std::size_t& value : rank) {
+            value = random();
+        }
+        Dependencies dependencies(count);
+        for (std::size_t edge = 0; edge < count * 2; ++edge) {
+            const std::size_t from = random() % count;
+            const std::size_t to = random() % count;
+            if (rank[from] > rank[to]) {
+                dependencies[from].push_back(to);
+            }
+        }
+        const DependencyOrder order = orderByDependencies(dependencies);
+        ASSERT_EQ(order.order.size(), count);
+        std::vector<bool> seen(count, false);
+        for (const std::size_t item : order.order) {
+            for (const std::size_t dependency : dependencies[item]) {
+                EXPECT_TRUE(seen[dependency]);
+            }
+            EXPECT_FALSE(seen[item]);
+            seen[item] = true;
+        }
+    }
+}
+
+TEST(OrderByDependencies, FindsACycle) {
+    EXPECT_EQ(orderByDependencies({{0}}).cycle, std::vector<std::size_t>{0});
+    const Dependencies dependencies = {{1}, {2}, {3}, {1}, {}};
+    const DependencyOrder order = orderByDependencies(dependencies);
+    EXPECT_TRUE(order.order.empty());
+    EXPECT_EQ(order.cycle, (std::vector<std::size_t>{1, 2, 3}));
+}
+
+TEST(OrderByDependencies, HoldsChainsOfAnyLength) {
+    constexpr std::size_t length = 1000000;
+    Dependencies dependencies(length);
+    for (std::size_t i = 0; i + 1 < length; ++i) {
+        dependencies[i].push_back(i + 1);
+    }
+    EXPECT_EQ(orderByDependencies(dependencies).order.front(), length - 1);
+    dependencies.back().push_back(0);
+    EXPECT_EQ(orderByDependencies(dependencies).cycle.size(), length);
+}
+
+} // namespace
+} // namespace patina

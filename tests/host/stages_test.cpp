@@ -1,0 +1,306 @@
+#include "tests/host/host_checks.h"
+
+#include "shadergraph/shadergraph.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace patina {
+
+using namespace detail;
+
+namespace {
+
+using testing::expectError;
+using testing::hostErrorOf;
+
+class ItemNode : public MaterialNode {
+public:
+    ItemNode() : MaterialNode("Item") {}
+    void generateCode(GraphGenerator& /*generator*/) override {}
+};
+
+constexpr ShaderType typeOf(ComponentType component, std::int32_t width) { return {component, width, 1, 1}; }
+
+/// A dataflow by hand; every node belongs to an item "item0", "item1" and so on, in lines from 10.
+class Flow {
+public:
+    Flow() { material.file = "flow.xml"; }
+
+    std::size_t varying(const std::string& name, const ShaderType& type = typeOf(ComponentType::Float, 1)) {
+        return add(makeVaryingParameter(name, type), {});
+    }
+    std::size_t uniform(const std::string& name, const ShaderType& type = typeOf(ComponentType::Float, 1)) {
+        return add(makeUniformParameter(name, type), {});
+    }
+    /// A function of the first outputs of others.
+    std::size_t function(ExecutionLevel level, const std::vector<std::size_t>& inputs,
+                         const ShaderType& type = typeOf(ComponentType::Float, 1)) {
+        FunctionBuilder builder;
+        std::vector<ValueSource> sources;
+        for (const std::size_t input : inputs) {
+            builder.addInput(flow.port({input, 0}).type, "in" + std::to_string(sources.size()));
+            sources.push_back({input, 0});
+        }
+        builder.addOutput(type, "out");
+        return add(builder.makeNode(level, "f"), sources);
+    }
+    std::size_t add(const std::shared_ptr<GeneratorNode>& generated, const std::vector<ValueSource>& inputs) {
+        const std::size_t index = flow.nodes.size();
+        MaterialItem item;
+        item.id = "item" + std::to_string(index);
+        item.node = std::make_shared<ItemNode>();
+        item.line = static_cast<int>(10 + index);
+        material.items.push_back(item);
+        flow.nodes.push_back({generated, index, inputs});
+        return index;
+    }
+    StagedShader place(std::size_t colour) {
+        flow.colour = {colour, 0};
+        return placeInStages(material, flow);
+    }
+
+    Material material;
+    Dataflow flow;
+};
+
+using Indices = std::vector<std::size_t>;
+
+/// The nodes whose values cross.
+Indices crossing(const StagedShader& shader) {
+    Indices nodes;
+    for (const Interpolant& interpolant : shader.interpolants) {
+        nodes.push_back(interpolant.value.node);
+    }
+    return nodes;
+}
+
+constexpr auto vertexLevel = ExecutionLevel::Vertex;
+constexpr auto fragmentLevel = ExecutionLevel::Fragment;
+constexpr auto automaticLevel = ExecutionLevel::Automatic;
+
+// A chain: a varying, a function of one level, a function of another, which is the colour.
+
+struct ChainRow {
+    ExecutionLevel first;
+    ExecutionLevel second;
+    Indices vertex;
+    Indices fragment;
+    Indices crossing;
+};
+
+const ChainRow chains[] = {
+    {automaticLevel, automaticLevel, {}, {1, 2}, {0}}, {automaticLevel, fragmentLevel, {}, {1, 2}, {0}},
+    {automaticLevel, vertexLevel, {1, 2}, {}, {2}},    {fragmentLevel, automaticLevel, {}, {1, 2}, {0}},
+    {fragmentLevel, fragmentLevel, {}, {1, 2}, {0}},   {vertexLevel, automaticLevel, {1}, {2}, {1}},
+    {vertexLevel, fragmentLevel, {1}, {2}, {1}},       {vertexLevel, vertexLevel, {1, 2}, {}, {2}},
+};
+
+TEST(PlaceInStages, PlacesChains) {
+    for (const ChainRow& row : chains) {
+        Flow flow;
+        const std::size_t first = flow.function(row.first, {flow.varying("v")});
+        const StagedShader shader = flow.place(flow.function(row.second, {first}));
+        const std::string trace =
+            describe(*flow.flow.nodes[1].generated) + " -> " + describe(*flow.flow.nodes[2].generated);
+        EXPECT_EQ(shader.vertex.functions, row.vertex) << trace;
+        EXPECT_EQ(shader.fragment.functions, row.fragment) << trace;
+        EXPECT_EQ(crossing(shader), row.crossing) << trace;
+        EXPECT_EQ(shader.attributes, Indices{0}) << trace;
+    }
+}
+
+TEST(PlaceInStages, RefusesAFragmentValueForAVertexFunction) {
+    Flow flow;
+    const std::size_t fragment = flow.function(fragmentLevel, {flow.varying("v")});
+    const std::size_t vertex = flow.function(vertexLevel, {fragment});
+    expectError(hostErrorOf([&] { flow.place(vertex); }), "flow.xml:11",
+                {"node \"item1\" (\"Item\")", "node \"item2\" (\"Item\")"});
+}
+
+TEST(PlaceInStages, NamesTheVertexFunctionBehindAutomaticOnes) {
+    Flow flow;
+    const std::size_t fragment = flow.function(fragmentLevel, {flow.varying("v")});
+    const std::size_t between = flow.function(automaticLevel, {flow.function(automaticLevel, {fragment})});
+    const std::size_t vertex = flow.function(vertexLevel, {between});
+    expectError(hostErrorOf([&] { flow.place(flow.function(automaticLevel, {vertex})); }), "flow.xml:11",
+                {"node \"item1\"", "node \"item4\""});
+}
+
+TEST(PlaceInStages, RunsAnAutomaticFunctionInBothWhenBothNeedIt) {
+    Flow flow;
+    const std::size_t varying = flow.varying("v");
+    const std::size_t uniform = flow.uniform("u");
+    const std::size_t inner = flow.function(automaticLevel, {varying, uniform});
+    const std::size_t vertex = flow.function(vertexLevel, {inner});
+    const StagedShader shader = flow.place(flow.function(automaticLevel, {inner, vertex}));
+    EXPECT_EQ(shader.vertex.functions, (Indices{2, 3}));
+    EXPECT_EQ(shader.fragment.functions, (Indices{2, 4}));
+    EXPECT_EQ(shader.vertex.uniforms, Indices{1});
+    EXPECT_EQ(shader.fragment.uniforms, Indices{1});
+    EXPECT_EQ(crossing(shader), (Indices{0, 3}));
+}
+
+TEST(PlaceInStages, CrossesEachValueOnce) {
+    Flow flow;
+    const std::size_t vertex = flow.function(vertexLevel, {flow.varying("v")});
+    const std::size_t a = flow.function(automaticLevel, {vertex});
+    const std::size_t b = flow.function(fragmentLevel, {vertex});
+    const StagedShader shader = flow.place(flow.function(automaticLevel, {a, b, vertex}));
+    EXPECT_EQ(crossing(shader), Indices{1});
+}
+
+TEST(PlaceInStages, CrossesOnlyThePortsThatAreRead) {
+    Flow flow;
+    FunctionBuilder builder;
+    builder.addOutput(typeOf(ComponentType::Float, 3), "a");
+    builder.addOutput(typeOf(ComponentType::Float, 2), "b");
+    builder.addOutput(typeOf(ComponentType::Float, 1), "c");
+    const std::size_t many = flow.add(builder.makeNode(vertexLevel, "many"), {});
+    FunctionBuilder reader;
+    reader.addInput(typeOf(ComponentType::Float, 1), "in");
+    reader.addOutput(typeOf(ComponentType::Float, 1), "out");
+    const StagedShader shader =
+        flow.place(flow.add(reader.makeNode(automaticLevel, "reader"), {ValueSource{many, 2}}));
+    ASSERT_EQ(shader.interpolants.size(), 1U);
+    EXPECT_EQ(shader.interpolants[0].value, (ValueSource{many, 2}));
+}
+
+TEST(PlaceInStages, KeepsUniformsOutOfTheOtherProgram) {
+    Flow flow;
+    const std::size_t vertexUniform = flow.uniform("u0");
+    const std::size_t fragmentUniform = flow.uniform("u1");
+    const std::size_t vertex = flow.function(vertexLevel, {vertexUniform});
+    const StagedShader shader = flow.place(flow.function(automaticLevel, {vertex, fragmentUniform}));
+    EXPECT_EQ(shader.vertex.uniforms, Indices{vertexUniform});
+    EXPECT_EQ(shader.fragment.uniforms, Indices{fragmentUniform});
+    EXPECT_TRUE(shader.attributes.empty());
+}
+
+TEST(PlaceInStages, CrossesAVaryingThatIsTheColour) {
+    Flow flow;
+    const StagedShader shader = flow.place(flow.varying("v", typeOf(ComponentType::Half, 3)));
+    EXPECT_EQ(crossing(shader), Indices{0});
+    ASSERT_EQ(shader.registers.size(), 1U);
+    EXPECT_EQ(shader.registers[0].componentType, ComponentType::Half);
+    EXPECT_EQ(shader.registers[0].componentCount, 3);
+}
+
+TEST(PlaceInStages, RefusesTypesThatCannotCross) {
+    for (const ShaderType& type :
+         {typeOf(ComponentType::Int, 1), typeOf(ComponentType::Bool, 1),
+          ShaderType{ComponentType::Float, 4, 4, 1}, ShaderType{ComponentType::Float, 2, 1, 2},
+          typeOf(ComponentType::Sampler2D, 1)}) {
+        Flow flow;
+        const std::size_t vertex = flow.function(vertexLevel, {}, type);
+        const std::size_t last = flow.function(fragmentLevel, {vertex});
+        expectError(hostErrorOf([&] { flow.place(last); }), "flow.xml:10",
+                    {"node \"item0\"", typeText(type)});
+    }
+}
+
+TEST(PlaceInStages, RefusesParametersThatAHostMustSupply) {
+    for (const NodeKind kind :
+         {NodeKind::InterfaceParameter, NodeKind::RegisterParameter, NodeKind::InterpolantParameter}) {
+        Flow flow;
+        const auto parameter =
+            makeParameterNode(kind, "p", typeOf(ComponentType::Float, 1), 0, {registers::vertexAttribute, 2});
+        const std::string description = describe(*parameter);
+        expectError(hostErrorOf([&] { flow.place(flow.add(parameter, {})); }), "flow.xml:10",
+                    {"node \"item0\" (\"Item\")", description});
+    }
+}
+
+// Packing
+
+struct Item {
+    std::int32_t width;
+    ComponentType component;
+};
+
+/// A fragment function of vertex values of those types.
+StagedShader packed(const std::vector<Item>& items) {
+    Flow flow;
+    Indices inputs;
+    for (const Item& item : items) {
+        inputs.push_back(flow.function(vertexLevel, {}, typeOf(item.component, item.width)));
+    }
+    return flow.place(flow.function(fragmentLevel, inputs));
+}
+
+/// The fewest registers of four that hold items of one to four: fours alone, a one beside each three, twos in
+/// pairs, ones wherever there is room.
+std::size_t fewestRegisters(const std::vector<Item>& items) {
+    std::map<std::int32_t, std::int32_t> count;
+    for (const Item& item : items) {
+        ++count[item.width];
+    }
+    const std::int32_t twos = (count[2] + 1) / 2;
+    const std::int32_t onesLeft = count[1] - count[3] - (count[2] % 2) * 2;
+    return static_cast<std::size_t>(count[4] + count[3] + twos + (onesLeft > 0 ? (onesLeft + 3) / 4 : 0));
+}
+
+TEST(PackInterpolants, TakesAsFewRegistersAsPossible) {
+    std::mt19937 random(7); // the same sizes on every machine
+    std::uniform_int_distribution<std::int32_t> widths(1, 4);
+    std::uniform_int_distribution<std::size_t> counts(1, 16);
+    std::bernoulli_distribution isHalf(0.5);
+    for (int round = 0; round < 2000; ++round) {
+        std::vector<Item> items(counts(random));
+        for (Item& item : items) {
+            item = {widths(random), isHalf(random) ? ComponentType::Half : ComponentType::Float};
+        }
+        const std::size_t fewest = fewestRegisters(items);
+        if (fewest > 10) {
+            expectError(hostErrorOf([&] { packed(items); }), "flow.xml", {std::to_string(fewest), "10"});
+            continue;
+        }
+        const StagedShader shader = packed(items);
+        ASSERT_EQ(shader.registers.size(), fewest);
+        ASSERT_EQ(shader.interpolants.size(), items.size());
+        std::vector<std::vector<bool>> used(fewest, std::vector<bool>(4, false));
+        std::vector<bool> allHalf(fewest, true);
+        for (const Interpolant& interpolant : shader.interpolants) {
+            const Item& item = items.at(interpolant.value.node);
+            for (std::int32_t i = 0; i < item.width; ++i) {
+                auto place = used.at(interpolant.registerIndex).begin() + (interpolant.firstComponent + i);
+                ASSERT_LT(interpolant.firstComponent + i, 4);
+                ASSERT_FALSE(*place) << "two values in one place";
+                *place = true;
+            }
+            if (item.component != ComponentType::Half) {
+                allHalf[interpolant.registerIndex] = false;
+            }
+        }
+        for (std::size_t i = 0; i < fewest; ++i) {
+            EXPECT_EQ(shader.registers[i].componentCount, std::count(used[i].begin(), used[i].end(), true));
+            EXPECT_EQ(shader.registers[i].componentType,
+                      allHalf[i] ? ComponentType::Half : ComponentType::Float);
+        }
+    }
+}
+
+TEST(PackInterpolants, HoldsTenRegistersAndNoMore) {
+    const Item full = {4, ComponentType::Float};
+    EXPECT_EQ(packed(std::vector<Item>(10, full)).registers.size(), 10U);
+    expectError(hostErrorOf([&] { packed(std::vector<Item>(11, full)); }), "flow.xml", {"11", "10"});
+    EXPECT_EQ(packed(std::vector<Item>(40, {1, ComponentType::Half})).registers.size(), 10U);
+    expectError(hostErrorOf([&] {
+                    packed(std::vector<Item>(41, {1, ComponentType::Half}));
+                }),
+                "flow.xml", {"41", "11", "10"});
+}
+
+TEST(PackInterpolants, CarriesFixedValuesAsFloat) {
+    const StagedShader shader = packed({{2, ComponentType::Fixed}});
+    ASSERT_EQ(shader.registers.size(), 1U);
+    EXPECT_EQ(shader.registers[0].componentType, ComponentType::Float);
+}
+
+} // namespace
+} // namespace patina
