@@ -1,0 +1,67 @@
+#!/bin/sh
+# Counts what one node costs, in instructions and allocations, under valgrind. Run from the root of the tree.
+# Every figure is a difference between runs of two sizes, so that what they have in common cancels.
+set -eu
+
+cmake --preset bench >&2
+cmake --build --preset bench --target patina_workloads >&2
+program=build/bench/bin/patina_workloads
+
+# instructions WORKLOAD SIZE
+instructions() {
+    valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$1" "$2" 2>&1 |
+        awk '/Collected :/ { figure = $4 } END { print figure ? figure : "no figure" }'
+}
+
+# allocations WORKLOAD SIZE: calls of operator new, malloc and realloc
+allocations() {
+    valgrind --tool=memcheck --leak-check=no --undef-value-errors=no "$program" "$1" "$2" 2>&1 |
+        awk '/total heap usage:/ { figure = $5 } END { print figure ? figure : "no figure" }' | tr -d ,
+}
+
+# difference COUNT WORKLOAD SMALL LARGE
+difference() {
+    small=$("$1" "$2" "$3")
+    large=$("$1" "$2" "$4")
+    echo $((large - small))
+}
+
+# row TITLE UNITS INSTRUCTIONS ALLOCATIONS
+row() {
+    awk -v title="$1" -v units="$2" -v instructions="$3" -v allocations="$4" \
+        'BEGIN { printf "%-40s %14.0f %14.2f\n", title, instructions / units, allocations / units }'
+}
+
+# call_row OPERATION TYPE: the cost of one call
+call_row() {
+    instructions=$(difference instructions "$1/$2" 10 110)
+    allocations=$(difference allocations "$1/$2" 10 110)
+    row "$1 $2" 100 "$instructions" "$allocations"
+}
+
+# export_row DOCUMENT SMALL LARGE NODES: the cost of each node beyond SMALL, without that of making the document;
+# the document has NODES nodes for each unit of its size
+export_row() {
+    instructions=$(($(difference instructions "export/$1" "$2" "$3") -
+        $(difference instructions "document/$1" "$2" "$3")))
+    allocations=$(($(difference allocations "export/$1" "$2" "$3") -
+        $(difference allocations "document/$1" "$2" "$3")))
+    row "export $1, $2 to $3" $((($3 - $2) * $4)) "$instructions" "$allocations"
+}
+
+printf '%-40s %14s %14s\n' 'for each call, or each node exported' instructions allocations
+types='CoreVertexColour CoreUv CoreTexture CoreConstant CoreMaths CoreSwizzle CoreLayerBlend CoreAnimatedUv'
+for type in CoreDefault $types; do
+    call_row create "$type"
+done
+for type in CoreDefault $types; do
+    call_row update "$type"
+done
+for type in $types; do
+    call_row generate "$type"
+done
+for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out:1; do
+    for sizes in '10 100' '100 1000' '1000 10000'; do
+        export_row "${document%:*}" $sizes "${document#*:}"
+    done
+done
