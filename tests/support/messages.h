@@ -7,7 +7,8 @@
 namespace patina::testing {
 
 /// The message of the ShaderError that the action throws, or a text that no message equals.
-template <typename Action> std::string shaderErrorOf(Action&& action) {
+template <typename Action>
+std::string shaderErrorOf(Action&& action) {
     try {
         action();
     } catch (const ShaderError& error) {

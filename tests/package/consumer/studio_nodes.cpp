@@ -10,7 +10,9 @@ using namespace patina;
 /// A grey that the studio likes.
 class StudioGrey final : public MaterialNode {
 public:
-    StudioGrey() : MaterialNode("StudioGrey") { outputs.emplace_back("out_grey", "grey").setComponentCount(1); }
+    StudioGrey() : MaterialNode("StudioGrey") {
+        outputs.emplace_back("out_grey", "grey").setComponentCount(1);
+    }
 
     void generateCode(GraphGenerator& generator) override {
         FunctionBuilder builder;
