@@ -170,7 +170,8 @@ private:
             }
         }
         if (!hasColour) {
-            fail(0, {"this material has no \"colour\" output; connect one with an <output> element"});
+            fail(material_.line,
+                 {"this material has no \"colour\" output; connect one with an <output> element"});
         }
     }
 

@@ -42,7 +42,7 @@ constexpr std::array<KindName, 7> kindNames = {{
 
 /// The first complaint of the XML parser.
 struct XmlComplaint {
-    int line = 0;
+    int line = 1;
     std::string text;
 };
 
@@ -136,7 +136,7 @@ private:
 
     XmlPointer<xmlDoc> parseXml(std::string_view text) const {
         if (text.size() > documentSizeLimit) {
-            fail(0, {"this document is larger than 512 MiB"});
+            fail(1, {"this document is larger than 512 MiB"});
         }
         const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
         if (!context) {
@@ -168,6 +168,7 @@ private:
     }
 
     void readRoot(xmlNode* root) {
+        document_.line = lineOf(root);
         if (elementName(root) != "material") {
             fail(lineOf(root), {"this is no material document: the root element is <", elementName(root),
                                 ">, not <material>"});

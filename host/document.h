@@ -46,6 +46,7 @@ struct DocumentOutput {
 
 struct MaterialDocument {
     std::string file; ///< as messages name it
+    int line = 1;     ///< of the root element
     std::string name; ///< of the material; names the exported files
     std::vector<DocumentNode> nodes;
     std::vector<DocumentConnection> connections;

@@ -30,6 +30,11 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
     throw HostError({file.string(), 0}, joinText({what, ": ", reasonText(error)}));
 }
 
+/// Messages about documents always name a line; for one that cannot be read it is the first.
+[[noreturn]] void throwReadError(const std::filesystem::path& file, const std::error_code& error) {
+    throw HostError({file.string(), 1}, joinText({"cannot read this file: ", reasonText(error)}));
+}
+
 /// A name beside `target` that no file bears yet. Short, so that it fits wherever the target's name does.
 std::filesystem::path hiddenName(const std::filesystem::path& target, int attempt) {
     return target.parent_path() / (".patina-" + std::to_string(attempt) + ".tmp");
@@ -148,24 +153,24 @@ bool isFileName(std::string_view text) {
 std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit) {
     std::error_code status;
     if (std::filesystem::is_directory(file, status)) {
-        throwFileError(file, "cannot read this file", std::make_error_code(std::errc::is_a_directory));
+        throwReadError(file, std::make_error_code(std::errc::is_a_directory));
     }
     const FileHandle handle(std::fopen(file.string().c_str(), "rb"));
     if (!handle) {
-        throwFileError(file, "cannot open this file", lastError());
+        throwReadError(file, lastError());
     }
     std::string content;
     std::array<char, 65536> buffer;
     while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), handle.get())) {
         if (content.size() + count > sizeLimit) {
             throw HostError(
-                {file.string(), 0},
+                {file.string(), 1},
                 joinText({"this file is larger than ", std::to_string(sizeLimit / (1024 * 1024)), " MiB"}));
         }
         content.append(buffer.data(), count);
     }
     if (std::ferror(handle.get()) != 0) {
-        throwFileError(file, "cannot read this file", lastError());
+        throwReadError(file, lastError());
     }
     return content;
 }

@@ -12,7 +12,8 @@ namespace patina {
 /// or "..".
 bool isFileName(std::string_view text);
 
-/// The bytes of a file. Throws HostError when it cannot be read or is larger than `sizeLimit` bytes.
+/// The bytes of a document. Throws HostError, at line 1, when it cannot be read or is larger than `sizeLimit`
+/// bytes.
 std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit);
 
 /// A file to be written.

@@ -73,6 +73,7 @@ public:
     MaterialBuilder(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings)
         : document_(document), plugins_(plugins), warnings_(warnings) {
         material_.file = document.file;
+        material_.line = document.line;
         material_.name = document.name;
     }
 
@@ -376,6 +377,7 @@ private:
 Material& Material::operator=(Material&& other) noexcept {
     Material former(std::move(*this));
     file = std::move(other.file);
+    line = other.line;
     name = std::move(other.name);
     items = std::move(other.items);
     connections = std::move(other.connections);

@@ -53,6 +53,7 @@ struct Material {
     ~Material();
 
     std::string file;
+    int line = 0; ///< where it begins in its file
     std::string name;
     std::vector<MaterialItem> items;             ///< in document order
     std::vector<MaterialConnection> connections; ///< in document order

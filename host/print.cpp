@@ -126,7 +126,7 @@ public:
     std::string semantic(std::int32_t index, std::int32_t number, std::string_view what) const {
         const std::int32_t available = registerEntry(index).registerCount;
         if (number >= available) {
-            throw HostError({shader_.material.file, 0},
+            throw HostError({shader_.material.file, shader_.material.line},
                             joinText({"the ", table_.title, " program reads more than ",
                                       std::to_string(available), " ", what}));
         }

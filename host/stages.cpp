@@ -162,7 +162,7 @@ private:
         const auto available =
             static_cast<std::size_t>(registerEntry(registers::vertexInterpolant).registerCount);
         if (shader_.registers.size() > available) {
-            throw HostError({material_.file, 0},
+            throw HostError({material_.file, material_.line},
                             joinText({"this material passes ", std::to_string(crossing_.size()),
                                       " values from the vertex to the fragment program, which takes ",
                                       std::to_string(shader_.registers.size()),

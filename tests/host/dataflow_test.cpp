@@ -144,8 +144,8 @@ TEST(JoinGraph, NamesBothNodesOfTypesThatDoNotConvert) {
 TEST(JoinGraph, RefusesMissingUnknownAndMisshapenOutputs) {
     const std::string uv = node("uv", "CoreUv");
     const std::string rgba = node("v", "CoreVertexColour", property("Colour Type", "enum", "Vector"));
-    testing::expectError(exportError(colour), "sample.xml", {"\"colour\""});
-    testing::expectError(exportError(colour + scalar + output("alpha", "s", "read")), "sample.xml",
+    testing::expectError(exportError(colour), "sample.xml:1", {"\"colour\""});
+    testing::expectError(exportError(colour + scalar + output("alpha", "s", "read")), "sample.xml:1",
                          {"\"colour\""});
     expectErrorAt(exportError(colour + output("colour", "c", "read") + output("normal", "c", "read")), 4,
                   {"\"normal\""});

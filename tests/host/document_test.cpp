@@ -306,12 +306,12 @@ TEST(ReadMaterial, NamesTheFileInItsMessages) {
     const auto empty = directory.write("empty.xml", "");
     expectError(hostErrorOf([&] { readMaterial(empty); }), empty.string() + ":1", {"XML"});
     const auto missing = directory / "missing.xml";
-    expectError(hostErrorOf([&] { readMaterial(missing); }), missing.string(),
+    expectError(hostErrorOf([&] { readMaterial(missing); }), missing.string() + ":1",
                 {"there is no such file or directory"});
-    expectError(hostErrorOf([&] { readMaterial(directory.path()); }), directory.path().string(),
+    expectError(hostErrorOf([&] { readMaterial(directory.path()); }), directory.path().string() + ":1",
                 {"it is a directory"});
     const auto below = empty / "below.xml";
-    expectError(hostErrorOf([&] { readMaterial(below); }), below.string(),
+    expectError(hostErrorOf([&] { readMaterial(below); }), below.string() + ":1",
                 {"a part of the path is not a directory"});
     const auto good = directory.write("good.xml", documentText(""));
     EXPECT_EQ(readMaterial(good).file, good.string());

@@ -60,8 +60,10 @@ TEST(ReadFile, ReadsEveryByte) {
 TEST(ReadFile, RefusesWhatIsTooLarge) {
     const TemporaryDirectory directory;
     const auto file = directory.write("a", std::string(3 * 1024 * 1024 + 1, 'x'));
-    expectError(hostErrorOf([&] { readFile(file, std::size_t{3} * 1024 * 1024); }), file.string(), {"3 MiB"});
-    expectError(hostErrorOf([] { readFile("/dev/zero", std::size_t{1024} * 1024); }), "/dev/zero", {"1 MiB"});
+    expectError(hostErrorOf([&] { readFile(file, std::size_t{3} * 1024 * 1024); }), file.string() + ":1",
+                {"3 MiB"});
+    expectError(hostErrorOf([] { readFile("/dev/zero", std::size_t{1024} * 1024); }), "/dev/zero:1",
+                {"1 MiB"});
 }
 
 TEST(WriteFiles, MakesTheDirectoryAndReplacesFiles) {

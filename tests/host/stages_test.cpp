@@ -30,7 +30,10 @@ constexpr ShaderType typeOf(ComponentType component, std::int32_t width) { retur
 /// A dataflow by hand; every node belongs to an item "item0", "item1" and so on, in lines from 10.
 class Flow {
 public:
-    Flow() { material.file = "flow.xml"; }
+    Flow() {
+        material.file = "flow.xml";
+        material.line = 2;
+    }
 
     std::size_t varying(const std::string& name, const ShaderType& type = typeOf(ComponentType::Float, 1)) {
         return add(makeVaryingParameter(name, type), {});
@@ -257,7 +260,7 @@ TEST(PackInterpolants, TakesAsFewRegistersAsPossible) {
         }
         const std::size_t fewest = fewestRegisters(items);
         if (fewest > 10) {
-            expectError(hostErrorOf([&] { packed(items); }), "flow.xml", {std::to_string(fewest), "10"});
+            expectError(hostErrorOf([&] { packed(items); }), "flow.xml:2", {std::to_string(fewest), "10"});
             continue;
         }
         const StagedShader shader = packed(items);
@@ -288,12 +291,12 @@ TEST(PackInterpolants, TakesAsFewRegistersAsPossible) {
 TEST(PackInterpolants, HoldsTenRegistersAndNoMore) {
     const Item full = {4, ComponentType::Float};
     EXPECT_EQ(packed(std::vector<Item>(10, full)).registers.size(), 10U);
-    expectError(hostErrorOf([&] { packed(std::vector<Item>(11, full)); }), "flow.xml", {"11", "10"});
+    expectError(hostErrorOf([&] { packed(std::vector<Item>(11, full)); }), "flow.xml:2", {"11", "10"});
     EXPECT_EQ(packed(std::vector<Item>(40, {1, ComponentType::Half})).registers.size(), 10U);
     expectError(hostErrorOf([&] {
                     packed(std::vector<Item>(41, {1, ComponentType::Half}));
                 }),
-                "flow.xml", {"41", "11", "10"});
+                "flow.xml:2", {"41", "11", "10"});
 }
 
 TEST(PackInterpolants, CarriesFixedValuesAsFloat) {
