@@ -63,12 +63,13 @@ void startElement(void* context, const xmlChar* name, const xmlChar* prefix, con
                           defaultedCount, attributes);
     const auto* parser = static_cast<xmlParserCtxt*>(context);
     if (parser->node != nullptr) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer is only a place to keep a number
         parser->node->_private = reinterpret_cast<void*>(static_cast<std::intptr_t>(parser->input->line));
     }
 }
 
-void ignoreText(void* /*context*/, const char* /*format*/, ...) {
-} // NOLINT(cert-dcl50-cpp): libxml2's signature
+// NOLINTNEXTLINE(cert-dcl50-cpp): libxml2's signature
+void ignoreText(void* /*context*/, const char* /*format*/, ...) {}
 
 void ignoreError(void* /*context*/, xmlErrorPtr /*error*/) {}
 

@@ -18,7 +18,7 @@ using namespace detail;
 namespace {
 
 struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
@@ -163,9 +163,9 @@ std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit) {
     std::array<char, 65536> buffer;
     while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), handle.get())) {
         if (content.size() + count > sizeLimit) {
-            throw HostError(
-                {file.string(), 1},
-                joinText({"this file is larger than ", std::to_string(sizeLimit / (1024 * 1024)), " MiB"}));
+            throw HostError({file.string(), 1},
+                            joinText({"this file is larger than ",
+                                      std::to_string(sizeLimit / (std::size_t{1024} * 1024)), " MiB"}));
         }
         content.append(buffer.data(), count);
     }

@@ -28,6 +28,7 @@ struct InterfaceKey {
     std::string name;
     std::int32_t flags = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): there is no null here
     auto operator<=>(const InterfaceKey&) const = default;
 };
 

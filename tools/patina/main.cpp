@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -121,11 +120,11 @@ int main(int argc, char** argv) {
     } catch (const patina::HostError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::bad_alloc&) {
-        std::fputs("error: out of memory\n", stderr);
+        std::cerr << "error: out of memory\n";
     } catch (const std::exception& error) {
         std::cerr << patina::diagnosticText({}, "error", error.what()) << '\n';
     } catch (...) {
-        std::fputs("error: a plug-in failed with something that is no exception\n", stderr);
+        std::cerr << "error: a plug-in failed with something that is no exception\n";
     }
     return failure;
 }
