@@ -48,8 +48,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto binding = patina::createBinding(patina::BindingKind::Float, "value", 1 + size % 5);
     binding->parseDefault(text);
     require(binding->hasDefault == patina::detail::parseFloatList(text).has_value());
-    const std::string printed = binding->formatDefault();
-    binding->parseDefault(printed);
-    require(binding->formatDefault() == printed);
+    if (binding->hasDefault) {
+        const std::string printed = binding->formatDefault();
+        binding->parseDefault(printed);
+        require(binding->formatDefault() == printed);
+    }
     return 0;
 }
