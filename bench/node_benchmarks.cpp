@@ -81,7 +81,7 @@ void writeAnnotations(benchmark::State& state, const std::string& type) {
 void registerForEach(const std::string& what, void (*benchmarked)(benchmark::State&, const std::string&),
                      const std::vector<std::string>& types) {
     for (const std::string& type : types) {
-        benchmark::RegisterBenchmark(joinText({what, "/", type}).c_str(), benchmarked, type);
+        benchmark::RegisterBenchmark(detail::joinText({what, "/", type}).c_str(), benchmarked, type);
     }
 }
 

@@ -108,7 +108,7 @@ Sample makeSample(const std::string& type) {
     const auto* entry = std::find_if(samples.begin(), samples.end(),
                                      [&](const SampleEntry& candidate) { return candidate.type == type; });
     if (entry == samples.end()) {
-        throw HostError({}, joinText({"there is no sample of type \"", type, "\""}));
+        throw HostError({}, detail::joinText({"there is no sample of type \"", type, "\""}));
     }
     Sample sample;
     sample.material = buildQuietly(sampleDocument(*entry));
