@@ -1,0 +1,38 @@
+#include "tools/patina/command.h"
+
+#include <iostream>
+
+namespace patina::tool {
+
+void addPluginOption(CLI::App& command, CommandLine& commandLine) {
+    command
+        .add_option(
+            "--plugin", commandLine.plugins,
+            "a plug-in to load; may be given repeatedly, and comes before those of PATINA_PLUGIN_PATH and "
+            "those installed with patina")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+}
+
+PluginSet loadPlugins(const CommandLine& commandLine) {
+    PluginSet plugins;
+    for (const std::string& file : commandLine.plugins) {
+        plugins.add(file);
+    }
+    for (const std::filesystem::path& directory : pluginSearchPath(commandLine.program)) {
+        plugins.addDirectory(directory);
+    }
+    return plugins;
+}
+
+void printWarnings(const Warnings& warnings) {
+    for (const Warning& warning : warnings) {
+        std::cerr << diagnosticText(warning.position, "warning", warning.text) << '\n';
+    }
+}
+
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace patina::tool

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "host/diagnostic.h"
+#include "host/plugins.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace patina::tool {
+
+// Exit codes.
+inline constexpr int success = 0;
+inline constexpr int failure = 1;    ///< an error in the input
+inline constexpr int wrongUsage = 2; ///< an error on the command line
+
+/// What every subcommand adds itself to: its options to the parser, and itself to what is to be done.
+struct CommandLine {
+    CLI::App parser;
+    std::filesystem::path program;         ///< where the running program is
+    std::function<int()> run = {};         ///< of the subcommand that the user chose; gives the exit code
+    std::vector<std::string> plugins = {}; ///< given with --plugin
+};
+
+// The subcommands, one in each source file (`nodes` and `describe` share theirs). A failure arrives at the
+// top as an exception.
+
+void addExportCommand(CommandLine& commandLine);
+
+/// Gives a subcommand the option --plugin.
+void addPluginOption(CLI::App& command, CommandLine& commandLine);
+
+/// Loads the plug-ins named on the command line, then those of the search path. Throws HostError.
+PluginSet loadPlugins(const CommandLine& commandLine);
+
+/// Prints warnings to standard error, a line each.
+void printWarnings(const Warnings& warnings);
+
+/// A number and what it counts, `1 node` or `2 nodes`.
+std::string counted(std::size_t count, const std::string& noun);
+
+} // namespace patina::tool
