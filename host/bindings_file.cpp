@@ -13,12 +13,7 @@ namespace patina {
 
 using namespace detail;
 
-namespace {
-
-const xmlChar* xmlText(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
-
-void appendBinding(xmlNode* root, const Binding& binding) {
-    xmlNode* element = xmlNewChild(root, nullptr, xmlText("binding"), nullptr);
+void detail::writeBinding(xmlNode* element, const Binding& binding) {
     writeAttribute(element, "kind", bindingKindName(binding));
     writeAttribute(element, "components", std::to_string(binding.componentCount()));
     if (!binding.group.empty()) {
@@ -26,8 +21,6 @@ void appendBinding(xmlNode* root, const Binding& binding) {
     }
     binding.writeAnnotations(element);
 }
-
-} // namespace
 
 BindingCollection collectBindings(const Material& material) {
     std::vector<std::size_t> order(material.items.size());
@@ -71,7 +64,7 @@ std::string printBindings(const Material& material, const BindingCollection& bin
     writeAttribute(root, "version", "1");
     writeAttribute(root, "material", material.name);
     for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
-        appendBinding(root, *binding);
+        writeBinding(xmlNewChild(root, nullptr, xmlText("binding"), nullptr), *binding);
     }
     xmlChar* text = nullptr;
     int size = 0;

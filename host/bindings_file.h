@@ -16,4 +16,11 @@ BindingCollection collectBindings(const Material& material);
 /// annotations.
 std::string printBindings(const Material& material, const BindingCollection& bindings);
 
+namespace detail {
+
+/// Sets a <binding> element's kind, components, group and annotations.
+void writeBinding(xmlNode* element, const Binding& binding);
+
+} // namespace detail
+
 } // namespace patina

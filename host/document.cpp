@@ -1,21 +1,13 @@
 #include "host/document.h"
 
 #include "host/diagnostic.h"
+#include "host/document_xml.h"
 #include "host/files.h"
-#include "host/xml.h"
 #include "nodemodel/text.h"
-#include "nodemodel/xml_attributes.h"
-
-#include <libxml/SAX2.h>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdint>
-#include <limits>
-#include <new>
-#include <optional>
 #include <set>
+#include <tuple>
 
 namespace patina {
 
@@ -23,99 +15,24 @@ using namespace detail;
 
 namespace {
 
-constexpr std::size_t documentSizeLimit = std::size_t{512} * 1024 * 1024;
-
-struct KindName {
-    const char* name;
-    PropertyType kind;
-};
-
-constexpr std::array<KindName, 7> kindNames = {{
-    {"bool", PropertyType::Bool},
-    {"integer", PropertyType::Integer},
-    {"float", PropertyType::Float},
-    {"string", PropertyType::String},
-    {"colour", PropertyType::Colour},
-    {"enum", PropertyType::Enum},
-    {"node", PropertyType::Node},
-}};
-
-/// The first complaint of the XML parser.
-struct XmlComplaint {
-    int line = 1;
-    std::string text;
-};
-
-void keepFirstComplaint(void* context, xmlErrorPtr error) {
-    auto* complaint = static_cast<XmlComplaint*>(static_cast<xmlParserCtxt*>(context)->_private);
-    if (complaint->text.empty() && error->level >= XML_ERR_ERROR && error->message != nullptr) {
-        complaint->line = error->line;
-        complaint->text = error->message;
-        complaint->text.resize(complaint->text.find_last_not_of('\n') + 1);
-    }
-}
-
-/// Makes each element remember its line: the parser's own count stops at 65535.
-void startElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
-                  int namespaceCount, const xmlChar** namespaces, int attributeCount, int defaultedCount,
-                  const xmlChar** attributes) {
-    xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount,
-                          defaultedCount, attributes);
-    const auto* parser = static_cast<xmlParserCtxt*>(context);
-    if (parser->node != nullptr) {
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer is only a place to keep a number
-        parser->node->_private = reinterpret_cast<void*>(static_cast<std::intptr_t>(parser->input->line));
-    }
-}
-
-// NOLINTNEXTLINE(cert-dcl50-cpp): libxml2's signature
-void ignoreText(void* /*context*/, const char* /*format*/, ...) {}
-
-void ignoreError(void* /*context*/, xmlErrorPtr /*error*/) {}
-
-/// Keeps libxml2 from printing on its own while it lives: some encoding errors pass by the parser's handler.
-class XmlSilence {
-public:
-    XmlSilence()
-        : generic_(xmlGenericError), genericContext_(xmlGenericErrorContext), structured_(xmlStructuredError),
-          structuredContext_(xmlStructuredErrorContext) {
-        xmlSetGenericErrorFunc(nullptr, ignoreText);
-        xmlSetStructuredErrorFunc(nullptr, ignoreError);
-    }
-    ~XmlSilence() {
-        xmlSetGenericErrorFunc(genericContext_, generic_);
-        xmlSetStructuredErrorFunc(structuredContext_, structured_);
-    }
-    XmlSilence(const XmlSilence&) = delete;
-    XmlSilence& operator=(const XmlSilence&) = delete;
-
-private:
-    xmlGenericErrorFunc generic_;
-    void* genericContext_;
-    xmlStructuredErrorFunc structured_;
-    void* structuredContext_;
-};
-
 /// Reads the elements of one document. A method of each kind of element; all throw HostError.
 class DocumentReader {
 public:
     explicit DocumentReader(const std::string& file) { document_.file = file; }
 
     MaterialDocument read(std::string_view text) {
-        const XmlPointer<xmlDoc> xml = parseXml(text);
+        const XmlPointer<xmlDoc> xml = parseDocumentXml(text, document_.file);
         xmlNode* root = xmlDocGetRootElement(xml.get());
         readRoot(root);
         for (xmlNode* child = root->children; child != nullptr; child = child->next) {
-            if (child->type != XML_ELEMENT_NODE) {
-                continue;
-            }
-            const std::string_view name = elementName(child);
-            if (name == "node") {
+            if (isElement(child, "node")) {
                 readNode(child);
-            } else if (name == "connection") {
+            } else if (isElement(child, "connection")) {
                 readConnection(child);
-            } else if (name == "output") {
+            } else if (isElement(child, "output")) {
                 readOutput(child);
+            } else if (isElement(child, "binding")) {
+                readBinding(child);
             }
             // elements of others are left alone
         }
@@ -123,56 +40,33 @@ public:
     }
 
 private:
-    static std::string_view elementName(const xmlNode* element) {
-        return reinterpret_cast<const char*>(element->name);
-    }
-
-    static int lineOf(const xmlNode* element) {
-        return static_cast<int>(reinterpret_cast<std::intptr_t>(element->_private));
-    }
-
     [[noreturn]] void fail(int line, std::initializer_list<std::string_view> pieces) const {
         throw HostError({document_.file, line}, joinText(pieces));
     }
 
-    XmlPointer<xmlDoc> parseXml(std::string_view text) const {
-        if (text.size() > documentSizeLimit) {
-            fail(1, {"this document is larger than 512 MiB"});
-        }
-        const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
-        if (!context) {
-            throw std::bad_alloc();
-        }
-        XmlComplaint complaint;
-        context->_private = &complaint;
-        context->sax->serror = keepFirstComplaint;
-        context->sax->startElementNs = startElement;
-        const XmlSilence silence;
-        XmlPointer<xmlDoc> xml(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
-                                                 nullptr, nullptr, XML_PARSE_NONET));
-        if (!xml) {
-            fail(complaint.line, {"this is not well-formed XML: ", complaint.text});
-        }
-        if (xml->intSubset != nullptr) {
-            fail(lineOf(xmlDocGetRootElement(xml.get())),
-                 {"a material document has no document type declaration; remove it"});
-        }
-        return xml;
-    }
-
-    std::string require(xmlNode* element, const char* attribute) const {
-        if (!hasAttribute(element, attribute)) {
+    std::string require(const xmlNode* element, const char* attribute) const {
+        auto value = attributeOf(element, attribute);
+        if (!value) {
             fail(lineOf(element),
                  {"the <", elementName(element), "> element has no \"", attribute, "\" attribute"});
         }
-        return readAttribute(element, attribute);
+        return *std::move(value);
     }
 
-    void readRoot(xmlNode* root) {
+    template <typename Item>
+    static int nextOrigin(const std::vector<Item>& items) {
+        return static_cast<int>(items.size());
+    }
+
+    void readRoot(const xmlNode* root) {
         document_.line = lineOf(root);
         if (elementName(root) != "material") {
             fail(lineOf(root), {"this is no material document: the root element is <", elementName(root),
                                 ">, not <material>"});
+        }
+        if (root->ns != nullptr) {
+            fail(lineOf(root), {"this is no material document: the <material> element is in the namespace \"",
+                                reinterpret_cast<const char*>(root->ns->href), "\", and must be in none"});
         }
         const std::string version = require(root, "version");
         if (version != "1") {
@@ -185,9 +79,10 @@ private:
         }
     }
 
-    void readNode(xmlNode* element) {
+    void readNode(const xmlNode* element) {
         DocumentNode node;
         node.line = lineOf(element);
+        node.origin = nextOrigin(document_.nodes);
         node.id = require(element, "id");
         node.type = require(element, "type");
         if (node.id.empty()) {
@@ -196,12 +91,10 @@ private:
         if (!ids_.insert(node.id).second) {
             fail(node.line, {"there is another node with the id \"", node.id, "\""});
         }
-        if (hasAttribute(element, "version")) {
-            node.version = readVersion(element);
-        }
+        node.version = readVersion(element);
         std::set<std::string> names;
         for (xmlNode* child = element->children; child != nullptr; child = child->next) {
-            if (child->type == XML_ELEMENT_NODE && elementName(child) == "property") {
+            if (isElement(child, "property")) {
                 node.properties.push_back(readProperty(child));
                 const DocumentProperty& property = node.properties.back();
                 if (!names.insert(property.name).second) {
@@ -213,35 +106,37 @@ private:
         document_.nodes.push_back(std::move(node));
     }
 
-    std::int32_t readVersion(xmlNode* element) const {
-        const std::string text = readAttribute(element, "version");
-        std::int32_t version = 0;
-        const auto result = std::from_chars(text.data(), text.data() + text.size(), version);
-        if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
-            fail(lineOf(element), {"\"", text, "\" is no version number"});
+    std::int32_t readVersion(const xmlNode* element) const {
+        const auto text = attributeOf(element, "version");
+        if (!text) {
+            return 0;
         }
-        return version;
+        const auto version = parseVersion(*text);
+        if (!version) {
+            fail(lineOf(element), {"\"", *text, "\" is no version number"});
+        }
+        return *version;
     }
 
-    DocumentProperty readProperty(xmlNode* element) const {
+    DocumentProperty readProperty(const xmlNode* element) const {
         DocumentProperty property;
         property.line = lineOf(element);
         property.name = require(element, "name");
         property.value = require(element, "value");
         const std::string kind = require(element, "kind");
-        const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
-                                         [&](const KindName& entry) { return entry.name == kind; });
-        if (found == kindNames.end()) {
+        const auto found = findKind(kind);
+        if (!found) {
             fail(property.line, {"property \"", property.name, "\" is of the unknown kind \"", kind,
                                  "\"; the kinds are bool, integer, float, string, colour, enum and node"});
         }
-        property.kind = found->kind;
+        property.kind = *found;
         return property;
     }
 
-    void readConnection(xmlNode* element) {
+    void readConnection(const xmlNode* element) {
         DocumentConnection connection;
         connection.line = lineOf(element);
+        connection.origin = nextOrigin(document_.connections);
         connection.source = require(element, "source");
         connection.output = require(element, "output");
         connection.destination = require(element, "destination");
@@ -249,27 +144,129 @@ private:
         document_.connections.push_back(std::move(connection));
     }
 
-    void readOutput(xmlNode* element) {
+    void readOutput(const xmlNode* element) {
         DocumentOutput output;
         output.line = lineOf(element);
+        output.origin = nextOrigin(document_.outputs);
         output.name = require(element, "name");
         output.source = require(element, "source");
         output.port = require(element, "port");
         document_.outputs.push_back(std::move(output));
     }
 
+    void readBinding(const xmlNode* element) {
+        DocumentBinding binding;
+        binding.line = lineOf(element);
+        binding.origin = nextOrigin(document_.bindings);
+        binding.name = require(element, "tag");
+        binding.kind = require(element, "kind");
+        if (!tags_.insert(binding.name).second) {
+            fail(binding.line, {"there is another binding with the tag \"", binding.name, "\""});
+        }
+        if (!isBindingKind(binding.kind)) {
+            fail(binding.line,
+                 {"binding \"", binding.name, "\" is of the unknown kind \"", binding.kind, "\""});
+        }
+        for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+             attribute = attribute->next) {
+            const std::string name = reinterpret_cast<const char*>(attribute->name);
+            if (attribute->ns == nullptr && name != "tag" && name != "kind") {
+                binding.annotations.emplace_back(name, require(element, name.c_str()));
+            }
+        }
+        document_.bindings.push_back(std::move(binding));
+    }
+
     MaterialDocument document_;
     std::set<std::string> ids_;
+    std::set<std::string> tags_;
 };
+
+MaterialDocument parseOwned(std::string text, const std::string& file) {
+    MaterialDocument document = DocumentReader(file).read(text);
+    document.source = std::move(text);
+    return document;
+}
+
+auto sorted(std::vector<std::pair<std::string, std::string>> annotations) {
+    std::sort(annotations.begin(), annotations.end());
+    return annotations;
+}
+
+/// The bytes of the UTF-8 sequence that begins a text, or 0 when it is none, or no character of XML.
+std::size_t characterLength(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return std::uint32_t{static_cast<unsigned char>(text[i])}; };
+    const std::uint32_t first = byte(0);
+    if (first < 0x80) {
+        return first >= 0x20 || first == '\t' || first == '\n' || first == '\r' ? 1 : 0;
+    }
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC0 ? 2 : 0;
+    if (length == 0 || length > text.size()) {
+        return 0;
+    }
+    std::uint32_t code = first & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0U) != 0x80U) {
+            return 0;
+        }
+        code = code << 6U | (byte(i) & 0x3FU);
+    }
+    constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    const bool allowed =
+        code >= smallest[length] && code <= 0x10FFFF && !surrogate && code != 0xFFFE && code != 0xFFFF;
+    return allowed ? length : 0;
+}
 
 } // namespace
 
+bool operator==(const DocumentProperty& left, const DocumentProperty& right) {
+    return std::tie(left.name, left.kind, left.value) == std::tie(right.name, right.kind, right.value);
+}
+
+bool operator==(const DocumentNode& left, const DocumentNode& right) {
+    return std::tie(left.id, left.type, left.version, left.properties) ==
+           std::tie(right.id, right.type, right.version, right.properties);
+}
+
+bool operator==(const DocumentConnection& left, const DocumentConnection& right) {
+    return std::tie(left.source, left.output, left.destination, left.input) ==
+           std::tie(right.source, right.output, right.destination, right.input);
+}
+
+bool operator==(const DocumentOutput& left, const DocumentOutput& right) {
+    return std::tie(left.name, left.source, left.port) == std::tie(right.name, right.source, right.port);
+}
+
+bool operator==(const DocumentBinding& left, const DocumentBinding& right) {
+    return std::tie(left.name, left.kind) == std::tie(right.name, right.kind) &&
+           sorted(left.annotations) == sorted(right.annotations);
+}
+
+bool operator==(const MaterialDocument& left, const MaterialDocument& right) {
+    return std::tie(left.name, left.nodes, left.connections, left.outputs, left.bindings) ==
+           std::tie(right.name, right.nodes, right.connections, right.outputs, right.bindings);
+}
+
+bool isDocumentText(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = characterLength(text);
+        if (length == 0) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
 MaterialDocument parseMaterial(std::string_view text, const std::string& file) {
-    return DocumentReader(file).read(text);
+    // a text that is too large is refused before it is copied
+    return text.size() > documentSizeLimit ? DocumentReader(file).read(text)
+                                           : parseOwned(std::string(text), file);
 }
 
 MaterialDocument readMaterial(const std::filesystem::path& file) {
-    return parseMaterial(readFile(file, documentSizeLimit), file.string());
+    return parseOwned(readFile(file, documentSizeLimit), file.string());
 }
 
 } // namespace patina

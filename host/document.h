@@ -6,11 +6,20 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace patina {
 
 // The material document as it stands in its file: nothing is looked up, and no plug-in is needed.
+//
+// Everything here is plain data, to be changed at will and written back by document_writer.h. `line` and
+// `origin` say where a thing stands in the document's source: a copy of it that is changed keeps them, and a
+// new thing has none. Equality looks at what a document means, and so neither at them, nor at file and
+// source.
+
+/// Of a thing that does not stand in the source.
+inline constexpr int noOrigin = -1;
 
 /// A saved property. The value is still text: what it must look like depends on the kind.
 struct DocumentProperty {
@@ -18,6 +27,8 @@ struct DocumentProperty {
     PropertyType kind = PropertyType::Bool;
     std::string value;
     int line = 0;
+
+    friend bool operator==(const DocumentProperty& left, const DocumentProperty& right);
 };
 
 struct DocumentNode {
@@ -26,6 +37,9 @@ struct DocumentNode {
     std::int32_t version = 0; ///< of the saved property set
     std::vector<DocumentProperty> properties;
     int line = 0;
+    int origin = noOrigin; ///< which of the source's <node> elements it is, from 0
+
+    friend bool operator==(const DocumentNode& left, const DocumentNode& right);
 };
 
 struct DocumentConnection {
@@ -34,6 +48,9 @@ struct DocumentConnection {
     std::string destination;
     std::string input;
     int line = 0;
+    int origin = noOrigin;
+
+    friend bool operator==(const DocumentConnection& left, const DocumentConnection& right);
 };
 
 /// A value that leaves the graph.
@@ -42,6 +59,21 @@ struct DocumentOutput {
     std::string source;
     std::string port;
     int line = 0;
+    int origin = noOrigin;
+
+    friend bool operator==(const DocumentOutput& left, const DocumentOutput& right);
+};
+
+/// What an artist's tools keep of a binding.
+struct DocumentBinding {
+    std::string name; ///< the "tag"
+    std::string kind; ///< as bindingKindName names it
+    std::vector<std::pair<std::string, std::string>>
+        annotations; ///< all other attributes; their order means nothing
+    int line = 0;
+    int origin = noOrigin;
+
+    friend bool operator==(const DocumentBinding& left, const DocumentBinding& right);
 };
 
 struct MaterialDocument {
@@ -51,10 +83,19 @@ struct MaterialDocument {
     std::vector<DocumentNode> nodes;
     std::vector<DocumentConnection> connections;
     std::vector<DocumentOutput> outputs;
+    std::vector<DocumentBinding> bindings;
+    std::string source; ///< the bytes that it was read from; empty when it is new
+
+    friend bool operator==(const MaterialDocument& left, const MaterialDocument& right);
 };
 
-/// Reads a material document, version 1. Ids and property names are unique within what comes back.
-/// Throws HostError, with the line, when the file cannot be read, is not well-formed, or is no such document.
+/// Whether a document can hold the text: UTF-8 of characters that XML allows.
+bool isDocumentText(std::string_view text);
+
+/// Reads a material document, version 1. Ids, property names and tags of bindings are unique within what
+/// comes back. Nothing but the file itself is read, whatever it says; one of more than 512 MiB, or whose
+/// elements nest deeper than 200, is refused. Throws HostError, with the line, when the file cannot be read,
+/// is not well-formed, or is no such document.
 MaterialDocument readMaterial(const std::filesystem::path& file);
 
 /// The same from text; `file` is only what messages name.

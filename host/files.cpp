@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -35,6 +36,12 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
     throw HostError({file.string(), 1}, joinText({"cannot read this file: ", reasonText(error)}));
 }
 
+[[noreturn]] void throwTooLarge(const std::filesystem::path& file, std::size_t sizeLimit) {
+    throw HostError({file.string(), 1},
+                    joinText({"this file is larger than ",
+                              std::to_string(sizeLimit / (std::size_t{1024} * 1024)), " MiB"}));
+}
+
 /// A name beside `target` that no file bears yet. Short, so that it fits wherever the target's name does.
 std::filesystem::path hiddenName(const std::filesystem::path& target, int attempt) {
     return target.parent_path() / (".patina-" + std::to_string(attempt) + ".tmp");
@@ -53,8 +60,13 @@ void removeIfNamed(const std::filesystem::path& file) {
 /// What is left under temporary names goes when it does.
 class Replacement {
 public:
-    Replacement(std::filesystem::path target, std::string_view content) : target_(std::move(target)) {
+    Replacement(std::filesystem::path target, std::string_view content,
+                std::optional<std::filesystem::perms> permissions = {})
+        : target_(std::move(target)) {
         FileHandle file = open();
+        if (permissions) {
+            setPermissions(*permissions);
+        }
         errno = 0;
         const bool complete = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size() &&
                               std::fflush(file.get()) == 0;
@@ -117,6 +129,16 @@ private:
         throwFileError(target_, "cannot write this file", error);
     }
 
+    /// To be done before anything is written, which those may not see who may not see the earlier file.
+    void setPermissions(std::filesystem::perms permissions) {
+        std::error_code error;
+        std::filesystem::permissions(temporary_, permissions, error);
+        if (error) {
+            removeIfNamed(temporary_);
+            throwFileError(target_, "cannot write this file", error);
+        }
+    }
+
     /// A second name for the file that is replaced, where the file system has such a thing.
     void keepFormer() {
         std::error_code error;
@@ -139,6 +161,42 @@ private:
     bool existed_ = false;
 };
 
+/// The file that a path names in the end, which need not exist.
+std::filesystem::path linkTarget(std::filesystem::path file) {
+    constexpr int linkLimit = 40;
+    std::error_code error;
+    for (int i = 0; std::filesystem::is_symlink(file, error); ++i) {
+        if (i == linkLimit) {
+            throwFileError(file, "cannot write this file",
+                           std::make_error_code(std::errc::too_many_symbolic_link_levels));
+        }
+        // a target that is absolute replaces the whole path
+        file = file.parent_path() / std::filesystem::read_symlink(file);
+    }
+    return file;
+}
+
+/// The permissions of a file that may be replaced; none when there is no file yet.
+std::optional<std::filesystem::perms> permissionsToKeep(const std::filesystem::path& file) {
+    using std::filesystem::perms;
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(file, ignored);
+    if (!std::filesystem::exists(status)) {
+        return std::nullopt;
+    }
+    if (std::filesystem::is_directory(status)) {
+        throwFileError(file, "cannot write this file", std::make_error_code(std::errc::is_a_directory));
+    }
+    if (!std::filesystem::is_regular_file(status)) {
+        throw HostError({file.string(), 0}, "cannot replace this file: it is no regular file");
+    }
+    constexpr perms anyWrite = perms::owner_write | perms::group_write | perms::others_write;
+    if ((status.permissions() & anyWrite) == perms::none) {
+        throw HostError({file.string(), 0}, "cannot replace this file: it is write-protected");
+    }
+    return status.permissions();
+}
+
 } // namespace
 
 bool isFileName(std::string_view text) {
@@ -159,13 +217,15 @@ std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit) {
     if (!handle) {
         throwReadError(file, lastError());
     }
+    const std::uintmax_t size = std::filesystem::file_size(file, status);
+    if (!status && size > sizeLimit) {
+        throwTooLarge(file, sizeLimit);
+    }
     std::string content;
     std::array<char, 65536> buffer;
     while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), handle.get())) {
-        if (content.size() + count > sizeLimit) {
-            throw HostError({file.string(), 1},
-                            joinText({"this file is larger than ",
-                                      std::to_string(sizeLimit / (std::size_t{1024} * 1024)), " MiB"}));
+        if (content.size() + count > sizeLimit) { // of a stream, whose size nobody knows before
+            throwTooLarge(file, sizeLimit);
         }
         content.append(buffer.data(), count);
     }
@@ -199,6 +259,11 @@ void writeFiles(const std::filesystem::path& directory, const std::vector<Output
         }
         throw;
     }
+}
+
+void replaceFile(const std::filesystem::path& file, std::string_view content) {
+    const std::filesystem::path target = linkTarget(file);
+    Replacement(target, content, permissionsToKeep(target)).takePlace();
 }
 
 } // namespace patina

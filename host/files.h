@@ -27,4 +27,10 @@ struct OutputFile {
 /// those before it give theirs back. Throws HostError then, and nothing has changed.
 void writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
 
+/// Writes one file. It is complete on disk under a temporary name beside the earlier one before it takes its
+/// place, with the earlier one's permissions; of a symbolic link, it is the target that is replaced. Throws
+/// HostError when it cannot be written, or when the earlier one is write-protected or no regular file;
+/// nothing has changed then.
+void replaceFile(const std::filesystem::path& file, std::string_view content);
+
 } // namespace patina

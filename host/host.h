@@ -6,7 +6,7 @@
 /// load plug-ins (plugins.h), read a document (document.h), build the material (material.h), resolve its
 /// ports (resolve.h), generate code (generate.h), join it (dataflow.h), place it in stages (stages.h), name
 /// it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write the files (files.h).
-/// export.h runs them all.
+/// export.h runs them all. An editor changes a material with edit.h, and saves it with document_writer.h.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
@@ -15,6 +15,8 @@
 #include "host/dataflow.h"
 #include "host/diagnostic.h"
 #include "host/document.h"
+#include "host/document_writer.h"
+#include "host/edit.h"
 #include "host/export.h"
 #include "host/files.h"
 #include "host/generate.h"

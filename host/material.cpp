@@ -1,11 +1,10 @@
 #include "host/material.h"
 
-#include "host/dependency_order.h"
+#include "host/material_steps.h"
+#include "host/property_text.h"
 #include "nodemodel/text.h"
 
-#include <charconv>
 #include <map>
-#include <optional>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -17,64 +16,15 @@ using namespace detail;
 
 namespace {
 
-constexpr const char* placeholderType = "CoreDefault";
-constexpr const char* typePropertyName = "Type";
-
-/// The number that makes up the whole text, in decimal.
-template <typename Number>
-std::optional<Number> parseNumber(std::string_view text) {
-    Number number{};
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool decimal = text.find_first_not_of("0123456789+-.eE") == std::string_view::npos;
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !decimal) {
-        return std::nullopt;
-    }
-    return number;
-}
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-std::optional<std::array<float, 3>> parseColour(std::string_view text) {
-    std::array<float, 3> colour{};
-    for (std::size_t i = 0; i < colour.size(); ++i) {
-        const std::size_t comma = text.find(',');
-        const bool last = i + 1 == colour.size();
-        if (last != (comma == std::string_view::npos)) {
-            return std::nullopt;
-        }
-        const auto component = parseNumber<float>(trimmed(text.substr(0, comma)));
-        if (!component) {
-            return std::nullopt;
-        }
-        colour[i] = *component;
-        text.remove_prefix(last ? text.size() : comma + 1);
-    }
-    return colour;
-}
-
-std::string listOf(const std::vector<Port>& ports) {
-    std::string text;
-    for (const Port& port : ports) {
-        appendText(text, {text.empty() ? "\"" : ", \"", port.name, "\""});
-    }
-    return text.empty() ? "it has none" : "it has " + text;
-}
-
 /// Builds one material, step by step.
 class MaterialBuilder {
 public:
-    MaterialBuilder(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings)
-        : document_(document), plugins_(plugins), warnings_(warnings) {
-        material_.file = document.file;
-        material_.line = document.line;
-        material_.name = document.name;
+    MaterialBuilder(MaterialDocument document, const PluginSet& plugins, Warnings& warnings)
+        : plugins_(plugins), warnings_(warnings) {
+        material_.document = std::move(document);
+        material_.file = document_.file;
+        material_.line = document_.line;
+        material_.name = document_.name;
     }
 
     Material build() {
@@ -83,7 +33,7 @@ public:
         updateInReferenceOrder();
         connectNodes();
         connectOutputs();
-        orderDownstream();
+        material_.downstream = downstreamOrder(material_);
         return std::move(material_);
     }
 
@@ -115,7 +65,6 @@ private:
                                                saved.id, "\"; a placeholder stands in for it"})});
             }
             indexById_.emplace(saved.id, material_.items.size());
-            indexByNode_.emplace(item.node.get(), material_.items.size());
             material_.items.push_back(std::move(item));
         }
     }
@@ -128,72 +77,16 @@ private:
         return found->second;
     }
 
-    /// A property that carries the saved value; its other fields do not matter.
-    std::shared_ptr<Property> savedProperty(const DocumentNode& node, const DocumentProperty& saved) const {
-        const auto refuse = [&](const char* wanted) {
-            fail(saved.line, {"node \"", node.id, "\": property \"", saved.name, "\": \"", saved.value,
-                              "\" is not ", wanted});
-        };
-        auto property = makeProperty(saved.name);
-        switch (saved.kind) {
-        case PropertyType::Bool:
-            if (saved.value != "Yes" && saved.value != "No") {
-                refuse("\"Yes\" or \"No\"");
-            }
-            property->setBool(saved.value == "Yes");
-            break;
-        case PropertyType::Integer: {
-            const auto value = parseNumber<std::int32_t>(saved.value);
-            if (!value) {
-                refuse("a whole number of 32 bits");
-            }
-            property->setInteger(*value);
-            break;
-        }
-        case PropertyType::Float: {
-            const auto value = parseNumber<float>(saved.value);
-            if (!value) {
-                refuse("a decimal number that a float can hold");
-            }
-            property->setFloat(*value);
-            break;
-        }
-        case PropertyType::String:
-            property->setString(saved.value);
-            break;
-        case PropertyType::Colour: {
-            const auto colour = parseColour(saved.value);
-            if (!colour) {
-                refuse("a colour, \"red, green, blue\"");
-            }
-            property->setColour((*colour)[0], (*colour)[1], (*colour)[2]);
-            break;
-        }
-        case PropertyType::Enum:
-            property->addEnumValue(saved.value);
-            break;
-        case PropertyType::Node:
-            property->kind = PropertyType::Node;
-            if (!saved.value.empty()) {
-                property->nodeValue = material_.items[requireNode(saved.value, saved.line)].node;
-            }
-            break;
-        }
-        return property;
-    }
-
     void restoreProperties() {
+        const NodeOfId nodeOfId = [this](const std::string& id, int line) {
+            return material_.items[requireNode(id, line)].node;
+        };
         for (std::size_t i = 0; i < document_.nodes.size(); ++i) {
             const DocumentNode& saved = document_.nodes[i];
             const MaterialItem& item = material_.items[i];
-            const auto set = std::make_shared<PropertySet>();
-            set->version = saved.version;
-            // the type stands on the node; a placeholder takes it from here
-            const auto type = makeProperty(typePropertyName);
-            type->setString(saved.type);
-            set->add(type);
+            const std::shared_ptr<PropertySet> set = makeSavedSet(saved.type, saved.version);
             for (const DocumentProperty& property : saved.properties) {
-                addSaved(*set, saved, property, item);
+                addSaved(*set, saved, property, item, nodeOfId);
             }
             try {
                 item.node->loadProperties(set);
@@ -206,7 +99,7 @@ private:
     }
 
     void addSaved(PropertySet& set, const DocumentNode& node, const DocumentProperty& saved,
-                  const MaterialItem& item) {
+                  const MaterialItem& item, const NodeOfId& nodeOfId) {
         if (saved.name == typePropertyName) {
             if (saved.kind != PropertyType::String || saved.value != node.type) {
                 fail(saved.line, {"node \"", node.id, "\": the saved \"Type\" is not the node's type \"",
@@ -219,7 +112,7 @@ private:
                                  joinText({"node \"", node.id, "\": type \"", node.type,
                                            "\" has no property \"", saved.name, "\"; it is ignored"})});
         }
-        set.add(savedProperty(node, saved));
+        set.add(savedProperty(document_.file, node.id, saved, nodeOfId));
     }
 
     /// The line of the saved property that the node did not take, or of the node when it refused the whole
@@ -243,56 +136,10 @@ private:
     }
 
     void updateInReferenceOrder() {
-        Dependencies references(material_.items.size());
-        for (std::size_t i = 0; i < material_.items.size(); ++i) {
-            for (const std::shared_ptr<Property>& property : *material_.items[i].node->properties) {
-                if (property->kind == PropertyType::Node && property->nodeValue) {
-                    references[i].push_back(indexByNode_.at(property->nodeValue.get()));
-                }
-            }
+        const Dependencies references = referencesOf(material_, indexNodes(material_));
+        for (const std::size_t index : updateOrder(material_, references)) {
+            updateItem(material_, material_.items[index]);
         }
-        const DependencyOrder order = orderByDependencies(references);
-        if (!order.cycle.empty()) {
-            failAtCycle("nodes refer to one another in a cycle: ", order.cycle);
-        }
-        for (const std::size_t index : order.order) {
-            const MaterialItem& item = material_.items[index];
-            onBehalfOf(material_, item, item.line, [&] { item.node->updateFromProperties(nullptr); });
-        }
-    }
-
-    /// Reports a cycle whose items each depend on the next.
-    [[noreturn]] void failAtCycle(const char* what, const std::vector<std::size_t>& cycle) const {
-        constexpr std::size_t shown = 8;
-        std::string path;
-        for (std::size_t i = 0; i < cycle.size() && i < shown; ++i) {
-            appendText(path, {nodeTitle(material_.items[cycle[i]]), " -> "});
-        }
-        if (cycle.size() > shown) {
-            path += "... -> ";
-        }
-        fail(material_.items[cycle.front()].line, {what, path, nodeTitle(material_.items[cycle.front()])});
-    }
-
-    Port* findPort(std::vector<Port>& ports, int index) {
-        return index < 0 ? nullptr : &ports[static_cast<std::size_t>(index)];
-    }
-
-    /// The named output, or null on a placeholder, which has no ports.
-    Port* requireOutput(const MaterialItem& item, const std::string& name, int line) {
-        Port* port = findPort(item.node->outputs, item.node->findOutputPortIndex(name));
-        if (port == nullptr && !item.placeholder) {
-            fail(line, {nodeTitle(item), " has no output \"", name, "\"; ", listOf(item.node->outputs)});
-        }
-        return port;
-    }
-
-    Port* requireInput(const MaterialItem& item, const std::string& name, int line) {
-        Port* port = findPort(item.node->inputs, item.node->findInputPortIndex(name));
-        if (port == nullptr && !item.placeholder) {
-            fail(line, {nodeTitle(item), " has no input \"", name, "\"; ", listOf(item.node->inputs)});
-        }
-        return port;
     }
 
     void connectNodes() {
@@ -304,8 +151,8 @@ private:
             connection.line = saved.line;
             const MaterialItem& source = material_.items[connection.source];
             const MaterialItem& destination = material_.items[connection.destination];
-            Port* output = requireOutput(source, saved.output, saved.line);
-            Port* input = requireInput(destination, saved.input, saved.line);
+            requireOutput(material_, source, saved.output, saved.line);
+            requireInput(material_, destination, saved.input, saved.line);
             const auto [earlier, isNew] =
                 connectedInputs.try_emplace({connection.destination, saved.input}, saved.line);
             if (!isNew) {
@@ -313,19 +160,9 @@ private:
                                   "\" is connected twice; the first connection is in line ",
                                   std::to_string(earlier->second)});
             }
-            connection.record = std::make_shared<NodeConnection>();
-            connection.record->sourceNode = source.node;
-            connection.record->destinationNode = destination.node;
-            connection.record->sourcePort = saved.output;
-            connection.record->destinationPort = saved.input;
-            if (output != nullptr) {
-                output->connected = true;
-                source.node->outputLinks.push_back(connection.record);
-            }
-            if (input != nullptr) {
-                input->connected = true;
-                destination.node->inputLinks.push_back(connection.record);
-            }
+            connection.record = makeRecord(source.node, saved.output, destination.node, saved.input);
+            linkSource(*source.node, connection.record);
+            linkDestination(*destination.node, connection.record);
             material_.connections.push_back(std::move(connection));
         }
     }
@@ -341,35 +178,18 @@ private:
             output.source = requireNode(saved.source, saved.line);
             output.line = saved.line;
             const MaterialItem& source = material_.items[output.source];
-            output.record = std::make_shared<NodeConnection>();
-            output.record->sourceNode = source.node;
-            output.record->sourcePort = saved.port;
-            if (Port* port = requireOutput(source, saved.port, saved.line)) {
-                port->connected = true;
-                source.node->outputLinks.push_back(output.record);
-            }
+            requireOutput(material_, source, saved.port, saved.line);
+            output.record = makeRecord(source.node, saved.port);
+            linkSource(*source.node, output.record);
             material_.outputs.push_back(std::move(output));
         }
     }
 
-    void orderDownstream() {
-        Dependencies sources(material_.items.size());
-        for (const MaterialConnection& connection : material_.connections) {
-            sources[connection.destination].push_back(connection.source);
-        }
-        DependencyOrder order = orderByDependencies(sources);
-        if (!order.cycle.empty()) {
-            failAtCycle("the connections form a cycle: ", {order.cycle.rbegin(), order.cycle.rend()});
-        }
-        material_.downstream = std::move(order.order);
-    }
-
-    const MaterialDocument& document_;
     const PluginSet& plugins_;
     Warnings& warnings_;
     Material material_;
+    const MaterialDocument& document_ = material_.document;
     std::unordered_map<std::string, std::size_t> indexById_;
-    std::unordered_map<const MaterialNode*, std::size_t> indexByNode_;
 };
 
 } // namespace
@@ -383,6 +203,7 @@ Material& Material::operator=(Material&& other) noexcept {
     connections = std::move(other.connections);
     outputs = std::move(other.outputs);
     downstream = std::move(other.downstream);
+    document = std::move(other.document);
     return *this;
 }
 
@@ -400,8 +221,8 @@ std::string nodeTitle(const MaterialItem& item) {
     return joinText({"node \"", item.id, "\" (\"", item.node->name(), "\")"});
 }
 
-Material buildMaterial(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings) {
-    return MaterialBuilder(document, plugins, warnings).build();
+Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings) {
+    return MaterialBuilder(std::move(document), plugins, warnings).build();
 }
 
 } // namespace patina

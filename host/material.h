@@ -5,7 +5,9 @@
 #include "host/plugins.h"
 #include "nodemodel/nodemodel.h"
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <new>
@@ -14,12 +16,29 @@
 
 namespace patina {
 
+/// What a property holds, but for a reference to a node.
+struct PropertyValue {
+    PropertyType kind = PropertyType::Bool;
+    std::string text;
+    std::int32_t integer = 0;
+    std::array<float, 3> floats = {};
+
+    friend bool operator==(const PropertyValue& left, const PropertyValue& right) = default;
+};
+
+/// A property that a node's update gave another value than the document does.
+struct OverriddenProperty {
+    std::string property; ///< its name: no handle, so that nothing of a plug-in outlives its nodes
+    PropertyValue given;  ///< what the document gives, be it by its silence
+};
+
 /// A node of a live material, and where it comes from.
 struct MaterialItem {
     std::string id;
     std::shared_ptr<MaterialNode> node;
     bool placeholder = false; ///< stands for a type that no plug-in offers
     int line = 0;
+    std::vector<OverriddenProperty> overridden; ///< for the host's edits
 };
 
 /// A connection between two nodes of a live material.
@@ -59,14 +78,17 @@ struct Material {
     std::vector<MaterialConnection> connections; ///< in document order
     std::vector<MaterialOutput> outputs;         ///< in document order
     std::vector<std::size_t> downstream;         ///< item indices, every source before its destinations
+    MaterialDocument
+        document; ///< what is saved: its nodes, connections and outputs are those above, in their order
 };
 
 /// Makes the nodes, restores their properties, updates them so that a node comes after those it refers to,
-/// and connects them. A node of an unknown type becomes a placeholder, with a warning.
+/// and connects them. A node of an unknown type becomes a placeholder, with a warning; the document keeps all
+/// that is saved of it.
 ///
 /// Throws HostError, naming line and node, for a value that does not parse, an unknown id or port, an input
 /// that is connected twice, a cycle of connections or of references, and whatever a node refuses.
-Material buildMaterial(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings);
+Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings);
 
 /// How messages name a node: `node "id" ("Name")`.
 std::string nodeTitle(const MaterialItem& item);

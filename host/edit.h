@@ -1,0 +1,76 @@
+#pragma once
+
+#include "bindings/bindings.h"
+#include "host/material.h"
+#include "host/plugins.h"
+
+#include <string>
+#include <vector>
+
+namespace patina {
+
+// Edits of a live material, each of which changes nodes and document together: at any time the material is
+// what buildMaterial would make of its document.
+//
+// Errors: an edit that throws HostError has changed nothing. Threads: as the material.
+// What the document says of a node whose type no plug-in offers stays as it is, but for the standard
+// properties that are set here and for references to nodes that are removed.
+
+/// What an edit took along, as it was, for an editor that shows or undoes it.
+struct EditResult {
+    struct Reference {
+        std::string node; ///< id of the node that referred to the removed one
+        std::string property;
+    };
+
+    std::vector<DocumentConnection> connections; ///< whose node or port is gone
+    std::vector<DocumentOutput> outputs;         ///< whose node or port is gone
+    std::vector<Reference> references;           ///< which are empty now
+};
+
+/// Adds a node with the defaults of its type, and gives its id: the one that is wanted, or one made of the
+/// type's name and a number. Throws when no plug-in offers the type, when it is not for artists to create, or
+/// when the id is taken.
+std::string addNode(Material& material, const PluginSet& plugins, const std::string& typeName,
+                    const std::string& wantedId = {});
+
+/// Removes a node with its connections and outputs, and empties the references of others to it; those are
+/// updated then, and may lose ports.
+EditResult removeNode(Material& material, const std::string& id);
+
+/// Sets a property to a value in the form that documents have for its kind, and updates the node and those
+/// that refer to it, directly or not. Connections and outputs whose ports are gone go too. What the artist
+/// would lose when the document is read again, because an update decided it and a later one left it, is saved
+/// with the node.
+///
+/// Throws when there is no such property, for "Type", for a value that is none of the kind or that the node
+/// refuses, for a cycle of references, and when an update fails. On a placeholder only the standard
+/// properties can be set; it goes on to explain itself in its "Description" while the document takes the new
+/// one.
+EditResult setProperty(Material& material, const std::string& id, const std::string& propertyName,
+                       const std::string& valueText);
+
+/// Connects two ports. Those of a placeholder are taken on trust.
+/// Throws when there is no such node or port, when the input is connected already, and for a cycle.
+void connect(Material& material, const std::string& sourceId, const std::string& output,
+             const std::string& destinationId, const std::string& input);
+
+/// Removes the connection of an input. Throws when there is none.
+void disconnect(Material& material, const std::string& destinationId, const std::string& input);
+
+/// Adds an output of the material, or makes the one of that name come from another port.
+void setOutput(Material& material, const std::string& name, const std::string& sourceId,
+               const std::string& port);
+
+/// Throws when there is no such output.
+void removeOutput(Material& material, const std::string& name);
+
+/// Throws when the name cannot be that of a file.
+void setMaterialName(Material& material, const std::string& name);
+
+/// Makes the document's bindings those of the collection, with kind, components, group and annotations.
+/// Attributes that are no annotations stay with the binding of their tag, and so does the whole binding of a
+/// placeholder, which is the one that bears its "Name". Throws when two bindings bear one name.
+void saveBindings(Material& material, const BindingCollection& bindings);
+
+} // namespace patina
