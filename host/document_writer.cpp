@@ -427,6 +427,7 @@ private:
         if (!buffer) {
             throw std::bad_alloc();
         }
+        xmlBufferSetAllocationScheme(buffer.get(), XML_BUFFER_ALLOC_DOUBLEIT); // else it grows step by step
         const XmlSilence silence;
         const bool inUtf8 = hasMark || xml_->encoding == nullptr;
         constexpr int noDeclaration = -1; // as libxml2 marks a document without one

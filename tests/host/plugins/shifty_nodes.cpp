@@ -1,0 +1,65 @@
+// A node whose ports follow a number, its own or that of a node it refers to, and that refuses too many.
+
+#include "nodemodel/nodemodel.h"
+#include "nodemodel/shader_error.h"
+#include "plugin/plugin.h"
+
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace patina;
+
+class ShiftyNode : public MaterialNode {
+public:
+    ShiftyNode() : MaterialNode("ShiftyNode") {
+        ports_ = addProperty("Ports", "Ports: how many outputs there are.");
+        ports_->setInteger(1);
+        most_ = addProperty("Most", "Most: how many outputs there may be.");
+        most_->setInteger(9);
+        other_ = addProperty("Other", "Other: the node whose number of ports this one takes over.");
+        other_->addNodeTypename("ShiftyNode");
+        ShiftyNode::updateFromProperties(nullptr);
+    }
+
+    void updateFromProperties(void* /*hostContext*/) override {
+        outputs.clear();
+        if (other_->getNode()) {
+            ports_->copyFrom(*other_->getNode()->properties->find("Ports"));
+        }
+        ports_->editable = !other_->getNode();
+        if (ports_->getInteger() > most_->getInteger()) {
+            throw ShaderError("too many ports");
+        }
+        for (std::int32_t i = 0; i < ports_->getInteger(); ++i) {
+            outputs.emplace_back("out" + std::to_string(i));
+            outputs.back().setComponentCount(1);
+        }
+    }
+
+    void generateCode(GraphGenerator& /*generator*/) override {}
+
+private:
+    std::shared_ptr<Property> ports_;
+    std::shared_ptr<Property> most_;
+    std::shared_ptr<Property> other_;
+};
+
+class Factory : public NodeFactory {
+public:
+    Factory() { nodeLibrary.emplace_back("ShiftyNode"); }
+
+    std::shared_ptr<MaterialNode> createNode(const std::string& typeName) override {
+        if (typeName != "ShiftyNode") {
+            throw ShaderError("cannot create \"" + typeName + "\" node");
+        }
+        return std::make_shared<ShiftyNode>();
+    }
+};
+
+} // namespace
+
+std::uint32_t GetMaterialLibVersion() { return patina::materialLibVersion; }
+
+patina::NodeFactory* CreateNodeFactory() { return new Factory(); }
