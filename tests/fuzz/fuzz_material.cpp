@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -11,6 +12,15 @@ patina::PluginSet loadCorePlugin() {
     patina::PluginSet plugins;
     plugins.add(PATINA_CORE_PLUGIN);
     return plugins;
+}
+
+/// What was read is written as it was, and means the same when it is laid out afresh.
+void checkWriting(patina::MaterialDocument document, std::string_view text) {
+    const bool same = patina::printMaterial(document) == text;
+    document.source.clear();
+    if (!same || !(patina::parseMaterial(patina::printMaterial(document), "fuzz.xml") == document)) {
+        std::abort();
+    }
 }
 
 } // namespace
@@ -21,7 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         patina::Warnings warnings;
         const std::string_view text(reinterpret_cast<const char*>(data), size);
-        auto material = patina::buildMaterial(patina::parseMaterial(text, "fuzz.xml"), plugins, warnings);
+        auto document = patina::parseMaterial(text, "fuzz.xml");
+        checkWriting(document, text);
+        auto material = patina::buildMaterial(std::move(document), plugins, warnings);
         const auto exported = patina::exportMaterial(material);
         if (exported.fragmentProgram.content.empty() || exported.vertexProgram.content.empty() ||
             exported.bindings.content.empty()) {
