@@ -7,16 +7,18 @@
 #include "host/print.h"
 #include "host/resolve.h"
 #include "host/stages.h"
+#include "host/verify.h"
 
 namespace patina {
 
-ExportedMaterial exportMaterial(Material& material) {
+ExportedMaterial exportMaterial(Material& material, const ExportOptions& options) {
     resolveMaterial(material);
     const GeneratedGraph graph = generateGraph(material);
     const Dataflow flow = joinGraph(material, graph);
+    verifyCode(material, flow);
     const StagedShader stages = placeInStages(material, flow);
     const ShaderNames names = nameShader(material, flow, stages);
-    const AssembledShader shader = {material, flow, stages, names};
+    const AssembledShader shader = {material, flow, stages, names, options.print};
     const BindingCollection bindings = collectBindings(material);
 
     ExportedMaterial result;
@@ -34,9 +36,9 @@ ExportedMaterial exportMaterial(Material& material) {
 }
 
 ExportedMaterial exportDocument(const std::filesystem::path& document, const std::filesystem::path& directory,
-                                const PluginSet& plugins, Warnings& warnings) {
+                                const PluginSet& plugins, Warnings& warnings, const ExportOptions& options) {
     Material material = buildMaterial(readMaterial(document), plugins, warnings);
-    ExportedMaterial exported = exportMaterial(material);
+    ExportedMaterial exported = exportMaterial(material, options);
     writeFiles(directory, {exported.vertexProgram, exported.fragmentProgram, exported.bindings});
     return exported;
 }

@@ -3,6 +3,7 @@
 #include "host/diagnostic.h"
 #include "host/files.h"
 #include "host/material.h"
+#include "host/print.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -10,6 +11,10 @@
 #include <vector>
 
 namespace patina {
+
+struct ExportOptions {
+    PrintOptions print;
+};
 
 /// What a material becomes, before anything is written.
 struct ExportedMaterial {
@@ -27,11 +32,12 @@ struct ExportedMaterial {
 
 /// Resolves, generates, joins, places, names and prints a live material.
 /// Throws HostError when any step refuses.
-ExportedMaterial exportMaterial(Material& material);
+ExportedMaterial exportMaterial(Material& material, const ExportOptions& options = {});
 
 /// Reads a document, exports its material, and writes the three files into a directory, all of them or none.
 /// Throws HostError.
 ExportedMaterial exportDocument(const std::filesystem::path& document, const std::filesystem::path& directory,
-                                const PluginSet& plugins, Warnings& warnings);
+                                const PluginSet& plugins, Warnings& warnings,
+                                const ExportOptions& options = {});
 
 } // namespace patina

@@ -1,9 +1,12 @@
 #include "host/generate.h"
 
+#include "host/framework_values.h"
+
 namespace patina {
 
 GeneratedGraph generateGraph(const Material& material) {
     GeneratedGraph result;
+    result.generator.graph->interfaceProviders.push_back(makeFrameworkValues());
     const auto generate = [&](std::size_t index) {
         const MaterialItem& item = material.items[index];
         onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });

@@ -4,9 +4,9 @@
 ///
 /// A pipeline of steps, each in its own header, each taking the last step's result and giving the next:
 /// load plug-ins (plugins.h), read a document (document.h), build the material (material.h), resolve its
-/// ports (resolve.h), generate code (generate.h), join it (dataflow.h), place it in stages (stages.h), name
-/// it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write the files (files.h).
-/// export.h runs them all.
+/// ports (resolve.h), generate code (generate.h), join it (dataflow.h), verify it (verify.h), place it in
+/// stages (stages.h), name it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write
+/// the files (files.h). export.h runs them all.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
@@ -17,6 +17,7 @@
 #include "host/document.h"
 #include "host/export.h"
 #include "host/files.h"
+#include "host/framework_values.h"
 #include "host/generate.h"
 #include "host/material.h"
 #include "host/naming.h"
@@ -24,3 +25,4 @@
 #include "host/print.h"
 #include "host/resolve.h"
 #include "host/stages.h"
+#include "host/verify.h"

@@ -35,7 +35,7 @@ public:
 
     ShaderNames name() {
         takeParameters();
-        names_.position = allocator_.allocate("position");
+        names_.position = positionName();
         names_.clipPosition = allocator_.allocate("clipPosition");
         names_.colour = allocator_.allocate("colour");
         for (std::size_t i = 0; i < shader_.registers.size(); ++i) {
@@ -53,7 +53,7 @@ private:
         std::unordered_map<std::string, std::size_t> firstByName;
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             const GeneratorNode& node = *flow_.nodes[i].generated;
-            if (node.kind == NodeKind::Function) {
+            if (node.kind != NodeKind::UniformParameter && node.kind != NodeKind::VaryingParameter) {
                 continue;
             }
             const MaterialItem& item = itemOf(i);
@@ -76,6 +76,17 @@ private:
         }
     }
 
+    /// A node may read the position itself; it is declared once then.
+    std::string positionName() {
+        for (const std::size_t index : shader_.attributes) {
+            const GeneratorNode& varying = *flow_.nodes[index].generated;
+            if (varying.registerReference == RegisterReference{registers::vertexAttribute, 0}) {
+                return varying.name;
+            }
+        }
+        return allocator_.allocate("position");
+    }
+
     void nameFunctions() {
         std::unordered_map<std::string, std::string> nameByIdentity;
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
@@ -91,19 +102,39 @@ private:
     }
 
     /// A node's values are named after its id; those of conversions, which have no id, after what they
-    /// convert.
+    /// convert; registers after themselves.
     void nameValues() {
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             const DataflowNode& node = flow_.nodes[i];
-            if (node.generated->kind != NodeKind::Function) {
-                continue;
-            }
-            for (const GeneratorPort& port : node.generated->outputs) {
-                const std::string stem = node.conversion ? valueName(node.inputs[0]) : itemOf(i).id;
-                const std::string suffix = node.conversion ? typeText(port.type) : port.name;
-                names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
+            switch (node.generated->kind) {
+            case NodeKind::Function:
+            case NodeKind::InterpolantParameter:
+                for (const GeneratorPort& port : node.generated->outputs) {
+                    const std::string stem = node.conversion ? valueName(node.inputs[0]) : itemOf(i).id;
+                    const std::string suffix = node.conversion ? typeText(port.type) : port.name;
+                    names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
+                }
+                break;
+            case NodeKind::RegisterParameter:
+                names_.values[i].push_back(registerName(*node.generated));
+                break;
+            case NodeKind::InterfaceParameter:
+            case NodeKind::VaryingParameter:
+            case NodeKind::UniformParameter:
+                break;
             }
         }
+    }
+
+    /// The name of a register's parameter, which all nodes that read it share.
+    std::string registerName(const GeneratorNode& node) {
+        const std::string text = registerText(node.registerReference);
+        const RegisterEntry& entry = registerEntry(node.registerReference.index);
+        std::string& name = registerNames_[(entry.stage == 0 ? "vertex " : "fragment ") + text];
+        if (name.empty()) {
+            name = allocator_.allocate(toCgName(node.name.empty() ? text : node.name));
+        }
+        return name;
     }
 
     const std::string& valueName(const ValueSource& source) const {
@@ -114,6 +145,7 @@ private:
     const Dataflow& flow_;
     const StagedShader& shader_;
     NameAllocator allocator_;
+    std::map<std::string, std::string> registerNames_;
     ShaderNames names_;
 };
 

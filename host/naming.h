@@ -10,12 +10,13 @@ namespace patina {
 
 /// The names of everything in the two programs.
 struct ShaderNames {
-    std::vector<std::string> functions;           ///< by dataflow node; equal functions have one name
-    std::vector<std::vector<std::string>> values; ///< by dataflow node and output port
-    std::vector<std::string> interpolants;        ///< by interpolant register
-    std::string position;                         ///< the vertex program's input
-    std::string clipPosition;                     ///< and its output
-    std::string colour;                           ///< the fragment program's output
+    std::vector<std::string> functions; ///< by dataflow node; equal functions have one name
+    std::vector<std::vector<std::string>>
+        values;                            ///< by dataflow node and output port; a written register's one
+    std::vector<std::string> interpolants; ///< by interpolant register
+    std::string position;                  ///< the vertex program's input
+    std::string clipPosition;              ///< and its output
+    std::string colour;                    ///< the fragment program's output
 };
 
 /// Names the functions and values of a shader. Uniforms and varyings keep their own names, since bindings go

@@ -8,12 +8,18 @@
 
 namespace patina {
 
+struct PrintOptions {
+    bool framework = true; ///< whether the functions of host/framework.cg are in the text
+    bool annotate = false; ///< whether a comment over each call in `main` gives node and types
+};
+
 /// Everything that the printed programs are made from.
 struct AssembledShader {
     const Material& material;
     const Dataflow& flow;
     const StagedShader& stages;
     const ShaderNames& names;
+    const PrintOptions& options;
 };
 
 // Complete Cg programs: the framework, uniforms, each distinct function once, and `main`. The text depends on

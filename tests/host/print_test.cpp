@@ -203,12 +203,12 @@ void main(
 	float2 Uv : ATTR1,
 	half3 Wear : ATTR2,
 	out float4 clipPosition : POSITION,
-	out half3 interpolant0 : TEXCOORD0,
-	out float2 interpolant1 : TEXCOORD1 )
+	out float2 interpolant0 : TEXCOORD0,
+	out half3 interpolant1 : TEXCOORD1 )
 {
 	clipPosition = QelTransformPosition( position );
-	interpolant1.xy = Uv;
-	interpolant0.xyz = Wear;
+	interpolant0.xy = Uv;
+	interpolant1.xyz = Wear;
 }
 )",
         R"(
@@ -249,12 +249,12 @@ void mathsCode( half3 in_value1, half3 in_value2, half in_blend, out half3 out_v
 }
 
 void main(
-	half3 interpolant0 : TEXCOORD0,
-	float2 interpolant1 : TEXCOORD1,
+	float2 interpolant0 : TEXCOORD0,
+	half3 interpolant1 : TEXCOORD1,
 	out float4 colour : COLOR0 )
 {
-	float2 Uv = interpolant1.xy;
-	half3 Wear = interpolant0.xyz;
+	float2 Uv = interpolant0.xy;
+	half3 Wear = interpolant1.xyz;
 	half3 set_out_colour;
 	colourCode( Wear, set_out_colour );
 	half3 S_half3;

@@ -207,16 +207,12 @@ TEST(PlaceInStages, RefusesTypesThatCannotCross) {
     }
 }
 
-TEST(PlaceInStages, RefusesParametersThatAHostMustSupply) {
-    for (const NodeKind kind :
-         {NodeKind::InterfaceParameter, NodeKind::RegisterParameter, NodeKind::InterpolantParameter}) {
-        Flow flow;
-        const auto parameter =
-            makeParameterNode(kind, "p", typeOf(ComponentType::Float, 1), 0, {registers::vertexAttribute, 2});
-        const std::string description = describe(*parameter);
-        expectError(hostErrorOf([&] { flow.place(flow.add(parameter, {})); }), "flow.xml:10",
-                    {"node \"item0\" (\"Item\")", description});
-    }
+TEST(PlaceInStages, RefusesAnInterfaceParameterThatWasNotJoined) {
+    Flow flow;
+    const auto parameter =
+        makeParameterNode(NodeKind::InterfaceParameter, "p", typeOf(ComponentType::Float, 1));
+    expectError(hostErrorOf([&] { flow.place(flow.add(parameter, {})); }), "flow.xml:10",
+                {"node \"item0\" (\"Item\")", "interface parameter \"p\" (float,flags=0)"});
 }
 
 // Packing
@@ -286,6 +282,22 @@ TEST(PackInterpolants, TakesAsFewRegistersAsPossible) {
                       allHalf[i] ? ComponentType::Half : ComponentType::Float);
         }
     }
+}
+
+TEST(PackInterpolants, KeepsHalfApartWhereThatCostsNothing) {
+    const Item half2 = {2, ComponentType::Half};
+    const Item float2 = {2, ComponentType::Float};
+    const auto types = [](const StagedShader& shader) {
+        std::vector<ComponentType> list;
+        for (const InterpolantRegister& entry : shader.registers) {
+            list.push_back(entry.componentType);
+        }
+        return list;
+    };
+    using Types = std::vector<ComponentType>;
+    EXPECT_EQ(types(packed({half2, float2, half2, float2})),
+              (Types{ComponentType::Float, ComponentType::Half}));
+    EXPECT_EQ(types(packed({half2, float2})), Types{ComponentType::Float});
 }
 
 TEST(PackInterpolants, HoldsTenRegistersAndNoMore) {
