@@ -27,9 +27,31 @@ void appendBinding(xmlNode* root, const Binding& binding) {
     binding.writeAnnotations(element);
 }
 
+using ItemByName = std::unordered_map<std::string, std::size_t>;
+
+void addBindingsOf(const Material& material, std::size_t index, BindingCollection& collection,
+                   ItemByName& itemByName) {
+    const MaterialItem& item = material.items[index];
+    const std::size_t before = collection.bindings.size();
+    onBehalfOf(material, item, item.line, [&] {
+        if (item.node->generatesBinding()) {
+            item.node->addBindings(collection);
+        }
+    });
+    for (std::size_t i = before; i < collection.bindings.size(); ++i) {
+        const auto [first, isNew] = itemByName.try_emplace(collection.bindings[i]->name, index);
+        if (!isNew) {
+            throw HostError(
+                {material.file, item.line},
+                joinText({nodeTitle(item), ": its binding has the name of that of ",
+                          nodeTitle(material.items[first->second]), "; rename one of the nodes"}));
+        }
+    }
+}
+
 } // namespace
 
-BindingCollection collectBindings(const Material& material) {
+BindingCollection collectBindings(const Material& material, Errors* errors) {
     std::vector<std::size_t> order(material.items.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     const auto bindingIndex = [&](std::size_t item) {
@@ -40,25 +62,9 @@ BindingCollection collectBindings(const Material& material) {
     });
 
     BindingCollection collection;
-    std::unordered_map<std::string, std::size_t> itemByName;
+    ItemByName itemByName;
     for (const std::size_t index : order) {
-        const MaterialItem& item = material.items[index];
-        const std::size_t before = collection.bindings.size();
-        onBehalfOf(material, item, item.line, [&] {
-            if (item.node->generatesBinding()) {
-                item.node->addBindings(collection);
-            }
-        });
-        for (std::size_t i = before; i < collection.bindings.size(); ++i) {
-            const std::string& name = collection.bindings[i]->name;
-            const auto [first, isNew] = itemByName.try_emplace(name, index);
-            if (!isNew) {
-                throw HostError(
-                    {material.file, item.line},
-                    joinText({nodeTitle(item), ": its binding has the name of that of ",
-                              nodeTitle(material.items[first->second]), "; rename one of the nodes"}));
-            }
-        }
+        attempt(errors, [&] { addBindingsOf(material, index, collection, itemByName); });
     }
     collection.sorted = true;
     return collection;

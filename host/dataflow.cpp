@@ -31,15 +31,21 @@ std::optional<std::size_t> findPort(const std::vector<GeneratorPort>& ports, con
 /// Collects the sources of all inputs.
 class Joiner {
 public:
-    Joiner(const Material& material, const GeneratedGraph& graph) : material_(material), graph_(graph) {}
+    Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors)
+        : material_(material), graph_(graph), errors_(errors) {}
 
     Dataflow join() {
         enterNodes();
         joinInnerEdges();
         joinConnections();
         selectOutputs();
+        if (errors_ != nullptr && !errors_->empty()) {
+            return {};
+        }
         passInterfaces();
-        return keepNeeded();
+        Dataflow needed;
+        attempt(errors_, [&] { needed = keepNeeded(); });
+        return needed;
     }
 
 private:
@@ -72,7 +78,7 @@ private:
             const auto output = findPort(flow_.nodes[tail].generated->outputs, edge->tailPort);
             const auto input = findPort(flow_.nodes[head].generated->inputs, edge->headPort);
             if (output && input) {
-                feed(head, *input, {tail, *output});
+                attempt(errors_, [&] { feed(head, *input, {tail, *output}); });
             }
         }
     }
@@ -123,21 +129,24 @@ private:
 
     void joinConnections() {
         for (const MaterialConnection& connection : material_.connections) {
-            const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
-            for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
-                const ValueSource consumer = endOf(
-                    end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
-                    material_.items[connection.destination], connection.line);
-                const ShaderType type = flow_.nodes[consumer.node].generated->inputs[consumer.port].type;
-                flow_.nodes[consumer.node].inputs[consumer.port] =
-                    convert(producer, type, [&](std::string_view reason) {
-                        fail(connection.line,
-                             {nodeTitle(material_.items[connection.source]), ", output \"",
-                              connection.record->sourcePort, "\", to ",
-                              nodeTitle(material_.items[connection.destination]), ", input \"",
-                              connection.record->destinationPort, "\": ", reason});
-                    });
-            }
+            attempt(errors_, [&] { joinConnection(connection); });
+        }
+    }
+
+    void joinConnection(const MaterialConnection& connection) {
+        const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
+        for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
+            const ValueSource consumer = endOf(
+                end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
+                material_.items[connection.destination], connection.line);
+            const ShaderType type = flow_.nodes[consumer.node].generated->inputs[consumer.port].type;
+            const ValueSource value = convert(producer, type, [&](std::string_view reason) {
+                fail(connection.line, {nodeTitle(material_.items[connection.source]), ", output \"",
+                                       connection.record->sourcePort, "\", to ",
+                                       nodeTitle(material_.items[connection.destination]), ", input \"",
+                                       connection.record->destinationPort, "\": ", reason});
+            });
+            flow_.nodes[consumer.node].inputs[consumer.port] = value;
         }
     }
 
@@ -183,20 +192,26 @@ private:
     void selectOutputs() {
         bool hasColour = false;
         for (const MaterialOutput& output : material_.outputs) {
-            if (output.name == "colour") {
-                flow_.colour = selectOutput(output, true);
-                hasColour = true;
-            } else if (output.name == "alpha") {
-                flow_.alpha = selectOutput(output, false);
-                flow_.hasAlpha = true;
-            } else {
-                fail(output.line, {"there is no output \"", output.name,
-                                   "\" to a material; the outputs are \"colour\" and \"alpha\""});
-            }
+            hasColour = hasColour || output.name == "colour";
+            attempt(errors_, [&] { selectNamed(output); });
         }
         if (!hasColour) {
-            fail(material_.line,
-                 {"this material has no \"colour\" output; connect one with an <output> element"});
+            attempt(errors_, [&] {
+                fail(material_.line,
+                     {"this material has no \"colour\" output; connect one with an <output> element"});
+            });
+        }
+    }
+
+    void selectNamed(const MaterialOutput& output) {
+        if (output.name == "colour") {
+            flow_.colour = selectOutput(output, true);
+        } else if (output.name == "alpha") {
+            flow_.alpha = selectOutput(output, false);
+            flow_.hasAlpha = true;
+        } else {
+            fail(output.line, {"there is no output \"", output.name,
+                               "\" to a material; the outputs are \"colour\" and \"alpha\""});
         }
     }
 
@@ -317,6 +332,7 @@ private:
 
     const Material& material_;
     const GeneratedGraph& graph_;
+    Errors* errors_;
     Dataflow flow_;
     std::unordered_map<const GeneratorNode*, std::size_t> indexByNode_;
     std::map<std::tuple<std::size_t, std::size_t, std::string>, ValueSource> conversions_;
@@ -324,8 +340,8 @@ private:
 
 } // namespace
 
-Dataflow joinGraph(const Material& material, const GeneratedGraph& graph) {
-    return Joiner(material, graph).join();
+Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors) {
+    return Joiner(material, graph, errors).join();
 }
 
 } // namespace patina

@@ -50,7 +50,8 @@ std::string diagnosticText(const SourcePosition& position, std::string_view seve
 }
 
 HostError::HostError(const SourcePosition& position, std::string_view text)
-    : message_(diagnosticText(position, "error", text)) {}
+    : report_(std::make_shared<const Report>(
+          Report{position, std::string(text), diagnosticText(position, "error", text)})) {}
 
 std::string currentExceptionText() {
     try {

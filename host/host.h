@@ -6,12 +6,14 @@
 /// load plug-ins (plugins.h), read a document (document.h), build the material (material.h), resolve its
 /// ports (resolve.h), generate code (generate.h), join it (dataflow.h), verify it (verify.h), place it in
 /// stages (stages.h), name it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write
-/// the files (files.h). export.h runs them all.
+/// the files (files.h). export.h runs them all,
+/// and check.h as far as it can, to find everything that is wrong.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
 
 #include "host/bindings_file.h"
+#include "host/check.h"
 #include "host/dataflow.h"
 #include "host/diagnostic.h"
 #include "host/document.h"

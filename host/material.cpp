@@ -4,6 +4,7 @@
 #include "nodemodel/text.h"
 
 #include <charconv>
+#include <list>
 #include <map>
 #include <optional>
 #include <set>
@@ -67,11 +68,18 @@ std::string listOf(const std::vector<Port>& ports) {
     return text.empty() ? "it has none" : "it has " + text;
 }
 
+void clearReferences(const MaterialNode& node) {
+    for (const std::shared_ptr<Property>& property : *node.properties) {
+        property->nodeValue.reset();
+    }
+}
+
 /// Builds one material, step by step.
 class MaterialBuilder {
 public:
-    MaterialBuilder(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings)
-        : document_(document), plugins_(plugins), warnings_(warnings) {
+    MaterialBuilder(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings,
+                    Errors* errors)
+        : document_(document), plugins_(plugins), warnings_(warnings), errors_(errors) {
         material_.file = document.file;
         material_.line = document.line;
         material_.name = document.name;
@@ -102,12 +110,10 @@ private:
                 fail(saved.line, {"no plug-in offers the type \"", saved.type, "\" of node \"", saved.id,
                                   "\", nor a placeholder for it; load the Core plug-in"});
             }
-            try {
-                item.node = plugins_.createNode(item.placeholder ? placeholderType : saved.type);
-            } catch (const std::bad_alloc&) {
-                throw;
-            } catch (...) {
-                fail(saved.line, {"node \"", saved.id, "\": ", currentExceptionText()});
+            const bool isMade = attempt(errors_, [&] { item.node = createNode(item, saved); });
+            if (!isMade) {
+                item.placeholder = true;
+                item.node = createNode(item, saved);
             }
             if (item.placeholder && saved.type != placeholderType) {
                 warnings_.push_back({{document_.file, saved.line},
@@ -117,6 +123,16 @@ private:
             indexById_.emplace(saved.id, material_.items.size());
             indexByNode_.emplace(item.node.get(), material_.items.size());
             material_.items.push_back(std::move(item));
+        }
+    }
+
+    std::shared_ptr<MaterialNode> createNode(const MaterialItem& item, const DocumentNode& saved) const {
+        try {
+            return plugins_.createNode(item.placeholder ? placeholderType : saved.type);
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (...) {
+            fail(saved.line, {"node \"", saved.id, "\": ", currentExceptionText()});
         }
     }
 
@@ -193,15 +209,19 @@ private:
             type->setString(saved.type);
             set->add(type);
             for (const DocumentProperty& property : saved.properties) {
-                addSaved(*set, saved, property, item);
+                attempt(errors_, [&] { addSaved(*set, saved, property, item); });
             }
-            try {
-                item.node->loadProperties(set);
-            } catch (const std::bad_alloc&) {
-                throw;
-            } catch (...) {
-                fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", currentExceptionText()});
-            }
+            attempt(errors_, [&] { load(item, saved, set); });
+        }
+    }
+
+    void load(const MaterialItem& item, const DocumentNode& saved, const std::shared_ptr<PropertySet>& set) {
+        try {
+            item.node->loadProperties(set);
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (...) {
+            fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", currentExceptionText()});
         }
     }
 
@@ -243,6 +263,21 @@ private:
     }
 
     void updateInReferenceOrder() {
+        DependencyOrder order = orderByDependencies(findReferences());
+        while (!order.cycle.empty()) {
+            attempt(errors_, [&] { failAtCycle("nodes refer to one another in a cycle: ", order.cycle); });
+            clearReferences(*material_.items[order.cycle.front()].node);
+            order = orderByDependencies(findReferences());
+        }
+        for (const std::size_t index : order.order) {
+            const MaterialItem& item = material_.items[index];
+            attempt(errors_, [&] {
+                onBehalfOf(material_, item, item.line, [&] { item.node->updateFromProperties(nullptr); });
+            });
+        }
+    }
+
+    Dependencies findReferences() const {
         Dependencies references(material_.items.size());
         for (std::size_t i = 0; i < material_.items.size(); ++i) {
             for (const std::shared_ptr<Property>& property : *material_.items[i].node->properties) {
@@ -251,14 +286,7 @@ private:
                 }
             }
         }
-        const DependencyOrder order = orderByDependencies(references);
-        if (!order.cycle.empty()) {
-            failAtCycle("nodes refer to one another in a cycle: ", order.cycle);
-        }
-        for (const std::size_t index : order.order) {
-            const MaterialItem& item = material_.items[index];
-            onBehalfOf(material_, item, item.line, [&] { item.node->updateFromProperties(nullptr); });
-        }
+        return references;
     }
 
     /// Reports a cycle whose items each depend on the next.
@@ -296,77 +324,114 @@ private:
     }
 
     void connectNodes() {
-        std::map<std::pair<std::size_t, std::string>, int> connectedInputs; // to the line of the connection
+        ConnectedInputs connectedInputs;
         for (const DocumentConnection& saved : document_.connections) {
-            MaterialConnection connection;
-            connection.source = requireNode(saved.source, saved.line);
-            connection.destination = requireNode(saved.destination, saved.line);
-            connection.line = saved.line;
-            const MaterialItem& source = material_.items[connection.source];
-            const MaterialItem& destination = material_.items[connection.destination];
-            Port* output = requireOutput(source, saved.output, saved.line);
-            Port* input = requireInput(destination, saved.input, saved.line);
-            const auto [earlier, isNew] =
-                connectedInputs.try_emplace({connection.destination, saved.input}, saved.line);
-            if (!isNew) {
-                fail(saved.line, {nodeTitle(destination), ": input \"", saved.input,
-                                  "\" is connected twice; the first connection is in line ",
-                                  std::to_string(earlier->second)});
-            }
-            connection.record = std::make_shared<NodeConnection>();
-            connection.record->sourceNode = source.node;
-            connection.record->destinationNode = destination.node;
-            connection.record->sourcePort = saved.output;
-            connection.record->destinationPort = saved.input;
-            if (output != nullptr) {
-                output->connected = true;
-                source.node->outputLinks.push_back(connection.record);
-            }
-            if (input != nullptr) {
-                input->connected = true;
-                destination.node->inputLinks.push_back(connection.record);
-            }
-            material_.connections.push_back(std::move(connection));
+            attempt(errors_, [&] { connectNode(saved, connectedInputs); });
         }
+    }
+
+    using ConnectedInputs = std::map<std::pair<std::size_t, std::string>, int>; // to the connection's line
+
+    void connectNode(const DocumentConnection& saved, ConnectedInputs& connectedInputs) {
+        MaterialConnection connection;
+        connection.source = requireNode(saved.source, saved.line);
+        connection.destination = requireNode(saved.destination, saved.line);
+        connection.line = saved.line;
+        const MaterialItem& source = material_.items[connection.source];
+        const MaterialItem& destination = material_.items[connection.destination];
+        Port* output = requireOutput(source, saved.output, saved.line);
+        Port* input = requireInput(destination, saved.input, saved.line);
+        const auto [earlier, isNew] =
+            connectedInputs.try_emplace({connection.destination, saved.input}, saved.line);
+        if (!isNew) {
+            fail(saved.line, {nodeTitle(destination), ": input \"", saved.input,
+                              "\" is connected twice; the first connection is in line ",
+                              std::to_string(earlier->second)});
+        }
+        connection.record = std::make_shared<NodeConnection>();
+        connection.record->sourceNode = source.node;
+        connection.record->destinationNode = destination.node;
+        connection.record->sourcePort = saved.output;
+        connection.record->destinationPort = saved.input;
+        if (output != nullptr) {
+            output->connected = true;
+            source.node->outputLinks.push_back(connection.record);
+        }
+        if (input != nullptr) {
+            input->connected = true;
+            destination.node->inputLinks.push_back(connection.record);
+        }
+        material_.connections.push_back(std::move(connection));
     }
 
     void connectOutputs() {
         std::set<std::string> names;
         for (const DocumentOutput& saved : document_.outputs) {
-            if (!names.insert(saved.name).second) {
-                fail(saved.line, {"there is another output \"", saved.name, "\""});
-            }
-            MaterialOutput output;
-            output.name = saved.name;
-            output.source = requireNode(saved.source, saved.line);
-            output.line = saved.line;
-            const MaterialItem& source = material_.items[output.source];
-            output.record = std::make_shared<NodeConnection>();
-            output.record->sourceNode = source.node;
-            output.record->sourcePort = saved.port;
-            if (Port* port = requireOutput(source, saved.port, saved.line)) {
-                port->connected = true;
-                source.node->outputLinks.push_back(output.record);
-            }
-            material_.outputs.push_back(std::move(output));
+            attempt(errors_, [&] { connectOutput(saved, names); });
         }
     }
 
+    void connectOutput(const DocumentOutput& saved, std::set<std::string>& names) {
+        if (!names.insert(saved.name).second) {
+            fail(saved.line, {"there is another output \"", saved.name, "\""});
+        }
+        MaterialOutput output;
+        output.name = saved.name;
+        output.source = requireNode(saved.source, saved.line);
+        output.line = saved.line;
+        const MaterialItem& source = material_.items[output.source];
+        output.record = std::make_shared<NodeConnection>();
+        output.record->sourceNode = source.node;
+        output.record->sourcePort = saved.port;
+        if (Port* port = requireOutput(source, saved.port, saved.line)) {
+            port->connected = true;
+            source.node->outputLinks.push_back(output.record);
+        }
+        material_.outputs.push_back(std::move(output));
+    }
+
     void orderDownstream() {
+        DependencyOrder order = orderByDependencies(findSources());
+        while (!order.cycle.empty()) {
+            attempt(errors_, [&] {
+                failAtCycle("the connections form a cycle: ", {order.cycle.rbegin(), order.cycle.rend()});
+            });
+            dropConnections(order.cycle.size() > 1 ? order.cycle[1] : order.cycle[0], order.cycle[0]);
+            order = orderByDependencies(findSources());
+        }
+        material_.downstream = std::move(order.order);
+    }
+
+    Dependencies findSources() const {
         Dependencies sources(material_.items.size());
         for (const MaterialConnection& connection : material_.connections) {
             sources[connection.destination].push_back(connection.source);
         }
-        DependencyOrder order = orderByDependencies(sources);
-        if (!order.cycle.empty()) {
-            failAtCycle("the connections form a cycle: ", {order.cycle.rbegin(), order.cycle.rend()});
+        return sources;
+    }
+
+    void dropConnections(std::size_t source, std::size_t destination) {
+        auto& connections = material_.connections;
+        for (auto connection = connections.begin(); connection != connections.end();) {
+            if (connection->source == source && connection->destination == destination) {
+                dropLink(material_.items[source].node->outputLinks, connection->record);
+                dropLink(material_.items[destination].node->inputLinks, connection->record);
+                connection = connections.erase(connection);
+            } else {
+                ++connection;
+            }
         }
-        material_.downstream = std::move(order.order);
+    }
+
+    static void dropLink(std::list<std::weak_ptr<NodeConnection>>& links,
+                         const std::shared_ptr<NodeConnection>& record) {
+        links.remove_if([&](const std::weak_ptr<NodeConnection>& link) { return link.lock() == record; });
     }
 
     const MaterialDocument& document_;
     const PluginSet& plugins_;
     Warnings& warnings_;
+    Errors* errors_;
     Material material_;
     std::unordered_map<std::string, std::size_t> indexById_;
     std::unordered_map<const MaterialNode*, std::size_t> indexByNode_;
@@ -389,9 +454,7 @@ Material& Material::operator=(Material&& other) noexcept {
 Material::~Material() {
     for (const MaterialItem& item : items) {
         if (item.node) {
-            for (const std::shared_ptr<Property>& property : *item.node->properties) {
-                property->nodeValue.reset();
-            }
+            clearReferences(*item.node);
         }
     }
 }
@@ -400,8 +463,9 @@ std::string nodeTitle(const MaterialItem& item) {
     return joinText({"node \"", item.id, "\" (\"", item.node->name(), "\")"});
 }
 
-Material buildMaterial(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings) {
-    return MaterialBuilder(document, plugins, warnings).build();
+Material buildMaterial(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings,
+                       Errors* errors) {
+    return MaterialBuilder(document, plugins, warnings, errors).build();
 }
 
 } // namespace patina

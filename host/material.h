@@ -65,8 +65,11 @@ struct Material {
 /// and connects them. A node of an unknown type becomes a placeholder, with a warning.
 ///
 /// Throws HostError, naming line and node, for a value that does not parse, an unknown id or port, an input
-/// that is connected twice, a cycle of connections or of references, and whatever a node refuses.
-Material buildMaterial(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings);
+/// that is connected twice, a cycle of connections or of references, and whatever a node refuses. With
+/// `errors`, goes on without what is wrong and puts them there; only a placeholder that no plug-in offers
+/// ends it then.
+Material buildMaterial(const MaterialDocument& document, const PluginSet& plugins, Warnings& warnings,
+                       Errors* errors = nullptr);
 
 /// How messages name a node: `node "id" ("Name")`.
 std::string nodeTitle(const MaterialItem& item);

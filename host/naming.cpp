@@ -27,8 +27,8 @@ std::string functionIdentity(const GeneratorNode& function) {
 
 class ShaderNamer {
 public:
-    ShaderNamer(const Material& material, const Dataflow& flow, const StagedShader& shader)
-        : material_(material), flow_(flow), shader_(shader) {
+    ShaderNamer(const Material& material, const Dataflow& flow, const StagedShader& shader, Errors* errors)
+        : material_(material), flow_(flow), shader_(shader), errors_(errors) {
         names_.functions.resize(flow.nodes.size());
         names_.values.resize(flow.nodes.size());
     }
@@ -50,29 +50,31 @@ private:
     const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
 
     void takeParameters() {
-        std::unordered_map<std::string, std::size_t> firstByName;
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
-            const GeneratorNode& node = *flow_.nodes[i].generated;
-            if (node.kind != NodeKind::UniformParameter && node.kind != NodeKind::VaryingParameter) {
-                continue;
+            const NodeKind kind = flow_.nodes[i].generated->kind;
+            if (kind == NodeKind::UniformParameter || kind == NodeKind::VaryingParameter) {
+                attempt(errors_, [&] { takeParameter(i); });
             }
-            const MaterialItem& item = itemOf(i);
-            if (isReservedName(node.name)) {
-                throw HostError(
-                    {material_.file, item.line},
-                    joinText({nodeTitle(item), ": the name \"", node.name,
-                              "\" is reserved in Cg or by the shader framework; rename the node"}));
-            }
-            const auto [first, isNew] = firstByName.try_emplace(node.name, i);
-            const GeneratorNode& earlier = *flow_.nodes[first->second].generated;
-            if (!isNew && (earlier.kind != node.kind || earlier.type != node.type)) {
-                throw HostError(
-                    {material_.file, item.line},
-                    joinText({nodeTitle(item), ": ", describe(node), " has the name of ", describe(earlier),
-                              " of ", nodeTitle(itemOf(first->second)), "; rename one of the nodes"}));
-            }
-            allocator_.take(node.name);
-            names_.values[i].assign(node.outputs.size(), node.name);
+        }
+    }
+
+    void takeParameter(std::size_t index) {
+        const GeneratorNode& node = *flow_.nodes[index].generated;
+        const MaterialItem& item = itemOf(index);
+        names_.values[index].assign(node.outputs.size(), node.name);
+        allocator_.take(node.name);
+        if (isReservedName(node.name)) {
+            throw HostError({material_.file, item.line},
+                            joinText({nodeTitle(item), ": the name \"", node.name,
+                                      "\" is reserved in Cg or by the shader framework; rename the node"}));
+        }
+        const auto [first, isNew] = parameterByName_.try_emplace(node.name, index);
+        const GeneratorNode& earlier = *flow_.nodes[first->second].generated;
+        if (!isNew && (earlier.kind != node.kind || earlier.type != node.type)) {
+            throw HostError(
+                {material_.file, item.line},
+                joinText({nodeTitle(item), ": ", describe(node), " has the name of ", describe(earlier),
+                          " of ", nodeTitle(itemOf(first->second)), "; rename one of the nodes"}));
         }
     }
 
@@ -144,15 +146,18 @@ private:
     const Material& material_;
     const Dataflow& flow_;
     const StagedShader& shader_;
+    Errors* errors_;
     NameAllocator allocator_;
+    std::unordered_map<std::string, std::size_t> parameterByName_;
     std::map<std::string, std::string> registerNames_;
     ShaderNames names_;
 };
 
 } // namespace
 
-ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader) {
-    return ShaderNamer(material, flow, shader).name();
+ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader,
+                       Errors* errors) {
+    return ShaderNamer(material, flow, shader, errors).name();
 }
 
 } // namespace patina

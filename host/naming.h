@@ -23,7 +23,8 @@ struct ShaderNames {
 /// by them; functions and values get suffixes where needed. The same material always gets the same names.
 ///
 /// Throws HostError, naming the nodes, when a parameter has a reserved name, or when two parameters of one
-/// name differ in kind or type.
-ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader);
+/// name differ in kind or type. With `errors`, goes on with the next parameter and puts them there.
+ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader,
+                       Errors* errors = nullptr);
 
 } // namespace patina

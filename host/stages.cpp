@@ -30,7 +30,8 @@ struct Demand {
 
 class StagePlacer {
 public:
-    StagePlacer(const Material& material, const Dataflow& flow) : material_(material), flow_(flow) {
+    StagePlacer(const Material& material, const Dataflow& flow, Errors* errors)
+        : material_(material), flow_(flow), errors_(errors) {
         demands_.resize(flow.nodes.size());
         for (std::size_t i = 0; i < flow.nodes.size(); ++i) {
             demands_[i].portsByFragment.resize(flow.nodes[i].generated->outputs.size());
@@ -44,7 +45,7 @@ public:
         }
         // readers come behind their sources, so that every demand on a node is known when it is placed
         for (std::size_t i = flow_.nodes.size(); i-- > 0;) {
-            placeNode(i);
+            attempt(errors_, [&] { placeNode(i); });
         }
         for (ShaderStage* stage : {&shader_.vertex, &shader_.fragment}) {
             for (auto* nodes :
@@ -54,8 +55,8 @@ public:
         }
         std::reverse(shader_.attributes.begin(), shader_.attributes.end());
         std::reverse(crossing_.begin(), crossing_.end());
-        claimRegisters();
-        packInterpolants();
+        attempt(errors_, [&] { claimRegisters(); });
+        attempt(errors_, [&] { packInterpolants(); });
         return std::move(shader_);
     }
 
@@ -296,6 +297,7 @@ private:
 
     const Material& material_;
     const Dataflow& flow_;
+    Errors* errors_;
     std::vector<Demand> demands_;
     std::vector<ValueSource> crossing_;
     std::set<std::int32_t> claimedInterpolants_; ///< numbers of registers that nodes name themselves
@@ -304,8 +306,8 @@ private:
 
 } // namespace
 
-StagedShader placeInStages(const Material& material, const Dataflow& flow) {
-    return StagePlacer(material, flow).place();
+StagedShader placeInStages(const Material& material, const Dataflow& flow, Errors* errors) {
+    return StagePlacer(material, flow, errors).place();
 }
 
 } // namespace patina

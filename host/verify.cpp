@@ -65,17 +65,20 @@ std::string_view findNonNumber(const GeneratorNode& function) {
 
 } // namespace
 
-void verifyCode(const Material& material, const Dataflow& flow) {
+void verifyCode(const Material& material, const Dataflow& flow, Errors* errors) {
     for (const DataflowNode& node : flow.nodes) {
         const std::string_view constant = findNonNumber(*node.generated);
-        if (!constant.empty()) {
-            const MaterialItem& item = material.items[node.owner];
+        if (constant.empty()) {
+            continue;
+        }
+        const MaterialItem& item = material.items[node.owner];
+        attempt(errors, [&] {
             throw HostError(
                 {material.file, item.line},
                 joinText({nodeTitle(item), ": the code of this node holds the constant \"", constant,
-                          "\", which no shader can; one of its numbers, such as a count of rows or "
-                          "columns, is zero or too large"}));
-        }
+                          "\", which no shader can; one of its numbers, such as a count of rows "
+                          "or columns, is zero or too large"}));
+        });
     }
 }
 

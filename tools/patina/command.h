@@ -29,6 +29,7 @@ struct CommandLine {
 // The subcommands, one in each source file (`nodes` and `describe` share theirs). A failure arrives at the
 // top as an exception.
 
+void addCheckCommand(CommandLine& commandLine);
 void addExportCommand(CommandLine& commandLine);
 
 /// Gives a subcommand the option --plugin.

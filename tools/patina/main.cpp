@@ -22,6 +22,7 @@ int run(int argc, char** argv) {
     parser.require_subcommand(1);
     parser.set_version_flag("--version", "patina " PATINA_VERSION);
     patina::tool::addExportCommand(commandLine);
+    patina::tool::addCheckCommand(commandLine);
     try {
         parser.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
