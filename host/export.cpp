@@ -8,8 +8,51 @@
 #include "host/resolve.h"
 #include "host/stages.h"
 #include "host/verify.h"
+#include "nodemodel/text.h"
 
 namespace patina {
+
+using namespace detail;
+
+namespace {
+
+std::vector<OutputFile> filesOf(const ExportedMaterial& exported) {
+    std::vector<OutputFile> files = {exported.vertexProgram, exported.fragmentProgram, exported.bindings};
+    if (!exported.dependencies.name.empty()) {
+        files.push_back(exported.dependencies);
+    }
+    return files;
+}
+
+/// A file name as Make reads it.
+std::string makeName(const std::filesystem::path& file) {
+    std::string name;
+    for (const char letter : file.string()) {
+        if (letter == ' ' || letter == '#' || letter == '\\') {
+            name += '\\';
+        } else if (letter == '$') {
+            name += '$';
+        }
+        name += letter;
+    }
+    return name;
+}
+
+/// A Make rule: the files depend on the document and on the plug-ins.
+std::string printDependencies(const ExportedMaterial& exported, const std::filesystem::path& document,
+                              const std::filesystem::path& directory, const PluginSet& plugins) {
+    std::string text;
+    for (const OutputFile& file : filesOf(exported)) {
+        appendText(text, {text.empty() ? "" : " ", makeName((directory / file.name).lexically_normal())});
+    }
+    appendText(text, {": ", makeName(document.lexically_normal())});
+    for (const std::shared_ptr<Plugin>& plugin : plugins.plugins()) {
+        appendText(text, {" \\\n ", makeName(plugin->file().lexically_normal())});
+    }
+    return text + '\n';
+}
+
+} // namespace
 
 ExportedMaterial exportMaterial(Material& material, const ExportOptions& options) {
     resolveMaterial(material);
@@ -35,11 +78,25 @@ ExportedMaterial exportMaterial(Material& material, const ExportOptions& options
     return result;
 }
 
-ExportedMaterial exportDocument(const std::filesystem::path& document, const std::filesystem::path& directory,
-                                const PluginSet& plugins, Warnings& warnings, const ExportOptions& options) {
+ExportedMaterial prepareExport(const std::filesystem::path& document, const std::filesystem::path& directory,
+                               const PluginSet& plugins, Warnings& warnings, const ExportOptions& options) {
     Material material = buildMaterial(readMaterial(document), plugins, warnings);
     ExportedMaterial exported = exportMaterial(material, options);
-    writeFiles(directory, {exported.vertexProgram, exported.fragmentProgram, exported.bindings});
+    if (options.dependencyFile) {
+        exported.dependencies = {exported.name + ".d",
+                                 printDependencies(exported, document, directory, plugins)};
+    }
+    return exported;
+}
+
+std::size_t writeExport(const ExportedMaterial& exported, const std::filesystem::path& directory) {
+    return writeFiles(directory, filesOf(exported));
+}
+
+ExportedMaterial exportDocument(const std::filesystem::path& document, const std::filesystem::path& directory,
+                                const PluginSet& plugins, Warnings& warnings, const ExportOptions& options) {
+    ExportedMaterial exported = prepareExport(document, directory, plugins, warnings, options);
+    writeExport(exported, directory);
     return exported;
 }
 

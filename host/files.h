@@ -22,9 +22,10 @@ struct OutputFile {
     std::string content;
 };
 
-/// Writes files into a directory, which is made when it is missing, replacing earlier ones.
+/// Writes files into a directory, which is made when it is missing, replacing earlier ones. A file that holds
+/// its content already is left alone, time stamp and all. Gives the number of files that changed.
 /// Every file is complete on disk under a temporary name before the first takes its place; when one cannot,
 /// those before it give theirs back. Throws HostError then, and nothing has changed.
-void writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
+std::size_t writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
 
 } // namespace patina

@@ -199,7 +199,6 @@ TEST(Usage, IsCheckedBeforeAnythingElse) {
         {},
         {"export"},
         {"import", "a.xml"},
-        {"export", "a.xml", "b.xml"},
         {"export", "a.xml", "--frob"},
         {"export", "a.xml", "-o"},
         {"export", "a.xml", "--plugin"},

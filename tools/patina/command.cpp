@@ -1,6 +1,8 @@
 #include "tools/patina/command.h"
 
+#include <exception>
 #include <iostream>
+#include <new>
 
 namespace patina::tool {
 
@@ -28,6 +30,20 @@ PluginSet loadPlugins(const CommandLine& commandLine) {
 void printWarnings(const Warnings& warnings) {
     for (const Warning& warning : warnings) {
         std::cerr << diagnosticText(warning.position, "warning", warning.text) << '\n';
+    }
+}
+
+std::string errorLine() {
+    try {
+        throw;
+    } catch (const HostError& error) {
+        return error.what();
+    } catch (const std::bad_alloc&) {
+        return "error: out of memory";
+    } catch (const std::exception& error) {
+        return diagnosticText({}, "error", error.what());
+    } catch (...) {
+        return "error: a plug-in failed with something that is no exception";
     }
 }
 

@@ -41,6 +41,9 @@ PluginSet loadPlugins(const CommandLine& commandLine);
 /// Prints warnings to standard error, a line each.
 void printWarnings(const Warnings& warnings);
 
+/// The line for the user of the exception that is being handled; to be called in a catch clause only.
+std::string errorLine();
+
 /// A number and what it counts, `1 node` or `2 nodes`.
 std::string counted(std::size_t count, const std::string& noun);
 
