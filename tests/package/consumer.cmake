@@ -1,6 +1,7 @@
 # Builds the consumer against the installed package, and runs it.
 # Needs PREFIX, SOURCE_DIRECTORY, WORK_DIRECTORY, MATERIAL, CXX_COMPILER and BUILD_TYPE.
 
+cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
 file(REMOVE_RECURSE ${WORK_DIRECTORY})

@@ -3,6 +3,7 @@
 # unread. CALLED_ONCE names functions, between commas, that the programs call once each, however many nodes read their
 # value.
 
+cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
 function(expect_compiled stage)

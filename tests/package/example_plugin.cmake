@@ -1,6 +1,7 @@
 # Builds the example plug-in against the installed package, and looks at what it exports and what it refuses.
 # Needs PREFIX, SOURCE_DIRECTORY, WORK_DIRECTORY, CXX_COMPILER, BUILD_TYPE and NM.
 
+cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
 file(REMOVE_RECURSE ${WORK_DIRECTORY})
