@@ -6,7 +6,8 @@
 /// load plug-ins (plugins.h), read a document (document.h), build the material (material.h), resolve its
 /// ports (resolve.h), generate code (generate.h), join it (dataflow.h), place it in stages (stages.h), name
 /// it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write the files (files.h).
-/// export.h runs them all.
+/// export.h runs them all. Beside it, node_summary.h lists and describes node types, and graphviz.h draws
+/// graphs.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
@@ -18,8 +19,10 @@
 #include "host/export.h"
 #include "host/files.h"
 #include "host/generate.h"
+#include "host/graphviz.h"
 #include "host/material.h"
 #include "host/naming.h"
+#include "host/node_summary.h"
 #include "host/plugins.h"
 #include "host/print.h"
 #include "host/resolve.h"
