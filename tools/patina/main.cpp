@@ -1,8 +1,9 @@
 #include "tools/patina/command.h"
+#include "tools/patina/terminal.h"
 
+#include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <iostream>
 #include <new>
 #include <system_error>
 
@@ -22,6 +23,9 @@ int run(int argc, char** argv) {
     parser.require_subcommand(1);
     parser.set_version_flag("--version", "patina " PATINA_VERSION);
     patina::tool::addExportCommand(commandLine);
+    patina::tool::addNodesCommand(commandLine);
+    patina::tool::addDescribeCommand(commandLine);
+    patina::tool::addGraphCommand(commandLine);
     try {
         parser.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -36,13 +40,13 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const patina::HostError& error) {
-        std::cerr << error.what() << '\n';
+        patina::tool::printDiagnostic(error.what());
     } catch (const std::bad_alloc&) {
-        std::cerr << "error: out of memory\n";
+        std::fputs("error: out of memory\n", stderr); // without taking more
     } catch (const std::exception& error) {
-        std::cerr << patina::diagnosticText({}, "error", error.what()) << '\n';
+        patina::tool::printDiagnostic(patina::diagnosticText({}, "error", error.what()));
     } catch (...) {
-        std::cerr << "error: a plug-in failed with something that is no exception\n";
+        patina::tool::printDiagnostic("error: a plug-in failed with something that is no exception");
     }
     return patina::tool::failure;
 }
