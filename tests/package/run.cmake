@@ -29,3 +29,15 @@ foreach(file PaintedMetal.vert.cg PaintedMetal.frag.cg PaintedMetal.bindings.xml
     message(FATAL_ERROR "${file} was not written")
   endif()
 endforeach()
+
+foreach(file
+    share/bash-completion/completions/patina
+    share/doc/patina/README.md
+    share/doc/patina/docs/material-document.md
+    share/man/man1/patina.1
+    share/patina/examples/materials/painted_metal.xml
+    share/zsh/vendor-completions/_patina)
+  if(NOT EXISTS ${prefix}/${file})
+    message(FATAL_ERROR "${file} was not installed")
+  endif()
+endforeach()
