@@ -8,6 +8,7 @@
 /// stages (stages.h), name it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write
 /// the files (files.h). export.h runs them all,
 /// and check.h as far as it can, to find everything that is wrong.
+/// Beside it, node_summary.h lists and describes node types, and graphviz.h draws graphs.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
@@ -21,8 +22,10 @@
 #include "host/files.h"
 #include "host/framework_values.h"
 #include "host/generate.h"
+#include "host/graphviz.h"
 #include "host/material.h"
 #include "host/naming.h"
+#include "host/node_summary.h"
 #include "host/plugins.h"
 #include "host/print.h"
 #include "host/resolve.h"

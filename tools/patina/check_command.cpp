@@ -1,6 +1,7 @@
 #include "host/check.h"
 #include "host/document.h"
 #include "tools/patina/command.h"
+#include "tools/patina/terminal.h"
 
 #include <iostream>
 #include <memory>
@@ -24,7 +25,7 @@ void printReport(const CheckReport& report) {
         while (warning != report.warnings.end() && warning->position.line < error.position().line) {
             printWarnings({*warning++});
         }
-        std::cerr << error.what() << '\n';
+        printDiagnostic(error.what());
     }
     printWarnings({warning, report.warnings.end()});
 }

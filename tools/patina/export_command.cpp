@@ -1,6 +1,7 @@
 #include "host/export.h"
 #include "tools/patina/command.h"
 #include "tools/patina/in_order.h"
+#include "tools/patina/terminal.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -51,12 +52,14 @@ void printSummary(const ExportedMaterial& exported, const std::filesystem::path&
 class Exporter {
 public:
     Exporter(const ExportCommandOptions& options, const PluginSet& plugins)
-        : options_(options), plugins_(plugins), jobs_(options.materials.size()) {}
+        : options_(options), plugins_(plugins), jobs_(options.materials.size()),
+          progress_(jobs_.size(), !options.quiet && jobs_.size() > 1) {}
 
     int run() {
         prepareAndFinishInOrder(
             jobs_.size(), options_.threadCount, [&](std::size_t index) { prepare(index); },
             [&](std::size_t index) { finish(index); });
+        progress_.clear();
         if (!options_.quiet && jobs_.size() > 1) {
             std::cout << counted(jobs_.size() - failedCount_, "material") << " exported, "
                       << counted(changedCount_, "file") << " changed\n";
@@ -78,13 +81,15 @@ private:
         if (job.exported) {
             guard(job, [&] { write(*job.exported, options_.materials[index]); });
         }
+        progress_.clear();
         printWarnings(job.warnings);
         if (!job.error.empty()) {
             ++failedCount_;
-            std::cerr << job.error << '\n';
+            printDiagnostic(job.error);
         } else if (!options_.quiet && jobs_.size() == 1) {
             printSummary(*job.exported, options_.directory);
         }
+        progress_.show(index + 1, options_.materials[index]);
     }
 
     void write(const ExportedMaterial& exported, const std::string& file) {
@@ -112,6 +117,7 @@ private:
     const ExportCommandOptions& options_;
     const PluginSet& plugins_;
     std::vector<Job> jobs_;
+    Progress progress_;
     std::map<std::string, std::string> fileByName_;
     std::size_t failedCount_ = 0;
     std::size_t changedCount_ = 0;

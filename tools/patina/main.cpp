@@ -1,8 +1,10 @@
 #include "tools/patina/command.h"
+#include "tools/patina/terminal.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
-#include <iostream>
+#include <new>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -33,6 +35,9 @@ int run(int argc, char** argv) {
     parser.set_version_flag("--version", "patina " PATINA_VERSION);
     patina::tool::addExportCommand(commandLine);
     patina::tool::addCheckCommand(commandLine);
+    patina::tool::addNodesCommand(commandLine);
+    patina::tool::addDescribeCommand(commandLine);
+    patina::tool::addGraphCommand(commandLine);
     try {
         parser.parse(withLongOptions(argc, argv));
     } catch (const CLI::ParseError& error) {
@@ -46,8 +51,10 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("error: out of memory\n", stderr); // without taking more
     } catch (...) {
-        std::cerr << patina::tool::errorLine() << '\n';
+        patina::tool::printDiagnostic(patina::tool::errorLine());
     }
     return patina::tool::failure;
 }
