@@ -3,7 +3,10 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
+#include <cstddef>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace patina {
 
@@ -16,5 +19,20 @@ struct XmlFree {
 
 template <typename Object>
 using XmlPointer = std::unique_ptr<Object, XmlFree>;
+
+/// The most bytes that a document may have.
+inline constexpr std::size_t xmlSizeLimit = std::size_t{512} * 1024 * 1024;
+
+/// Parses a document without looking at anything outside it. Its elements know their lines; see lineOf.
+/// `file` is what messages name, and `what` says what the document should be, as in "a material document".
+/// Throws HostError, with the line, when the text is too large or not well-formed, or declares a document
+/// type.
+XmlPointer<xmlDoc> parseXml(std::string_view text, const std::string& file, std::string_view what);
+
+/// The name of an element; it lives as long as the element.
+std::string_view elementName(const xmlNode* element);
+
+/// The line of an element of a document that parseXml gave.
+int lineOf(const xmlNode* element);
 
 } // namespace patina
