@@ -5,6 +5,7 @@
 #include "host/generate.h"
 #include "host/naming.h"
 #include "host/print.h"
+#include "host/registers.h"
 #include "host/resolve.h"
 #include "host/stages.h"
 
@@ -16,7 +17,8 @@ ExportedMaterial exportMaterial(Material& material) {
     const Dataflow flow = joinGraph(material, graph);
     const StagedShader stages = placeInStages(material, flow);
     const ShaderNames names = nameShader(material, flow, stages);
-    const AssembledShader shader = {material, flow, stages, names};
+    const RegisterAssignment registers = assignRegisters(material, flow, stages);
+    const AssembledShader shader = {material, flow, stages, names, registers};
     const BindingCollection bindings = collectBindings(material);
 
     ExportedMaterial result;

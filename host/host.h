@@ -5,7 +5,8 @@
 /// A pipeline of steps, each in its own header, each taking the last step's result and giving the next:
 /// load plug-ins (plugins.h), read a document (document.h), build the material (material.h), resolve its
 /// ports (resolve.h), generate code (generate.h), join it (dataflow.h), place it in stages (stages.h), name
-/// it (naming.h), print it (print.h), collect the bindings (bindings_file.h), write the files (files.h).
+/// it (naming.h), give its parameters registers (registers.h), print it (print.h), collect the bindings
+/// (bindings_file.h), write the files (files.h).
 /// export.h runs them all.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
@@ -22,5 +23,6 @@
 #include "host/naming.h"
 #include "host/plugins.h"
 #include "host/print.h"
+#include "host/registers.h"
 #include "host/resolve.h"
 #include "host/stages.h"
