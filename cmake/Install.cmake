@@ -16,4 +16,5 @@ configure_package_config_file(
   INSTALL_DESTINATION ${package_directory})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/patinaConfig.cmake ${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake
+  ${CMAKE_CURRENT_LIST_DIR}/FindNettle.cmake
   DESTINATION ${package_directory})

@@ -52,6 +52,9 @@ std::string diagnosticText(const SourcePosition& position, std::string_view seve
 HostError::HostError(const SourcePosition& position, std::string_view text)
     : message_(diagnosticText(position, "error", text)) {}
 
+HostError::HostError(const HostError& failure, std::string_view advice)
+    : message_(oneLine(joinText({failure.what(), "; ", advice}))) {}
+
 std::string currentExceptionText() {
     try {
         throw;

@@ -3,20 +3,28 @@
 #include "host/diagnostic.h"
 #include "host/files.h"
 #include "host/material.h"
+#include "host/saved_bindings.h"
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace patina {
 
+/// What an export does beside what it always does.
+struct ExportOptions {
+    bool json = false; ///< write the bindings as JSON too
+};
+
 /// What a material becomes, before anything is written.
 struct ExportedMaterial {
     std::string name;
-    OutputFile vertexProgram;   ///< NAME.vert.cg
-    OutputFile fragmentProgram; ///< NAME.frag.cg
-    OutputFile bindings;        ///< NAME.bindings.xml
+    OutputFile vertexProgram;               ///< NAME.vert.cg
+    OutputFile fragmentProgram;             ///< NAME.frag.cg
+    OutputFile bindings;                    ///< NAME.bindings.xml
+    std::optional<OutputFile> bindingsJson; ///< NAME.bindings.json, when it was asked for
     std::size_t nodeCount = 0;
     std::size_t connectionCount = 0;
     std::size_t vertexFunctionCount = 0; ///< calls in the vertex program
@@ -27,11 +35,16 @@ struct ExportedMaterial {
 
 /// Resolves, generates, joins, places, names and prints a live material.
 /// Throws HostError when any step refuses.
-ExportedMaterial exportMaterial(Material& material);
+ExportedMaterial exportMaterial(Material& material, const ExportOptions& options = {});
 
-/// Reads a document, exports its material, and writes the three files into a directory, all of them or none.
-/// Throws HostError.
+/// The same with what an artist changed in the bindings file of an earlier export; see saved_bindings.h.
+ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, Warnings& warnings,
+                                const ExportOptions& options = {});
+
+/// Reads a document, exports its material, and writes the files into a directory, all of them or none. What
+/// an artist changed in the bindings file that is there already is carried over. Throws HostError.
 ExportedMaterial exportDocument(const std::filesystem::path& document, const std::filesystem::path& directory,
-                                const PluginSet& plugins, Warnings& warnings);
+                                const PluginSet& plugins, Warnings& warnings,
+                                const ExportOptions& options = {});
 
 } // namespace patina

@@ -2,6 +2,7 @@
 
 #include "host/diagnostic.h"
 #include "nodemodel/text.h"
+#include "nodemodel/xml_attributes.h"
 
 #include <libxml/SAX2.h>
 
@@ -13,6 +14,8 @@ namespace patina {
 using namespace detail;
 
 namespace {
+
+const xmlChar* xmlText(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 
 /// The first complaint of the XML parser.
 struct XmlComplaint {
@@ -101,6 +104,35 @@ XmlPointer<xmlDoc> parseXml(std::string_view text, const std::string& file, std:
                         joinText({what, " has no document type declaration; remove it"}));
     }
     return xml;
+}
+
+std::vector<std::pair<std::string, std::string>> readAttributes(xmlNode* element) {
+    std::vector<std::pair<std::string, std::string>> attributes;
+    for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
+        if (attribute->ns == nullptr) {
+            const std::string name = reinterpret_cast<const char*>(attribute->name);
+            attributes.emplace_back(name, readAttribute(element, name));
+        }
+    }
+    return attributes;
+}
+
+XmlPointer<xmlDoc> makeDocument(const char* rootName) {
+    XmlPointer<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
+    xmlDocSetRootElement(document.get(), xmlNewNode(nullptr, xmlText(rootName)));
+    return document;
+}
+
+xmlNode* appendElement(xmlNode* parent, const char* name) {
+    return xmlNewChild(parent, nullptr, xmlText(name), nullptr);
+}
+
+std::string documentText(xmlDoc* document) {
+    xmlChar* text = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(document, &text, &size, "UTF-8", 1);
+    const XmlPointer<xmlChar> owner(text);
+    return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
 }
 
 } // namespace patina

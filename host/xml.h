@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace patina {
 
@@ -34,5 +36,17 @@ std::string_view elementName(const xmlNode* element);
 
 /// The line of an element of a document that parseXml gave.
 int lineOf(const xmlNode* element);
+
+/// The attributes of an element without a namespace, names and texts in the order in which they stand.
+std::vector<std::pair<std::string, std::string>> readAttributes(xmlNode* element);
+
+/// A document with an empty root element.
+XmlPointer<xmlDoc> makeDocument(const char* rootName);
+
+/// Appends an empty element, which is the parent's.
+xmlNode* appendElement(xmlNode* parent, const char* name);
+
+/// A document as a file holds it: UTF-8, and two blanks for each level.
+std::string documentText(xmlDoc* document);
 
 } // namespace patina
