@@ -16,6 +16,7 @@ configure_package_config_file(
   INSTALL_DESTINATION ${package_directory})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/patinaConfig.cmake ${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake
+  ${CMAKE_CURRENT_LIST_DIR}/FindNettle.cmake
   DESTINATION ${package_directory})
 
 install(FILES docs/patina.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -1,5 +1,6 @@
 #include "host/bindings_file.h"
 
+#include "host/digest.h"
 #include "host/xml.h"
 #include "nodemodel/text.h"
 #include "nodemodel/xml_attributes.h"
@@ -15,16 +16,46 @@ using namespace detail;
 
 namespace {
 
-const xmlChar* xmlText(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
+using LandingsByParameter = std::unordered_map<std::string, std::vector<Landing>>;
 
-void appendBinding(xmlNode* root, const Binding& binding) {
-    xmlNode* element = xmlNewChild(root, nullptr, xmlText("binding"), nullptr);
+LandingsByParameter findLandings(const Dataflow& flow, const RegisterAssignment& registers) {
+    LandingsByParameter landings;
+    const auto add = [&](const char* stage, const std::vector<PlacedParameter>& parameters) {
+        for (const PlacedParameter& parameter : parameters) {
+            const std::string& name = flow.nodes[parameter.node].generated->name;
+            landings[name].push_back({stage, registerName(parameter.place), name});
+        }
+    };
+    add(vertexStageName, registers.vertexUniforms);
+    add(vertexStageName, registers.attributes);
+    add(fragmentStageName, registers.fragmentUniforms);
+    return landings;
+}
+
+void appendProgram(xmlNode* root, const ExportedProgram& program) {
+    xmlNode* element = appendElement(root, "program");
+    writeAttribute(element, "stage", program.stage);
+    writeAttribute(element, "file", program.file);
+    writeAttribute(element, "sha256", program.sha256);
+}
+
+void appendBinding(xmlNode* root, const ExportedBinding& exported) {
+    const Binding& binding = *exported.binding;
+    xmlNode* element = appendElement(root, "binding");
     writeAttribute(element, "kind", bindingKindName(binding));
     writeAttribute(element, "components", std::to_string(binding.componentCount()));
     if (!binding.group.empty()) {
         writeAttribute(element, "group", binding.group);
     }
-    binding.writeAnnotations(element);
+    for (const auto& [key, text] : fileAnnotations(exported)) {
+        writeAttribute(element, key, text);
+    }
+    for (const Landing& landing : exported.landings) {
+        xmlNode* child = appendElement(element, "landing");
+        writeAttribute(child, "stage", landing.stage);
+        writeAttribute(child, "register", landing.registerName);
+        writeAttribute(child, "name", landing.parameter);
+    }
 }
 
 using ItemByName = std::unordered_map<std::string, std::size_t>;
@@ -70,20 +101,52 @@ BindingCollection collectBindings(const Material& material, Errors* errors) {
     return collection;
 }
 
-std::string printBindings(const Material& material, const BindingCollection& bindings) {
-    const XmlPointer<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
-    xmlNode* root = xmlNewNode(nullptr, xmlText("bindings"));
-    xmlDocSetRootElement(document.get(), root);
-    writeAttribute(root, "version", "1");
-    writeAttribute(root, "material", material.name);
+ExportedProgram describeProgram(const std::string& stage, const OutputFile& program) {
+    return {stage, program.name, sha256Text(program.content)};
+}
+
+std::vector<ExportedBinding> describeBindings(const BindingCollection& bindings, const Dataflow& flow,
+                                              const RegisterAssignment& registers) {
+    const LandingsByParameter landings = findLandings(flow, registers);
+    std::vector<ExportedBinding> described;
     for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
-        appendBinding(root, *binding);
+        described.push_back({binding, artistValues(*binding), {}});
+        const auto found = landings.find(binding->cgName.empty() ? binding->name : binding->cgName);
+        if (found != landings.end()) {
+            described.back().landings = found->second;
+        }
     }
-    xmlChar* text = nullptr;
-    int size = 0;
-    xmlDocDumpFormatMemoryEnc(document.get(), &text, &size, "UTF-8", 1);
-    const XmlPointer<xmlChar> owner(text);
-    return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
+    return described;
+}
+
+Annotations fileAnnotations(const ExportedBinding& exported) {
+    Annotations annotations = annotationsOf(*exported.binding);
+    for (const auto& [key, text] : exported.exported) {
+        // a binding leaves out what is empty or its kind's default, and here that would undo the artist's
+        // change
+        if (findAnnotation(annotations, key) == nullptr) {
+            annotations.emplace_back(key,
+                                     key == "dataset_modifiers" ? exported.binding->datasetModifiers : "");
+        }
+    }
+    for (const auto& [key, text] : exported.exported) {
+        annotations.emplace_back(joinText({exportedPrefix, key}), text);
+    }
+    return annotations;
+}
+
+std::string printBindings(const BindingsFile& file) {
+    const XmlPointer<xmlDoc> document = makeDocument("bindings");
+    xmlNode* root = xmlDocGetRootElement(document.get());
+    writeAttribute(root, "version", "1");
+    writeAttribute(root, "material", file.material);
+    for (const ExportedProgram& program : file.programs) {
+        appendProgram(root, program);
+    }
+    for (const ExportedBinding& binding : file.bindings) {
+        appendBinding(root, binding);
+    }
+    return documentText(document.get());
 }
 
 } // namespace patina

@@ -5,7 +5,7 @@
 #include "host/generate.h"
 #include "host/material.h"
 #include "host/naming.h"
-#include "host/print.h"
+#include "host/registers.h"
 #include "host/resolve.h"
 #include "host/stages.h"
 #include "host/verify.h"
@@ -152,12 +152,9 @@ void findErrors(Material& material, Errors& errors) {
     }
     verifyCode(material, flow, &errors);
     const StagedShader stages = placeInStages(material, flow, &errors);
-    const ShaderNames names = nameShader(material, flow, stages, &errors);
+    nameShader(material, flow, stages, &errors);
     if (errors.empty()) {
-        const PrintOptions options;
-        const AssembledShader shader = {material, flow, stages, names, options};
-        attempt(&errors, [&] { printVertexProgram(shader); });
-        attempt(&errors, [&] { printFragmentProgram(shader); });
+        attempt(&errors, [&] { assignRegisters(material, flow, stages); });
     }
 }
 

@@ -53,6 +53,9 @@ HostError::HostError(const SourcePosition& position, std::string_view text)
     : report_(std::make_shared<const Report>(
           Report{position, std::string(text), diagnosticText(position, "error", text)})) {}
 
+HostError::HostError(const HostError& failure, std::string_view advice)
+    : HostError(failure.position(), joinText({failure.text(), "; ", advice})) {}
+
 std::string currentExceptionText() {
     try {
         throw;

@@ -27,6 +27,8 @@ std::string diagnosticText(const SourcePosition& position, std::string_view seve
 class HostError : public std::exception {
 public:
     HostError(const SourcePosition& position, std::string_view text);
+    /// The same failure with advice behind it.
+    HostError(const HostError& failure, std::string_view advice);
 
     const char* what() const noexcept override { return report_->message.c_str(); }
     const SourcePosition& position() const noexcept { return report_->position; }

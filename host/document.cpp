@@ -6,15 +6,9 @@
 #include "nodemodel/text.h"
 #include "nodemodel/xml_attributes.h"
 
-#include <libxml/SAX2.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdint>
-#include <limits>
-#include <new>
-#include <optional>
 #include <set>
 
 namespace patina {
@@ -22,8 +16,6 @@ namespace patina {
 using namespace detail;
 
 namespace {
-
-constexpr std::size_t documentSizeLimit = std::size_t{512} * 1024 * 1024;
 
 struct KindName {
     const char* name;
@@ -40,69 +32,13 @@ constexpr std::array<KindName, 7> kindNames = {{
     {"node", PropertyType::Node},
 }};
 
-/// The first complaint of the XML parser.
-struct XmlComplaint {
-    int line = 1;
-    std::string text;
-};
-
-void keepFirstComplaint(void* context, xmlErrorPtr error) {
-    auto* complaint = static_cast<XmlComplaint*>(static_cast<xmlParserCtxt*>(context)->_private);
-    if (complaint->text.empty() && error->level >= XML_ERR_ERROR && error->message != nullptr) {
-        complaint->line = error->line;
-        complaint->text = error->message;
-        complaint->text.resize(complaint->text.find_last_not_of('\n') + 1);
-    }
-}
-
-/// Makes each element remember its line: the parser's own count stops at 65535.
-void startElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
-                  int namespaceCount, const xmlChar** namespaces, int attributeCount, int defaultedCount,
-                  const xmlChar** attributes) {
-    xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount,
-                          defaultedCount, attributes);
-    const auto* parser = static_cast<xmlParserCtxt*>(context);
-    if (parser->node != nullptr) {
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): the pointer is only a place to keep a number
-        parser->node->_private = reinterpret_cast<void*>(static_cast<std::intptr_t>(parser->input->line));
-    }
-}
-
-// NOLINTNEXTLINE(cert-dcl50-cpp): libxml2's signature
-void ignoreText(void* /*context*/, const char* /*format*/, ...) {}
-
-void ignoreError(void* /*context*/, xmlErrorPtr /*error*/) {}
-
-/// Keeps libxml2 from printing on its own while it lives: some encoding errors pass by the parser's handler.
-class XmlSilence {
-public:
-    XmlSilence()
-        : generic_(xmlGenericError), genericContext_(xmlGenericErrorContext), structured_(xmlStructuredError),
-          structuredContext_(xmlStructuredErrorContext) {
-        xmlSetGenericErrorFunc(nullptr, ignoreText);
-        xmlSetStructuredErrorFunc(nullptr, ignoreError);
-    }
-    ~XmlSilence() {
-        xmlSetGenericErrorFunc(genericContext_, generic_);
-        xmlSetStructuredErrorFunc(structuredContext_, structured_);
-    }
-    XmlSilence(const XmlSilence&) = delete;
-    XmlSilence& operator=(const XmlSilence&) = delete;
-
-private:
-    xmlGenericErrorFunc generic_;
-    void* genericContext_;
-    xmlStructuredErrorFunc structured_;
-    void* structuredContext_;
-};
-
 /// Reads the elements of one document. A method of each kind of element; all throw HostError.
 class DocumentReader {
 public:
     explicit DocumentReader(const std::string& file) { document_.file = file; }
 
     MaterialDocument read(std::string_view text) {
-        const XmlPointer<xmlDoc> xml = parseXml(text);
+        const XmlPointer<xmlDoc> xml = parseXml(text, document_.file, "a material document");
         xmlNode* root = xmlDocGetRootElement(xml.get());
         readRoot(root);
         for (xmlNode* child = root->children; child != nullptr; child = child->next) {
@@ -123,41 +59,8 @@ public:
     }
 
 private:
-    static std::string_view elementName(const xmlNode* element) {
-        return reinterpret_cast<const char*>(element->name);
-    }
-
-    static int lineOf(const xmlNode* element) {
-        return static_cast<int>(reinterpret_cast<std::intptr_t>(element->_private));
-    }
-
     [[noreturn]] void fail(int line, std::initializer_list<std::string_view> pieces) const {
         throw HostError({document_.file, line}, joinText(pieces));
-    }
-
-    XmlPointer<xmlDoc> parseXml(std::string_view text) const {
-        if (text.size() > documentSizeLimit) {
-            fail(1, {"this document is larger than 512 MiB"});
-        }
-        const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
-        if (!context) {
-            throw std::bad_alloc();
-        }
-        XmlComplaint complaint;
-        context->_private = &complaint;
-        context->sax->serror = keepFirstComplaint;
-        context->sax->startElementNs = startElement;
-        const XmlSilence silence;
-        XmlPointer<xmlDoc> xml(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
-                                                 nullptr, nullptr, XML_PARSE_NONET));
-        if (!xml) {
-            fail(complaint.line, {"this is not well-formed XML: ", complaint.text});
-        }
-        if (xml->intSubset != nullptr) {
-            fail(lineOf(xmlDocGetRootElement(xml.get())),
-                 {"a material document has no document type declaration; remove it"});
-        }
-        return xml;
     }
 
     std::string require(xmlNode* element, const char* attribute) const {
@@ -269,7 +172,7 @@ MaterialDocument parseMaterial(std::string_view text, const std::string& file) {
 }
 
 MaterialDocument readMaterial(const std::filesystem::path& file) {
-    return parseMaterial(readFile(file, documentSizeLimit), file.string());
+    return parseMaterial(readFile(file, xmlSizeLimit), file.string());
 }
 
 } // namespace patina

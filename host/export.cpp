@@ -1,10 +1,12 @@
 #include "host/export.h"
 
 #include "host/bindings_file.h"
+#include "host/bindings_json.h"
 #include "host/dataflow.h"
 #include "host/generate.h"
 #include "host/naming.h"
 #include "host/print.h"
+#include "host/registers.h"
 #include "host/resolve.h"
 #include "host/stages.h"
 #include "host/verify.h"
@@ -16,10 +18,14 @@ using namespace detail;
 
 namespace {
 
+std::string bindingsFileName(const Material& material) { return material.name + ".bindings.xml"; }
+
 std::vector<OutputFile> filesOf(const ExportedMaterial& exported) {
     std::vector<OutputFile> files = {exported.vertexProgram, exported.fragmentProgram, exported.bindings};
-    if (!exported.dependencies.name.empty()) {
-        files.push_back(exported.dependencies);
+    for (const std::optional<OutputFile>* file : {&exported.bindingsJson, &exported.dependencies}) {
+        if (*file) {
+            files.push_back(**file);
+        }
     }
     return files;
 }
@@ -54,21 +60,33 @@ std::string printDependencies(const ExportedMaterial& exported, const std::files
 
 } // namespace
 
-ExportedMaterial exportMaterial(Material& material, const ExportOptions& options) {
+ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, Warnings& warnings,
+                                const ExportOptions& options) {
     resolveMaterial(material);
     const GeneratedGraph graph = generateGraph(material);
     const Dataflow flow = joinGraph(material, graph);
     verifyCode(material, flow);
     const StagedShader stages = placeInStages(material, flow);
     const ShaderNames names = nameShader(material, flow, stages);
-    const AssembledShader shader = {material, flow, stages, names, options.print};
-    const BindingCollection bindings = collectBindings(material);
+    const RegisterAssignment registers = assignRegisters(material, flow, stages);
+    const AssembledShader shader = {material, flow, stages, names, registers, options.print};
 
     ExportedMaterial result;
     result.name = material.name;
     result.vertexProgram = {material.name + ".vert.cg", printVertexProgram(shader)};
     result.fragmentProgram = {material.name + ".frag.cg", printFragmentProgram(shader)};
-    result.bindings = {material.name + ".bindings.xml", printBindings(material, bindings)};
+
+    BindingsFile bindings;
+    bindings.material = material.name;
+    bindings.programs = {describeProgram(vertexStageName, result.vertexProgram),
+                         describeProgram(fragmentStageName, result.fragmentProgram)};
+    bindings.bindings = describeBindings(collectBindings(material), flow, registers);
+    carryOverArtistValues(saved, bindings.bindings, warnings);
+    result.bindings = {bindingsFileName(material), printBindings(bindings)};
+    if (options.json) {
+        result.bindingsJson = {material.name + ".bindings.json", printBindingsJson(bindings)};
+    }
+
     result.nodeCount = material.items.size();
     result.connectionCount = material.connections.size();
     result.vertexFunctionCount = stages.vertex.functions.size();
@@ -78,10 +96,16 @@ ExportedMaterial exportMaterial(Material& material, const ExportOptions& options
     return result;
 }
 
+ExportedMaterial exportMaterial(Material& material, const ExportOptions& options) {
+    Warnings none; // there is nothing earlier to warn of
+    return exportMaterial(material, {}, none, options);
+}
+
 ExportedMaterial prepareExport(const std::filesystem::path& document, const std::filesystem::path& directory,
                                const PluginSet& plugins, Warnings& warnings, const ExportOptions& options) {
     Material material = buildMaterial(readMaterial(document), plugins, warnings);
-    ExportedMaterial exported = exportMaterial(material, options);
+    const SavedBindings saved = readBindings(directory / bindingsFileName(material));
+    ExportedMaterial exported = exportMaterial(material, saved, warnings, options);
     if (options.dependencyFile) {
         exported.dependencies = {exported.name + ".d",
                                  printDependencies(exported, document, directory, plugins)};

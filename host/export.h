@@ -4,26 +4,31 @@
 #include "host/files.h"
 #include "host/material.h"
 #include "host/print.h"
+#include "host/saved_bindings.h"
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace patina {
 
+/// What an export does beside what it always does.
 struct ExportOptions {
     PrintOptions print;
+    bool json = false;           ///< write the bindings as JSON too
     bool dependencyFile = false; ///< write NAME.d too, for Make and Ninja
 };
 
 /// What a material becomes, before anything is written.
 struct ExportedMaterial {
     std::string name;
-    OutputFile vertexProgram;   ///< NAME.vert.cg
-    OutputFile fragmentProgram; ///< NAME.frag.cg
-    OutputFile bindings;        ///< NAME.bindings.xml
-    OutputFile dependencies;    ///< NAME.d; without a name when it was not asked for
+    OutputFile vertexProgram;               ///< NAME.vert.cg
+    OutputFile fragmentProgram;             ///< NAME.frag.cg
+    OutputFile bindings;                    ///< NAME.bindings.xml
+    std::optional<OutputFile> bindingsJson; ///< NAME.bindings.json, when it was asked for
+    std::optional<OutputFile> dependencies; ///< NAME.d, when it was asked for
     std::size_t nodeCount = 0;
     std::size_t connectionCount = 0;
     std::size_t vertexFunctionCount = 0; ///< calls in the vertex program
@@ -36,8 +41,12 @@ struct ExportedMaterial {
 /// Throws HostError when any step refuses.
 ExportedMaterial exportMaterial(Material& material, const ExportOptions& options = {});
 
-/// Reads a document and exports its material, as for a directory, into which nothing is written yet.
-/// Throws HostError.
+/// The same with what an artist changed in the bindings file of an earlier export; see saved_bindings.h.
+ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, Warnings& warnings,
+                                const ExportOptions& options = {});
+
+/// Reads a document and exports its material, as for a directory, into which nothing is written yet. What an
+/// artist changed in the bindings file that is there already is carried over. Throws HostError.
 ExportedMaterial prepareExport(const std::filesystem::path& document, const std::filesystem::path& directory,
                                const PluginSet& plugins, Warnings& warnings,
                                const ExportOptions& options = {});

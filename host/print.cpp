@@ -4,7 +4,6 @@
 #include "nodemodel/text.h"
 
 #include <map>
-#include <set>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -19,16 +18,14 @@ namespace {
 struct StageTable {
     const char* title;
     const ShaderStage StagedShader::*stage;
-    std::int32_t samplerRegister;
+    std::vector<PlacedParameter> RegisterAssignment::*uniforms;
     std::int32_t interpolantRegister;
 };
 
-constexpr StageTable vertexStage = {"vertex", &StagedShader::vertex, registers::vertexSampler,
+constexpr StageTable vertexStage = {"vertex", &StagedShader::vertex, &RegisterAssignment::vertexUniforms,
                                     registers::vertexInterpolant};
-constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment, registers::fragmentSampler,
-                                      registers::fragmentInterpolant};
-
-bool isSampler(const ShaderType& type) { return type.componentType >= ComponentType::Sampler1D; }
+constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment,
+                                      &RegisterAssignment::fragmentUniforms, registers::fragmentInterpolant};
 
 /// Appends one program to one text.
 class ProgramPrinter {
@@ -47,18 +44,10 @@ public:
     }
 
     void printUniforms() {
-        std::set<std::string_view> printed;
-        std::int32_t samplers = 0;
-        for (const std::size_t index : stage_.uniforms) {
-            const GeneratorNode& uniform = *shader_.flow.nodes[index].generated;
-            if (!printed.insert(uniform.name).second) {
-                continue;
-            }
-            append({printed.size() == 1 ? "\n" : "", "uniform ", declaration(uniform.type, uniform.name)});
-            if (isSampler(uniform.type)) {
-                append({" : ", semantic(table_.samplerRegister, samplers++, "textures")});
-            }
-            text_ += ";\n";
+        const char* separator = "\n";
+        for (const PlacedParameter& uniform : shader_.registers.*table_.uniforms) {
+            append({separator, "uniform ", placedDeclaration(uniform), ";\n"});
+            separator = "";
         }
     }
 
@@ -155,15 +144,10 @@ public:
         return shader_.names.values[source.node][source.port];
     }
 
-    /// A register's semantic; throws when the stage has no register of that number.
-    std::string semantic(std::int32_t index, std::int32_t number, std::string_view what) const {
-        const std::int32_t available = registerEntry(index).registerCount;
-        if (number >= available) {
-            throw HostError({shader_.material.file, shader_.material.line},
-                            joinText({"the ", table_.title, " program reads more than ",
-                                      std::to_string(available), " ", what}));
-        }
-        return registerText({index, number});
+    /// `type name : SEMANTIC` of a uniform or varying.
+    std::string placedDeclaration(const PlacedParameter& parameter) const {
+        const GeneratorNode& generated = *shader_.flow.nodes[parameter.node].generated;
+        return joinText({declaration(generated.type, generated.name), " : ", registerText(parameter.place)});
     }
 
 private:
@@ -281,18 +265,10 @@ std::string printVertexProgram(const AssembledShader& shader) {
     printer.printFunctions();
 
     const ShaderType positionType = {ComponentType::Float, 4, 1, 1};
-    std::int32_t attributes = 0;
-    const auto attribute = [&](const ShaderType& type, const std::string& name) {
-        return joinText({declaration(type, name), " : ",
-                         printer.semantic(registers::vertexAttribute, attributes++, "vertex attributes")});
-    };
-    std::vector<std::string> parameters = {attribute(positionType, shader.names.position)};
-    std::set<std::string_view> declared = {shader.names.position};
-    for (const std::size_t index : shader.stages.attributes) {
-        const GeneratorNode& varying = *shader.flow.nodes[index].generated;
-        if (declared.insert(varying.name).second) {
-            parameters.push_back(attribute(varying.type, varying.name));
-        }
+    std::vector<std::string> parameters = {joinText(
+        {declaration(positionType, shader.names.position), " : ", registerText(shader.registers.position)})};
+    for (const PlacedParameter& attribute : shader.registers.attributes) {
+        parameters.push_back(printer.placedDeclaration(attribute));
     }
     parameters.push_back(joinText({"out ", declaration(positionType, shader.names.clipPosition), " : ",
                                    registerText({registers::vertexPosition, 0})}));

@@ -2,6 +2,7 @@
 
 #include "host/dataflow.h"
 #include "host/naming.h"
+#include "host/registers.h"
 #include "host/stages.h"
 
 #include <string>
@@ -19,12 +20,12 @@ struct AssembledShader {
     const Dataflow& flow;
     const StagedShader& stages;
     const ShaderNames& names;
+    const RegisterAssignment& registers;
     const PrintOptions& options;
 };
 
 // Complete Cg programs: the framework, uniforms, each distinct function once, and `main`. The text depends on
-// the material alone, to the byte. Throws HostError when a stage has more parameters of a kind than
-// registers.
+// the material alone, to the byte.
 
 std::string printVertexProgram(const AssembledShader& shader);
 std::string printFragmentProgram(const AssembledShader& shader);

@@ -29,7 +29,7 @@ float3 QelSrgbToLinear( float3 colour )
 )";
 
 const std::string vertexFramework = framework + R"(
-uniform float4x4 worldViewProjection;
+uniform float4x4 worldViewProjection : register( c0 );
 
 // From object space to clip space.
 float4 QelTransformPosition( float4 position )
@@ -136,7 +136,7 @@ TEST(PrintPrograms, FunctionsSharedByBothStages) {
             connection("a", "out_value", "sum", "in_value1") +
             connection("b", "out_value", "sum", "in_value2") + output("colour", "sum", "out_value"),
         R"(
-uniform half Strength;
+uniform half Strength : register( c4 );
 
 // node "v" ("Maths")
 void mathsCode( half in_value1, out half out_value )
@@ -212,7 +212,7 @@ void main(
 }
 )",
         R"(
-uniform half S;
+uniform half S : register( c0 );
 uniform sampler2D Texture : TEXUNIT0;
 
 // node "set" ("Wear")

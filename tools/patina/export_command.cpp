@@ -46,6 +46,10 @@ void printSummary(const ExportedMaterial& exported, const std::filesystem::path&
               << counted(exported.fragmentFunctionCount, "call") << "\n"
               << "  " << (directory / exported.bindings.name).string() << ": "
               << counted(exported.bindingCount, "binding") << "\n";
+    if (exported.bindingsJson) {
+        std::cout << "  " << (directory / exported.bindingsJson->name).string() << ": "
+                  << counted(exported.bindingCount, "binding") << "\n";
+    }
 }
 
 /// Exports materials side by side; what is printed and written comes in the order of the command line.
@@ -158,10 +162,12 @@ void addExportCommand(CommandLine& commandLine) {
     // -MD is a short option of two letters, as compilers have it
     command->add_flag("--depfile", options->exporting.dependencyFile,
                       "write NAME.d too, a rule for Make and Ninja; -MD means the same");
+    command->add_flag("--json", options->exporting.json, "write the bindings as NAME.bindings.json too");
     command->add_flag("-q,--quiet", options->quiet, "print nothing but warnings and errors");
     command->footer("Writes NAME.vert.cg, NAME.frag.cg and NAME.bindings.xml for each material, all or none. "
-                    "A file that\n"
-                    "would not change is left alone.\n\n"
+                    "A file\n"
+                    "that would not change is left alone. What an artist changed in an earlier\n"
+                    "NAME.bindings.xml is carried over.\n\n"
                     "Examples:\n"
                     "  patina export painted_metal.xml\n"
                     "  patina export -j 0 -MD -o shaders materials/*.xml\n"
