@@ -1,4 +1,4 @@
-# `cmake --install`: the command, the Core plug-in, and the SDK for find_package(patina).
+# `cmake --install`: the command, the Core plug-in, the SDK for find_package(patina), documentation and examples.
 
 include(CMakePackageConfigHelpers)
 
@@ -16,4 +16,14 @@ configure_package_config_file(
   INSTALL_DESTINATION ${package_directory})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/patinaConfig.cmake ${PROJECT_BINARY_DIR}/patinaConfigVersion.cmake
+  ${CMAKE_CURRENT_LIST_DIR}/FindNettle.cmake
   DESTINATION ${package_directory})
+
+install(FILES docs/patina.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES tools/patina/completions/patina.bash
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+  RENAME patina)
+install(FILES tools/patina/completions/_patina DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN "*.1" EXCLUDE)
+install(DIRECTORY examples/materials DESTINATION ${CMAKE_INSTALL_DATADIR}/patina/examples)

@@ -1,26 +1,72 @@
 #pragma once
 
 #include "bindings/bindings.h"
+#include "host/artist_values.h"
+#include "host/files.h"
 #include "host/material.h"
+#include "host/registers.h"
 
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace patina {
 
+/// The stages as a bindings file names them.
+inline constexpr const char* vertexStageName = "vertex";
+inline constexpr const char* fragmentStageName = "fragment";
+
+/// What stands before an artist's key where a bindings file says what the graph set.
+inline constexpr const char* exportedPrefix = "exported_";
+
+/// What a bindings file says of a program.
+struct ExportedProgram {
+    std::string stage;
+    std::string file;
+    std::string sha256; ///< of its bytes
+};
+
+/// Where a program reads the parameter of a binding.
+struct Landing {
+    std::string stage;
+    std::string registerName; ///< the first register: "c4", "TEXUNIT0", "ATTR1"
+    std::string parameter;    ///< its name in the program
+};
+
+/// A binding, and what a bindings file says of it beside its annotations.
+struct ExportedBinding {
+    std::shared_ptr<Binding> binding;
+    Annotations exported; ///< the artist's keys as the graph set them, before anything was carried over
+    std::vector<Landing> landings;
+};
+
+/// What a bindings file says.
+struct BindingsFile {
+    std::string material;
+    std::vector<ExportedProgram> programs;
+    std::vector<ExportedBinding> bindings;
+};
+
 /// The bindings of a material's nodes, by "BindingIndex" and then in document order.
 /// Their code may be a plug-in's: they must not outlive the material.
-/// Throws HostError, naming the nodes, when two of them present a binding of one name.
-BindingCollection collectBindings(const Material& material);
+/// Throws HostError, naming the nodes, when two of them present a binding of one name. With `errors`, goes on
+/// with the next node and puts them there.
+BindingCollection collectBindings(const Material& material, Errors* errors = nullptr);
 
-/// The bindings as an XML document: a <binding> element each, with kind, components, group and the
-/// annotations.
-std::string printBindings(const Material& material, const BindingCollection& bindings);
+/// A program as a bindings file refers to it.
+ExportedProgram describeProgram(const std::string& stage, const OutputFile& program);
 
-namespace detail {
+/// The bindings with their landings: those of the uniform or varying that has the binding's `cgName`, or its
+/// name when that is empty. Shares the bindings. Throws what the bindings throw.
+std::vector<ExportedBinding> describeBindings(const BindingCollection& bindings, const Dataflow& flow,
+                                              const RegisterAssignment& registers);
 
-/// Sets a <binding> element's kind, components, group and annotations.
-void writeBinding(xmlNode* element, const Binding& binding);
+/// The annotations of a binding as a bindings file has them: also an artist's key that
+/// was emptied, and behind them, as
+/// "exported_" and the key, what the graph set. Throws what the binding throws.
+Annotations fileAnnotations(const ExportedBinding& exported);
 
-} // namespace detail
+/// The file as an XML document; docs/bindings-file.md describes it.
+std::string printBindings(const BindingsFile& file);
 
 } // namespace patina

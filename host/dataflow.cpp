@@ -31,14 +31,21 @@ std::optional<std::size_t> findPort(const std::vector<GeneratorPort>& ports, con
 /// Collects the sources of all inputs.
 class Joiner {
 public:
-    Joiner(const Material& material, const GeneratedGraph& graph) : material_(material), graph_(graph) {}
+    Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors)
+        : material_(material), graph_(graph), errors_(errors) {}
 
     Dataflow join() {
         enterNodes();
         joinInnerEdges();
         joinConnections();
         selectOutputs();
-        return keepNeeded();
+        if (errors_ != nullptr && !errors_->empty()) {
+            return {};
+        }
+        passInterfaces();
+        Dataflow needed;
+        attempt(errors_, [&] { needed = keepNeeded(); });
+        return needed;
     }
 
 private:
@@ -63,7 +70,7 @@ private:
         }
     }
 
-    /// What node code itself joined; types agree there already.
+    /// What node code itself joined.
     void joinInnerEdges() {
         for (const std::shared_ptr<GeneratorEdge>& edge : graph_.generator.graph->edges) {
             const std::size_t tail = indexByNode_.at(edge->tail.lock().get());
@@ -71,9 +78,28 @@ private:
             const auto output = findPort(flow_.nodes[tail].generated->outputs, edge->tailPort);
             const auto input = findPort(flow_.nodes[head].generated->inputs, edge->headPort);
             if (output && input) {
-                flow_.nodes[head].inputs[*input] = {tail, *output};
+                attempt(errors_, [&] { feed(head, *input, {tail, *output}); });
             }
         }
+    }
+
+    void feed(std::size_t head, std::size_t input, const ValueSource& value) {
+        const MaterialItem& item = ownerOf(value.node);
+        // by value: a conversion adds a node
+        const std::shared_ptr<GeneratorNode> generated = flow_.nodes[head].generated;
+        const ValueSource earlier = flow_.nodes[head].inputs[input];
+        if (earlier.node != nowhere) {
+            fail(item.line, {nodeTitle(item), ": this feeds \"", generated->inputs[input].name, "\" of ",
+                             describe(*generated), ", and so does ", nodeTitle(ownerOf(earlier.node)),
+                             "; only one of them can"});
+        }
+        const ValueSource converted =
+            convert(value, generated->inputs[input].type, [&](std::string_view reason) {
+                fail(item.line,
+                     {nodeTitle(item), ", ", describe(*flow_.nodes[value.node].generated), ", to \"",
+                      generated->inputs[input].name, "\" of ", describe(*generated), ": ", reason});
+            });
+        flow_.nodes[head].inputs[input] = converted;
     }
 
     /// The port that a link record names.
@@ -103,20 +129,31 @@ private:
 
     void joinConnections() {
         for (const MaterialConnection& connection : material_.connections) {
-            const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
-            for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
-                const ValueSource consumer = endOf(
-                    end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
-                    material_.items[connection.destination], connection.line);
-                const ShaderType type = flow_.nodes[consumer.node].generated->inputs[consumer.port].type;
-                flow_.nodes[consumer.node].inputs[consumer.port] = convert(producer, type, connection);
-            }
+            attempt(errors_, [&] { joinConnection(connection); });
         }
     }
 
-    /// The value as `type`: itself, or a conversion that all readers of that type share.
-    ValueSource convert(const ValueSource& value, const ShaderType& type,
-                        const MaterialConnection& connection) {
+    void joinConnection(const MaterialConnection& connection) {
+        const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
+        for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
+            const ValueSource consumer = endOf(
+                end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
+                material_.items[connection.destination], connection.line);
+            const ShaderType type = flow_.nodes[consumer.node].generated->inputs[consumer.port].type;
+            const ValueSource value = convert(producer, type, [&](std::string_view reason) {
+                fail(connection.line, {nodeTitle(material_.items[connection.source]), ", output \"",
+                                       connection.record->sourcePort, "\", to ",
+                                       nodeTitle(material_.items[connection.destination]), ", input \"",
+                                       connection.record->destinationPort, "\": ", reason});
+            });
+            flow_.nodes[consumer.node].inputs[consumer.port] = value;
+        }
+    }
+
+    /// The value as `type`: itself, or a conversion that all readers of that type share. `refuse` is called
+    /// with the reason, and throws, when the types do not convert.
+    template <typename Refuse>
+    ValueSource convert(const ValueSource& value, const ShaderType& type, Refuse&& refuse) {
         const ShaderType from = flow_.port(value).type;
         if (from == type) {
             return value;
@@ -128,10 +165,7 @@ private:
             try {
                 conversion = makePromoteAndSplat(from, type);
             } catch (const ShaderError& error) {
-                fail(connection.line, {nodeTitle(material_.items[connection.source]), ", output \"",
-                                       connection.record->sourcePort, "\", to ",
-                                       nodeTitle(material_.items[connection.destination]), ", input \"",
-                                       connection.record->destinationPort, "\": ", error.what()});
+                refuse(error.what());
             }
             const std::size_t node = enter(conversion, flow_.nodes[value.node].owner);
             flow_.nodes[node].inputs[0] = value;
@@ -158,20 +192,61 @@ private:
     void selectOutputs() {
         bool hasColour = false;
         for (const MaterialOutput& output : material_.outputs) {
-            if (output.name == "colour") {
-                flow_.colour = selectOutput(output, true);
-                hasColour = true;
-            } else if (output.name == "alpha") {
-                flow_.alpha = selectOutput(output, false);
-                flow_.hasAlpha = true;
-            } else {
-                fail(output.line, {"there is no output \"", output.name,
-                                   "\" to a material; the outputs are \"colour\" and \"alpha\""});
-            }
+            hasColour = hasColour || output.name == "colour";
+            attempt(errors_, [&] { selectNamed(output); });
         }
         if (!hasColour) {
-            fail(material_.line,
-                 {"this material has no \"colour\" output; connect one with an <output> element"});
+            attempt(errors_, [&] {
+                fail(material_.line,
+                     {"this material has no \"colour\" output; connect one with an <output> element"});
+            });
+        }
+    }
+
+    void selectNamed(const MaterialOutput& output) {
+        if (output.name == "colour") {
+            flow_.colour = selectOutput(output, true);
+        } else if (output.name == "alpha") {
+            flow_.alpha = selectOutput(output, false);
+            flow_.hasAlpha = true;
+        } else {
+            fail(output.line, {"there is no output \"", output.name,
+                               "\" to a material; the outputs are \"colour\" and \"alpha\""});
+        }
+    }
+
+    bool isInterface(std::size_t node) const {
+        return flow_.nodes[node].generated->kind == NodeKind::InterfaceParameter;
+    }
+
+    /// What an interface parameter stands for: the value written to it, or itself when there is none.
+    ValueSource written(ValueSource value) const {
+        for (std::size_t steps = 0; value.node != nowhere && isInterface(value.node); ++steps) {
+            const ValueSource& source = flow_.nodes[value.node].inputs.front();
+            if (source.node == nowhere || steps == flow_.nodes.size()) {
+                break;
+            }
+            value = source;
+        }
+        return value;
+    }
+
+    void passInterfaces() {
+        for (DataflowNode& node : flow_.nodes) {
+            if (node.generated->kind != NodeKind::InterfaceParameter) {
+                std::transform(node.inputs.begin(), node.inputs.end(), node.inputs.begin(),
+                               [&](const ValueSource& input) { return written(input); });
+            }
+        }
+        flow_.colour = written(flow_.colour);
+        if (flow_.hasAlpha) {
+            flow_.alpha = written(flow_.alpha);
+        }
+        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+            const GeneratorNode& generated = *flow_.nodes[node].generated;
+            if (generated.kind == NodeKind::RegisterParameter && !generated.inputs.empty()) {
+                flow_.sinks.push_back(node);
+            }
         }
     }
 
@@ -213,12 +288,16 @@ private:
         if (flow_.hasAlpha) {
             result.alpha = moved(flow_.alpha);
         }
+        for (const std::size_t sink : flow_.sinks) {
+            result.sinks.push_back(position[sink]);
+        }
         return result;
     }
 
     std::vector<bool> findNeeded() const {
         std::vector<bool> needed(flow_.nodes.size(), false);
-        std::vector<std::size_t> pending = {flow_.colour.node};
+        std::vector<std::size_t> pending = flow_.sinks;
+        pending.push_back(flow_.colour.node);
         if (flow_.hasAlpha) {
             pending.push_back(flow_.alpha.node);
         }
@@ -229,23 +308,31 @@ private:
                 continue;
             }
             needed[node] = true;
-            const DataflowNode& entry = flow_.nodes[node];
-            for (std::size_t input = 0; input < entry.inputs.size(); ++input) {
-                if (entry.inputs[input].node == nowhere) {
-                    const MaterialItem& item = ownerOf(node);
-                    fail(item.line,
-                         {nodeTitle(item), ": nothing feeds \"", entry.generated->inputs[input].name,
-                          "\" of ", describe(*entry.generated),
-                          "; report this to the author of its plug-in"});
-                }
-                pending.push_back(entry.inputs[input].node);
+            for (std::size_t input = 0; input < flow_.nodes[node].inputs.size(); ++input) {
+                pending.push_back(requireSource(node, input).node);
             }
         }
         return needed;
     }
 
+    const ValueSource& requireSource(std::size_t node, std::size_t input) const {
+        const DataflowNode& entry = flow_.nodes[node];
+        const MaterialItem& item = ownerOf(node);
+        if (entry.generated->kind == NodeKind::InterfaceParameter) {
+            fail(item.line, {nodeTitle(item), ": this reads ", describe(*entry.generated),
+                             ", and no node writes it; add one that does"});
+        }
+        if (entry.inputs[input].node == nowhere) {
+            fail(item.line,
+                 {nodeTitle(item), ": nothing feeds \"", entry.generated->inputs[input].name, "\" of ",
+                  describe(*entry.generated), "; report this to the author of its plug-in"});
+        }
+        return entry.inputs[input];
+    }
+
     const Material& material_;
     const GeneratedGraph& graph_;
+    Errors* errors_;
     Dataflow flow_;
     std::unordered_map<const GeneratorNode*, std::size_t> indexByNode_;
     std::map<std::tuple<std::size_t, std::size_t, std::string>, ValueSource> conversions_;
@@ -253,8 +340,8 @@ private:
 
 } // namespace
 
-Dataflow joinGraph(const Material& material, const GeneratedGraph& graph) {
-    return Joiner(material, graph).join();
+Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors) {
+    return Joiner(material, graph, errors).join();
 }
 
 } // namespace patina

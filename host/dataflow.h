@@ -31,6 +31,8 @@ struct Dataflow {
     ValueSource colour;              ///< three components, or one that is to be splatted
     ValueSource alpha;
     bool hasAlpha = false; ///< otherwise alpha is 1
+    std::vector<std::size_t>
+        sinks; ///< register parameters that are written: outputs besides colour and alpha
 
     const GeneratorPort& port(const ValueSource& source) const {
         return nodes[source.node].generated->outputs[source.port];
@@ -38,10 +40,12 @@ struct Dataflow {
 };
 
 /// Joins the generator nodes of connected material nodes, inserting conversions where types differ (one for
-/// each value and type), and leaves out what no output of the material needs.
+/// each value and type), and leaves out what no output of the material needs. Whoever reads an interface
+/// parameter gets what is written to it; the parameter itself is gone then.
 ///
-/// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, and for
-/// missing, unknown and misshapen outputs.
-Dataflow joinGraph(const Material& material, const GeneratedGraph& graph);
+/// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, for
+/// missing, unknown and misshapen outputs, and for interface parameters that nobody or more than one writes.
+/// With `errors`, goes on with the next connection or output and puts them there; there is no dataflow then.
+Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr);
 
 } // namespace patina

@@ -50,7 +50,11 @@ std::string diagnosticText(const SourcePosition& position, std::string_view seve
 }
 
 HostError::HostError(const SourcePosition& position, std::string_view text)
-    : message_(diagnosticText(position, "error", text)) {}
+    : report_(std::make_shared<const Report>(
+          Report{position, std::string(text), diagnosticText(position, "error", text)})) {}
+
+HostError::HostError(const HostError& failure, std::string_view advice)
+    : HostError(failure.position(), joinText({failure.text(), "; ", advice})) {}
 
 std::string currentExceptionText() {
     try {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <exception>
-#include <stdexcept>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -27,12 +27,41 @@ std::string diagnosticText(const SourcePosition& position, std::string_view seve
 class HostError : public std::exception {
 public:
     HostError(const SourcePosition& position, std::string_view text);
+    /// The same failure with advice behind it.
+    HostError(const HostError& failure, std::string_view advice);
 
-    const char* what() const noexcept override { return message_.what(); }
+    const char* what() const noexcept override { return report_->message.c_str(); }
+    const SourcePosition& position() const noexcept { return report_->position; }
+    const std::string& text() const noexcept { return report_->text; }
 
 private:
-    std::runtime_error message_; // copies share the text, so that copying an exception in flight cannot throw
+    struct Report {
+        SourcePosition position;
+        std::string text;
+        std::string message;
+    };
+    std::shared_ptr<const Report> report_; // shared, so that copying an exception in flight cannot throw
 };
+
+/// The errors that a step met and went on after.
+using Errors = std::vector<HostError>;
+
+/// Runs a part of a step that the rest of it does not need. What it throws as HostError goes to `errors`,
+/// when there is such a list, and else to the caller. Gives whether all went well.
+template <typename Action>
+bool attempt(Errors* errors, Action&& action) {
+    if (errors == nullptr) {
+        action();
+        return true;
+    }
+    try {
+        action();
+        return true;
+    } catch (const HostError& error) {
+        errors->push_back(error);
+        return false;
+    }
+}
 
 /// Something that a user should know and that ends nothing.
 struct Warning {

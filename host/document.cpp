@@ -21,7 +21,7 @@ public:
     explicit DocumentReader(const std::string& file) { document_.file = file; }
 
     MaterialDocument read(std::string_view text) {
-        const XmlPointer<xmlDoc> xml = parseDocumentXml(text, document_.file);
+        const XmlPointer<xmlDoc> xml = parseXml(text, document_.file, "a material document");
         xmlNode* root = xmlDocGetRootElement(xml.get());
         readRoot(root);
         for (xmlNode* child = root->children; child != nullptr; child = child->next) {
@@ -261,12 +261,11 @@ bool isDocumentText(std::string_view text) {
 
 MaterialDocument parseMaterial(std::string_view text, const std::string& file) {
     // a text that is too large is refused before it is copied
-    return text.size() > documentSizeLimit ? DocumentReader(file).read(text)
-                                           : parseOwned(std::string(text), file);
+    return text.size() > xmlSizeLimit ? DocumentReader(file).read(text) : parseOwned(std::string(text), file);
 }
 
 MaterialDocument readMaterial(const std::filesystem::path& file) {
-    return parseOwned(readFile(file, documentSizeLimit), file.string());
+    return parseOwned(readFile(file, xmlSizeLimit), file.string());
 }
 
 } // namespace patina

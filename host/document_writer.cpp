@@ -158,8 +158,8 @@ class SourceEditor {
 public:
     explicit SourceEditor(const MaterialDocument& document)
         : document_(document),
-          xml_(parseDocumentXml(document.source.empty() ? std::string_view(emptyDocument) : document.source,
-                                document.file)),
+          xml_(parseXml(document.source.empty() ? std::string_view(emptyDocument) : document.source,
+                        document.file, "a material document")),
           root_(xmlDocGetRootElement(xml_.get())) {}
 
     std::string print() {
@@ -479,7 +479,7 @@ private:
 std::string printMaterial(const MaterialDocument& document) {
     DocumentCheck(document).check();
     std::string text = SourceEditor(document).print();
-    if (text.size() > documentSizeLimit) {
+    if (text.size() > xmlSizeLimit) {
         throw HostError({document.file, document.line},
                         "this document is larger than 512 MiB, and could not be read again");
     }

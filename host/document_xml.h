@@ -3,7 +3,6 @@
 #include "host/xml.h"
 #include "nodemodel/property.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,21 +12,9 @@ namespace patina::detail {
 
 // The XML of material documents: what their reader and their writer share.
 
-inline constexpr std::size_t documentSizeLimit = std::size_t{512} * 1024 * 1024;
-
-/// The tree of a document's text, each element of which knows its line; `file` is what messages name.
-/// Throws HostError for what is not well-formed, too large or too deep, and for a document type declaration,
-/// behind which nothing is looked at.
-XmlPointer<xmlDoc> parseDocumentXml(std::string_view text, const std::string& file);
-
-/// The line in which the element's tag ends.
-int lineOf(const xmlNode* element);
-
 /// Whether a node of the tree is an element of that name in no namespace, as all elements of material
 /// documents are.
 bool isElement(const xmlNode* node, std::string_view name);
-
-std::string_view elementName(const xmlNode* element);
 
 /// The value of an attribute in no namespace; none when it is missing.
 std::optional<std::string> attributeOf(const xmlNode* element, const char* name);

@@ -1,7 +1,7 @@
 #include "host/edit.h"
 
+#include "host/artist_values.h"
 #include "host/bindings_file.h"
-#include "host/document_xml.h"
 #include "host/files.h"
 #include "host/material_steps.h"
 #include "host/property_text.h"
@@ -46,7 +46,7 @@ std::size_t requireNode(const Material& material, const std::string& id) {
 /// Everything of a property that an update may change.
 struct PropertyState {
     std::shared_ptr<Property> property;
-    PropertyValue value;
+    PropertyContent value;
     std::shared_ptr<MaterialNode> nodeValue;
     std::string label;
     std::string help;
@@ -171,8 +171,8 @@ void saveProperty(DocumentNode& saved, const std::string& name, PropertyType kin
 }
 
 /// The values of a node by name, but for its references.
-std::map<std::string, PropertyValue> valuesOf(const MaterialNode& node) {
-    std::map<std::string, PropertyValue> values;
+std::map<std::string, PropertyContent> valuesOf(const MaterialNode& node) {
+    std::map<std::string, PropertyContent> values;
     for (const std::shared_ptr<Property>& property : *node.properties) {
         if (property->kind != PropertyType::Node) {
             values.emplace(property->name, valueOf(*property));
@@ -196,10 +196,10 @@ void settle(Material& material, std::size_t index) {
         return;
     }
     onBehalfOf(material, item, item.line, [&] { item.node->updateFromProperties(nullptr); });
-    const std::map<std::string, PropertyValue> expected = valuesOf(*item.node);
+    const std::map<std::string, PropertyContent> expected = valuesOf(*item.node);
     giveBackOverridden(item);
     updateItem(material, item);
-    const std::map<std::string, PropertyValue> reached = valuesOf(*item.node);
+    const std::map<std::string, PropertyContent> reached = valuesOf(*item.node);
     if (reached == expected) {
         return;
     }
@@ -409,46 +409,43 @@ void requireCreatable(const Material& material, const PluginSet& plugins, const 
 
 /// The attributes of a binding's element that saveBindings writes anew.
 bool isAnnotation(std::string_view name) {
-    constexpr std::array<std::string_view, 19> names = {"components",
-                                                        "group",
-                                                        "gui",
-                                                        "cgname",
-                                                        "uv",
-                                                        "desc",
-                                                        "helpUrl",
-                                                        "uilabel",
-                                                        "uiunittype",
-                                                        "min",
-                                                        "max",
-                                                        "default",
-                                                        "stream_type",
-                                                        "stream_normalize",
-                                                        "dataset_modifiers",
-                                                        "basic_colour",
-                                                        "srgb",
-                                                        "signed_expanded",
-                                                        "normalised"};
-    return std::find(names.begin(), names.end(), name) != names.end();
+    constexpr std::array<std::string_view, 12> names = {
+        "components", "group",        "gui",  "cgname",          "desc",      "helpUrl", "min",
+        "max",        "basic_colour", "srgb", "signed_expanded", "normalised"};
+    constexpr std::string_view prefix = exportedPrefix;
+    return isArtistKey(name) || std::find(names.begin(), names.end(), name) != names.end() ||
+           (name.substr(0, prefix.size()) == prefix && isArtistKey(name.substr(prefix.size())));
 }
 
-DocumentBinding savedBinding(const Material& material, const Binding& binding) {
-    const XmlPointer<xmlNode> element(xmlNewNode(nullptr, xmlText("binding")));
-    try {
-        writeBinding(element.get(), binding);
-    } catch (const ShaderError& error) {
-        fail(material, 0, {"binding \"", binding.name, "\": ", error.what()});
-    }
+/// The graph's own values of a binding, of which those on the binding may be an artist's changes.
+Annotations graphValuesOf(const Binding& binding, const BindingCollection& graph) {
+    const auto found = std::find_if(graph.bindings.begin(), graph.bindings.end(), [&](const auto& own) {
+        return own->name == binding.name && bindingKindName(*own) == bindingKindName(binding);
+    });
+    return found == graph.bindings.end() ? Annotations() : artistValues(**found);
+}
+
+DocumentBinding savedBinding(const Material& material, const std::shared_ptr<Binding>& binding,
+                             const BindingCollection& graph) {
     DocumentBinding saved;
-    saved.name = binding.name;
-    saved.kind = bindingKindName(binding);
-    for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
-        const std::string name = reinterpret_cast<const char*>(attribute->name);
-        std::string value = attributeOf(element.get(), name.c_str()).value_or("");
-        requireText(material, joinText({"annotation \"", name, "\" of binding \"", binding.name, "\":"}),
-                    value);
-        if (name != "tag" && name != "kind") {
-            saved.annotations.emplace_back(name, std::move(value));
+    saved.name = binding->name;
+    saved.kind = bindingKindName(*binding);
+    saved.annotations.emplace_back("components", std::to_string(binding->componentCount()));
+    if (!binding->group.empty()) {
+        saved.annotations.emplace_back("group", binding->group);
+    }
+    try {
+        for (auto& annotation : fileAnnotations({binding, graphValuesOf(*binding, graph), {}})) {
+            if (annotation.first != "tag") {
+                saved.annotations.push_back(std::move(annotation));
+            }
         }
+    } catch (const ShaderError& error) {
+        fail(material, 0, {"binding \"", binding->name, "\": ", error.what()});
+    }
+    for (const auto& [name, value] : saved.annotations) {
+        requireText(material, joinText({"annotation \"", name, "\" of binding \"", binding->name, "\":"}),
+                    value);
     }
     return saved;
 }
@@ -656,10 +653,11 @@ void saveBindings(Material& material, const BindingCollection& bindings) {
     for (const DocumentBinding& former : material.document.bindings) {
         formerByName.emplace(former.name, &former);
     }
+    const BindingCollection graph = collectBindings(material);
     std::vector<DocumentBinding> saved;
     std::unordered_set<std::string> names;
     for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
-        saved.push_back(savedBinding(material, *binding));
+        saved.push_back(savedBinding(material, binding, graph));
         if (!names.insert(binding->name).second) {
             fail(material, 0, {"there is another binding with the name \"", binding->name, "\""});
         }

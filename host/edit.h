@@ -68,9 +68,11 @@ void removeOutput(Material& material, const std::string& name);
 /// Throws when the name cannot be that of a file.
 void setMaterialName(Material& material, const std::string& name);
 
-/// Makes the document's bindings those of the collection, with kind, components, group and annotations.
+/// Makes the document's bindings those of the collection, with kind, components, group and annotations, and
+/// beside each value that an artist can change the graph's own: an export tells by it what was changed.
 /// Attributes that are no annotations stay with the binding of their tag, and so does the whole binding of a
-/// placeholder, which is the one that bears its "Name". Throws when two bindings bear one name.
+/// placeholder, which is the one that bears its "Name". Throws when two bindings
+/// bear one name, and what a node throws.
 void saveBindings(Material& material, const BindingCollection& bindings);
 
 } // namespace patina

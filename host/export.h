@@ -3,20 +3,32 @@
 #include "host/diagnostic.h"
 #include "host/files.h"
 #include "host/material.h"
+#include "host/print.h"
+#include "host/saved_bindings.h"
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace patina {
 
+/// What an export does beside what it always does.
+struct ExportOptions {
+    PrintOptions print;
+    bool json = false;           ///< write the bindings as JSON too
+    bool dependencyFile = false; ///< write NAME.d too, for Make and Ninja
+};
+
 /// What a material becomes, before anything is written.
 struct ExportedMaterial {
     std::string name;
-    OutputFile vertexProgram;   ///< NAME.vert.cg
-    OutputFile fragmentProgram; ///< NAME.frag.cg
-    OutputFile bindings;        ///< NAME.bindings.xml
+    OutputFile vertexProgram;               ///< NAME.vert.cg
+    OutputFile fragmentProgram;             ///< NAME.frag.cg
+    OutputFile bindings;                    ///< NAME.bindings.xml
+    std::optional<OutputFile> bindingsJson; ///< NAME.bindings.json, when it was asked for
+    std::optional<OutputFile> dependencies; ///< NAME.d, when it was asked for
     std::size_t nodeCount = 0;
     std::size_t connectionCount = 0;
     std::size_t vertexFunctionCount = 0; ///< calls in the vertex program
@@ -25,13 +37,27 @@ struct ExportedMaterial {
     std::size_t bindingCount = 0;
 };
 
-/// Resolves, generates, joins, places, names and prints a live material.
-/// Throws HostError when any step refuses.
-ExportedMaterial exportMaterial(Material& material);
+/// Resolves, generates, joins, places, names and prints a live material. Its bindings have what the document
+/// saves of them, as far as there are such bindings. Throws HostError when any step refuses.
+ExportedMaterial exportMaterial(Material& material, const ExportOptions& options = {});
 
-/// Reads a document, exports its material, and writes the three files into a directory, all of them or none.
-/// Throws HostError.
+/// The same, with warnings, and with what an artist changed in the bindings file of an earlier export; see
+/// saved_bindings.h.
+ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, Warnings& warnings,
+                                const ExportOptions& options = {});
+
+/// Reads a document and exports its material, as for a directory, into which nothing is written yet. What an
+/// artist changed in the bindings file that is there already is carried over. Throws HostError.
+ExportedMaterial prepareExport(const std::filesystem::path& document, const std::filesystem::path& directory,
+                               const PluginSet& plugins, Warnings& warnings,
+                               const ExportOptions& options = {});
+
+/// Writes what was prepared into the directory, all files or none; see writeFiles. Throws HostError.
+std::size_t writeExport(const ExportedMaterial& exported, const std::filesystem::path& directory);
+
+/// prepareExport and writeExport in one.
 ExportedMaterial exportDocument(const std::filesystem::path& document, const std::filesystem::path& directory,
-                                const PluginSet& plugins, Warnings& warnings);
+                                const PluginSet& plugins, Warnings& warnings,
+                                const ExportOptions& options = {});
 
 } // namespace patina

@@ -197,6 +197,17 @@ std::optional<std::filesystem::perms> permissionsToKeep(const std::filesystem::p
     return status.permissions();
 }
 
+bool hasContent(const std::filesystem::path& file, std::string_view content) {
+    std::error_code error;
+    if (std::filesystem::file_size(file, error) != content.size() || error) {
+        return false;
+    }
+    const FileHandle handle(std::fopen(file.string().c_str(), "rb"));
+    std::string present(content.size(), '\0');
+    return handle && std::fread(present.data(), 1, present.size(), handle.get()) == present.size() &&
+           present == content;
+}
+
 } // namespace
 
 bool isFileName(std::string_view text) {
@@ -235,7 +246,7 @@ std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit) {
     return content;
 }
 
-void writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files) {
+std::size_t writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error) {
@@ -247,7 +258,9 @@ void writeFiles(const std::filesystem::path& directory, const std::vector<Output
         if (std::filesystem::is_directory(target, error)) {
             throwFileError(target, "cannot write this file", std::make_error_code(std::errc::is_a_directory));
         }
-        replacements.push_back(std::make_unique<Replacement>(target, file.content));
+        if (!hasContent(target, file.content)) {
+            replacements.push_back(std::make_unique<Replacement>(target, file.content));
+        }
     }
     try {
         for (const auto& replacement : replacements) {
@@ -259,6 +272,7 @@ void writeFiles(const std::filesystem::path& directory, const std::vector<Output
         }
         throw;
     }
+    return replacements.size();
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view content) {

@@ -22,10 +22,11 @@ struct OutputFile {
     std::string content;
 };
 
-/// Writes files into a directory, which is made when it is missing, replacing earlier ones.
+/// Writes files into a directory, which is made when it is missing, replacing earlier ones. A file that holds
+/// its content already is left alone, time stamp and all. Gives the number of files that changed.
 /// Every file is complete on disk under a temporary name before the first takes its place; when one cannot,
 /// those before it give theirs back. Throws HostError then, and nothing has changed.
-void writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
+std::size_t writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
 
 /// Writes one file. It is complete on disk under a temporary name beside the earlier one before it takes its
 /// place, with the earlier one's permissions; of a symbolic link, it is the target that is replaced. Throws

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 namespace patina {
@@ -16,5 +17,8 @@ std::string vertexFrameworkText();
 /// The names that the framework takes for itself.
 inline constexpr std::array<const char*, 3> frameworkNames = {"QelSrgbToLinear", "QelTransformPosition",
                                                               "worldViewProjection"};
+
+/// The constant registers of the vertex program, from c0, that hold worldViewProjection.
+inline constexpr std::int32_t frameworkConstantCount = 4;
 
 } // namespace patina

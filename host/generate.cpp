@@ -1,12 +1,17 @@
 #include "host/generate.h"
 
+#include "host/framework_values.h"
+
 namespace patina {
 
-GeneratedGraph generateGraph(const Material& material) {
+GeneratedGraph generateGraph(const Material& material, Errors* errors) {
     GeneratedGraph result;
+    result.generator.graph->interfaceProviders.push_back(makeFrameworkValues());
     const auto generate = [&](std::size_t index) {
         const MaterialItem& item = material.items[index];
-        onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
+        attempt(errors, [&] {
+            onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
+        });
         result.owners.resize(result.generator.graph->nodes.size(), index);
     };
     // what a missing node type breaks elsewhere would only hide the reason
@@ -16,7 +21,9 @@ GeneratedGraph generateGraph(const Material& material) {
         }
     }
     for (std::size_t index = 0; index < material.items.size(); ++index) {
-        generate(index);
+        if (!material.items[index].placeholder) {
+            generate(index);
+        }
     }
     return result;
 }

@@ -15,7 +15,8 @@ struct GeneratedGraph {
 };
 
 /// Has every node of a resolved material emit its code, in document order.
-/// Throws HostError, naming the node, when one cannot: first of all for a placeholder.
-GeneratedGraph generateGraph(const Material& material);
+/// Throws HostError, naming the node, when one cannot: first of all for a placeholder. With `errors`, goes on
+/// with the next node and puts them there; the graph is incomplete then.
+GeneratedGraph generateGraph(const Material& material, Errors* errors = nullptr);
 
 } // namespace patina

@@ -4,6 +4,7 @@
 #include "host/property_text.h"
 #include "nodemodel/text.h"
 
+#include <list>
 #include <map>
 #include <set>
 #include <string_view>
@@ -16,11 +17,22 @@ using namespace detail;
 
 namespace {
 
+void clearReferences(const MaterialNode& node) {
+    for (const std::shared_ptr<Property>& property : *node.properties) {
+        property->nodeValue.reset();
+    }
+}
+
+void dropLink(std::list<std::weak_ptr<NodeConnection>>& links,
+              const std::shared_ptr<NodeConnection>& record) {
+    links.remove_if([&](const std::weak_ptr<NodeConnection>& link) { return link.lock() == record; });
+}
+
 /// Builds one material, step by step.
 class MaterialBuilder {
 public:
-    MaterialBuilder(MaterialDocument document, const PluginSet& plugins, Warnings& warnings)
-        : plugins_(plugins), warnings_(warnings) {
+    MaterialBuilder(MaterialDocument document, const PluginSet& plugins, Warnings& warnings, Errors* errors)
+        : plugins_(plugins), warnings_(warnings), errors_(errors) {
         material_.document = std::move(document);
         material_.file = document_.file;
         material_.line = document_.line;
@@ -33,7 +45,7 @@ public:
         updateInReferenceOrder();
         connectNodes();
         connectOutputs();
-        material_.downstream = downstreamOrder(material_);
+        orderDownstream();
         return std::move(material_);
     }
 
@@ -52,12 +64,10 @@ private:
                 fail(saved.line, {"no plug-in offers the type \"", saved.type, "\" of node \"", saved.id,
                                   "\", nor a placeholder for it; load the Core plug-in"});
             }
-            try {
-                item.node = plugins_.createNode(item.placeholder ? placeholderType : saved.type);
-            } catch (const std::bad_alloc&) {
-                throw;
-            } catch (...) {
-                fail(saved.line, {"node \"", saved.id, "\": ", currentExceptionText()});
+            const bool isMade = attempt(errors_, [&] { item.node = createNode(item, saved); });
+            if (!isMade) {
+                item.placeholder = true;
+                item.node = createNode(item, saved);
             }
             if (item.placeholder && saved.type != placeholderType) {
                 warnings_.push_back({{document_.file, saved.line},
@@ -66,6 +76,16 @@ private:
             }
             indexById_.emplace(saved.id, material_.items.size());
             material_.items.push_back(std::move(item));
+        }
+    }
+
+    std::shared_ptr<MaterialNode> createNode(const MaterialItem& item, const DocumentNode& saved) const {
+        try {
+            return plugins_.createNode(item.placeholder ? placeholderType : saved.type);
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (...) {
+            fail(saved.line, {"node \"", saved.id, "\": ", currentExceptionText()});
         }
     }
 
@@ -86,15 +106,19 @@ private:
             const MaterialItem& item = material_.items[i];
             const std::shared_ptr<PropertySet> set = makeSavedSet(saved.type, saved.version);
             for (const DocumentProperty& property : saved.properties) {
-                addSaved(*set, saved, property, item, nodeOfId);
+                attempt(errors_, [&] { addSaved(*set, saved, property, item, nodeOfId); });
             }
-            try {
-                item.node->loadProperties(set);
-            } catch (const std::bad_alloc&) {
-                throw;
-            } catch (...) {
-                fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", currentExceptionText()});
-            }
+            attempt(errors_, [&] { load(item, saved, set); });
+        }
+    }
+
+    void load(const MaterialItem& item, const DocumentNode& saved, const std::shared_ptr<PropertySet>& set) {
+        try {
+            item.node->loadProperties(set);
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (...) {
+            fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", currentExceptionText()});
         }
     }
 
@@ -136,57 +160,97 @@ private:
     }
 
     void updateInReferenceOrder() {
-        const Dependencies references = referencesOf(material_, indexNodes(material_));
-        for (const std::size_t index : updateOrder(material_, references)) {
-            updateItem(material_, material_.items[index]);
+        const NodeIndex indexByNode = indexNodes(material_);
+        DependencyOrder order = orderByDependencies(referencesOf(material_, indexByNode));
+        while (!order.cycle.empty()) {
+            attempt(errors_, [&] { failAtReferenceCycle(material_, order.cycle); });
+            clearReferences(*material_.items[order.cycle.front()].node);
+            order = orderByDependencies(referencesOf(material_, indexByNode));
+        }
+        for (const std::size_t index : order.order) {
+            attempt(errors_, [&] { updateItem(material_, material_.items[index]); });
         }
     }
 
+    using ConnectedInputs = std::map<std::pair<std::size_t, std::string>, int>; // to the connection's line
+
     void connectNodes() {
-        std::map<std::pair<std::size_t, std::string>, int> connectedInputs; // to the line of the connection
+        ConnectedInputs connectedInputs;
         for (const DocumentConnection& saved : document_.connections) {
-            MaterialConnection connection;
-            connection.source = requireNode(saved.source, saved.line);
-            connection.destination = requireNode(saved.destination, saved.line);
-            connection.line = saved.line;
-            const MaterialItem& source = material_.items[connection.source];
-            const MaterialItem& destination = material_.items[connection.destination];
-            requireOutput(material_, source, saved.output, saved.line);
-            requireInput(material_, destination, saved.input, saved.line);
-            const auto [earlier, isNew] =
-                connectedInputs.try_emplace({connection.destination, saved.input}, saved.line);
-            if (!isNew) {
-                fail(saved.line, {nodeTitle(destination), ": input \"", saved.input,
-                                  "\" is connected twice; the first connection is in line ",
-                                  std::to_string(earlier->second)});
-            }
-            connection.record = makeRecord(source.node, saved.output, destination.node, saved.input);
-            linkSource(*source.node, connection.record);
-            linkDestination(*destination.node, connection.record);
-            material_.connections.push_back(std::move(connection));
+            attempt(errors_, [&] { connectNode(saved, connectedInputs); });
         }
+    }
+
+    void connectNode(const DocumentConnection& saved, ConnectedInputs& connectedInputs) {
+        MaterialConnection connection;
+        connection.source = requireNode(saved.source, saved.line);
+        connection.destination = requireNode(saved.destination, saved.line);
+        connection.line = saved.line;
+        const MaterialItem& source = material_.items[connection.source];
+        const MaterialItem& destination = material_.items[connection.destination];
+        requireOutput(material_, source, saved.output, saved.line);
+        requireInput(material_, destination, saved.input, saved.line);
+        const auto [earlier, isNew] =
+            connectedInputs.try_emplace({connection.destination, saved.input}, saved.line);
+        if (!isNew) {
+            fail(saved.line, {nodeTitle(destination), ": input \"", saved.input,
+                              "\" is connected twice; the first connection is in line ",
+                              std::to_string(earlier->second)});
+        }
+        connection.record = makeRecord(source.node, saved.output, destination.node, saved.input);
+        linkSource(*source.node, connection.record);
+        linkDestination(*destination.node, connection.record);
+        material_.connections.push_back(std::move(connection));
     }
 
     void connectOutputs() {
         std::set<std::string> names;
         for (const DocumentOutput& saved : document_.outputs) {
-            if (!names.insert(saved.name).second) {
-                fail(saved.line, {"there is another output \"", saved.name, "\""});
+            attempt(errors_, [&] { connectOutput(saved, names); });
+        }
+    }
+
+    void connectOutput(const DocumentOutput& saved, std::set<std::string>& names) {
+        if (!names.insert(saved.name).second) {
+            fail(saved.line, {"there is another output \"", saved.name, "\""});
+        }
+        MaterialOutput output;
+        output.name = saved.name;
+        output.source = requireNode(saved.source, saved.line);
+        output.line = saved.line;
+        const MaterialItem& source = material_.items[output.source];
+        requireOutput(material_, source, saved.port, saved.line);
+        output.record = makeRecord(source.node, saved.port);
+        linkSource(*source.node, output.record);
+        material_.outputs.push_back(std::move(output));
+    }
+
+    void orderDownstream() {
+        DependencyOrder order = orderByDependencies(sourcesOf(material_));
+        while (!order.cycle.empty()) {
+            attempt(errors_, [&] { failAtConnectionCycle(material_, order.cycle); });
+            dropConnections(order.cycle.size() > 1 ? order.cycle[1] : order.cycle[0], order.cycle[0]);
+            order = orderByDependencies(sourcesOf(material_));
+        }
+        material_.downstream = std::move(order.order);
+    }
+
+    void dropConnections(std::size_t source, std::size_t destination) {
+        auto& connections = material_.connections;
+        for (auto connection = connections.begin(); connection != connections.end();) {
+            if (connection->source == source && connection->destination == destination) {
+                dropLink(material_.items[source].node->outputLinks, connection->record);
+                dropLink(material_.items[destination].node->inputLinks, connection->record);
+                connection = connections.erase(connection);
+            } else {
+                ++connection;
             }
-            MaterialOutput output;
-            output.name = saved.name;
-            output.source = requireNode(saved.source, saved.line);
-            output.line = saved.line;
-            const MaterialItem& source = material_.items[output.source];
-            requireOutput(material_, source, saved.port, saved.line);
-            output.record = makeRecord(source.node, saved.port);
-            linkSource(*source.node, output.record);
-            material_.outputs.push_back(std::move(output));
         }
     }
 
     const PluginSet& plugins_;
     Warnings& warnings_;
+    Errors* errors_;
     Material material_;
     const MaterialDocument& document_ = material_.document;
     std::unordered_map<std::string, std::size_t> indexById_;
@@ -210,9 +274,7 @@ Material& Material::operator=(Material&& other) noexcept {
 Material::~Material() {
     for (const MaterialItem& item : items) {
         if (item.node) {
-            for (const std::shared_ptr<Property>& property : *item.node->properties) {
-                property->nodeValue.reset();
-            }
+            clearReferences(*item.node);
         }
     }
 }
@@ -221,8 +283,9 @@ std::string nodeTitle(const MaterialItem& item) {
     return joinText({"node \"", item.id, "\" (\"", item.node->name(), "\")"});
 }
 
-Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings) {
-    return MaterialBuilder(std::move(document), plugins, warnings).build();
+Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings,
+                       Errors* errors) {
+    return MaterialBuilder(std::move(document), plugins, warnings, errors).build();
 }
 
 } // namespace patina

@@ -17,19 +17,19 @@
 namespace patina {
 
 /// What a property holds, but for a reference to a node.
-struct PropertyValue {
+struct PropertyContent {
     PropertyType kind = PropertyType::Bool;
     std::string text;
     std::int32_t integer = 0;
     std::array<float, 3> floats = {};
 
-    friend bool operator==(const PropertyValue& left, const PropertyValue& right) = default;
+    friend bool operator==(const PropertyContent& left, const PropertyContent& right) = default;
 };
 
 /// A property that a node's update gave another value than the document does.
 struct OverriddenProperty {
-    std::string property; ///< its name: no handle, so that nothing of a plug-in outlives its nodes
-    PropertyValue given;  ///< what the document gives, be it by its silence
+    std::string property;  ///< its name: no handle, so that nothing of a plug-in outlives its nodes
+    PropertyContent given; ///< what the document gives, be it by its silence
 };
 
 /// A node of a live material, and where it comes from.
@@ -87,8 +87,11 @@ struct Material {
 /// that is saved of it.
 ///
 /// Throws HostError, naming line and node, for a value that does not parse, an unknown id or port, an input
-/// that is connected twice, a cycle of connections or of references, and whatever a node refuses.
-Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings);
+/// that is connected twice, a cycle of connections or of references, and whatever a node refuses. With
+/// `errors`, goes on without what is wrong and puts them there; only a placeholder that no plug-in offers
+/// ends it then. Such a material is for looking at: its document keeps what it goes without.
+Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings,
+                       Errors* errors = nullptr);
 
 /// How messages name a node: `node "id" ("Name")`.
 std::string nodeTitle(const MaterialItem& item);

@@ -47,11 +47,11 @@ Port* findInput(MaterialNode& node, const std::string& name) {
 
 } // namespace
 
-PropertyValue detail::valueOf(const Property& property) {
+PropertyContent detail::valueOf(const Property& property) {
     return {property.kind, property.stringValue, property.intValue, property.floatValues};
 }
 
-void detail::setValue(Property& property, const PropertyValue& value) {
+void detail::setValue(Property& property, const PropertyContent& value) {
     property.kind = value.kind;
     property.stringValue = value.text;
     property.intValue = value.integer;
@@ -70,7 +70,7 @@ std::shared_ptr<PropertySet> detail::makeSavedSet(const std::string& type, std::
 
 void detail::updateItem(const Material& material, MaterialItem& item) {
     const PropertySet& set = *item.node->properties;
-    std::vector<PropertyValue> given;
+    std::vector<PropertyContent> given;
     given.reserve(set.items.size());
     for (const std::shared_ptr<Property>& property : set) {
         given.push_back(valueOf(*property));
@@ -107,21 +107,33 @@ Dependencies detail::referencesOf(const Material& material, const NodeIndex& ind
 std::vector<std::size_t> detail::updateOrder(const Material& material, const Dependencies& references) {
     DependencyOrder order = orderByDependencies(references);
     if (!order.cycle.empty()) {
-        failAtCycle(material, "nodes refer to one another in a cycle: ", order.cycle);
+        failAtReferenceCycle(material, order.cycle);
     }
     return std::move(order.order);
 }
 
-std::vector<std::size_t> detail::downstreamOrder(const Material& material) {
+Dependencies detail::sourcesOf(const Material& material) {
     Dependencies sources(material.items.size());
     for (const MaterialConnection& connection : material.connections) {
         sources[connection.destination].push_back(connection.source);
     }
-    DependencyOrder order = orderByDependencies(sources);
+    return sources;
+}
+
+std::vector<std::size_t> detail::downstreamOrder(const Material& material) {
+    DependencyOrder order = orderByDependencies(sourcesOf(material));
     if (!order.cycle.empty()) {
-        failAtCycle(material, "the connections form a cycle: ", {order.cycle.rbegin(), order.cycle.rend()});
+        failAtConnectionCycle(material, order.cycle);
     }
     return std::move(order.order);
+}
+
+void detail::failAtReferenceCycle(const Material& material, const std::vector<std::size_t>& cycle) {
+    failAtCycle(material, "nodes refer to one another in a cycle: ", cycle);
+}
+
+void detail::failAtConnectionCycle(const Material& material, const std::vector<std::size_t>& cycle) {
+    failAtCycle(material, "the connections form a cycle: ", {cycle.rbegin(), cycle.rend()});
 }
 
 Port* detail::requireOutput(const Material& material, const MaterialItem& item, const std::string& name,

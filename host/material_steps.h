@@ -16,8 +16,8 @@ namespace patina::detail {
 inline constexpr const char* placeholderType = "CoreDefault";
 inline constexpr const char* typePropertyName = "Type";
 
-PropertyValue valueOf(const Property& property);
-void setValue(Property& property, const PropertyValue& value);
+PropertyContent valueOf(const Property& property);
+void setValue(Property& property, const PropertyContent& value);
 
 /// A set with the type and nothing else, as a saved set begins.
 std::shared_ptr<PropertySet> makeSavedSet(const std::string& type, std::int32_t version);
@@ -34,8 +34,17 @@ Dependencies referencesOf(const Material& material, const NodeIndex& indexByNode
 /// Every item after those it refers to. Throws HostError that shows a cycle.
 std::vector<std::size_t> updateOrder(const Material& material, const Dependencies& references);
 
+/// For each item, the items that its inputs come from.
+Dependencies sourcesOf(const Material& material);
+
 /// What Material::downstream must be. Throws HostError that shows a cycle.
 std::vector<std::size_t> downstreamOrder(const Material& material);
+
+/// Throw HostError that shows a cycle, whose items each depend on the next.
+/// @{
+[[noreturn]] void failAtReferenceCycle(const Material& material, const std::vector<std::size_t>& cycle);
+[[noreturn]] void failAtConnectionCycle(const Material& material, const std::vector<std::size_t>& cycle);
+/// @}
 
 /// The named port of an item; null on a placeholder, which has none. Throws HostError when there is no such
 /// port.

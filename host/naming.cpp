@@ -27,15 +27,15 @@ std::string functionIdentity(const GeneratorNode& function) {
 
 class ShaderNamer {
 public:
-    ShaderNamer(const Material& material, const Dataflow& flow, const StagedShader& shader)
-        : material_(material), flow_(flow), shader_(shader) {
+    ShaderNamer(const Material& material, const Dataflow& flow, const StagedShader& shader, Errors* errors)
+        : material_(material), flow_(flow), shader_(shader), errors_(errors) {
         names_.functions.resize(flow.nodes.size());
         names_.values.resize(flow.nodes.size());
     }
 
     ShaderNames name() {
         takeParameters();
-        names_.position = allocator_.allocate("position");
+        names_.position = positionName();
         names_.clipPosition = allocator_.allocate("clipPosition");
         names_.colour = allocator_.allocate("colour");
         for (std::size_t i = 0; i < shader_.registers.size(); ++i) {
@@ -50,30 +50,43 @@ private:
     const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
 
     void takeParameters() {
-        std::unordered_map<std::string, std::size_t> firstByName;
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
-            const GeneratorNode& node = *flow_.nodes[i].generated;
-            if (node.kind == NodeKind::Function) {
-                continue;
+            const NodeKind kind = flow_.nodes[i].generated->kind;
+            if (kind == NodeKind::UniformParameter || kind == NodeKind::VaryingParameter) {
+                attempt(errors_, [&] { takeParameter(i); });
             }
-            const MaterialItem& item = itemOf(i);
-            if (isReservedName(node.name)) {
-                throw HostError(
-                    {material_.file, item.line},
-                    joinText({nodeTitle(item), ": the name \"", node.name,
-                              "\" is reserved in Cg or by the shader framework; rename the node"}));
-            }
-            const auto [first, isNew] = firstByName.try_emplace(node.name, i);
-            const GeneratorNode& earlier = *flow_.nodes[first->second].generated;
-            if (!isNew && (earlier.kind != node.kind || earlier.type != node.type)) {
-                throw HostError(
-                    {material_.file, item.line},
-                    joinText({nodeTitle(item), ": ", describe(node), " has the name of ", describe(earlier),
-                              " of ", nodeTitle(itemOf(first->second)), "; rename one of the nodes"}));
-            }
-            allocator_.take(node.name);
-            names_.values[i].assign(node.outputs.size(), node.name);
         }
+    }
+
+    void takeParameter(std::size_t index) {
+        const GeneratorNode& node = *flow_.nodes[index].generated;
+        const MaterialItem& item = itemOf(index);
+        names_.values[index].assign(node.outputs.size(), node.name);
+        allocator_.take(node.name);
+        if (isReservedName(node.name)) {
+            throw HostError({material_.file, item.line},
+                            joinText({nodeTitle(item), ": the name \"", node.name,
+                                      "\" is reserved in Cg or by the shader framework; rename the node"}));
+        }
+        const auto [first, isNew] = parameterByName_.try_emplace(node.name, index);
+        const GeneratorNode& earlier = *flow_.nodes[first->second].generated;
+        if (!isNew && (earlier.kind != node.kind || earlier.type != node.type)) {
+            throw HostError(
+                {material_.file, item.line},
+                joinText({nodeTitle(item), ": ", describe(node), " has the name of ", describe(earlier),
+                          " of ", nodeTitle(itemOf(first->second)), "; rename one of the nodes"}));
+        }
+    }
+
+    /// A node may read the position itself; it is declared once then.
+    std::string positionName() {
+        for (const std::size_t index : shader_.attributes) {
+            const GeneratorNode& varying = *flow_.nodes[index].generated;
+            if (varying.registerReference == RegisterReference{registers::vertexAttribute, 0}) {
+                return varying.name;
+            }
+        }
+        return allocator_.allocate("position");
     }
 
     void nameFunctions() {
@@ -91,19 +104,39 @@ private:
     }
 
     /// A node's values are named after its id; those of conversions, which have no id, after what they
-    /// convert.
+    /// convert; registers after themselves.
     void nameValues() {
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             const DataflowNode& node = flow_.nodes[i];
-            if (node.generated->kind != NodeKind::Function) {
-                continue;
-            }
-            for (const GeneratorPort& port : node.generated->outputs) {
-                const std::string stem = node.conversion ? valueName(node.inputs[0]) : itemOf(i).id;
-                const std::string suffix = node.conversion ? typeText(port.type) : port.name;
-                names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
+            switch (node.generated->kind) {
+            case NodeKind::Function:
+            case NodeKind::InterpolantParameter:
+                for (const GeneratorPort& port : node.generated->outputs) {
+                    const std::string stem = node.conversion ? valueName(node.inputs[0]) : itemOf(i).id;
+                    const std::string suffix = node.conversion ? typeText(port.type) : port.name;
+                    names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
+                }
+                break;
+            case NodeKind::RegisterParameter:
+                names_.values[i].push_back(registerName(*node.generated));
+                break;
+            case NodeKind::InterfaceParameter:
+            case NodeKind::VaryingParameter:
+            case NodeKind::UniformParameter:
+                break;
             }
         }
+    }
+
+    /// The name of a register's parameter, which all nodes that read it share.
+    std::string registerName(const GeneratorNode& node) {
+        const std::string text = registerText(node.registerReference);
+        const RegisterEntry& entry = registerEntry(node.registerReference.index);
+        std::string& name = registerNames_[(entry.stage == 0 ? "vertex " : "fragment ") + text];
+        if (name.empty()) {
+            name = allocator_.allocate(toCgName(node.name.empty() ? text : node.name));
+        }
+        return name;
     }
 
     const std::string& valueName(const ValueSource& source) const {
@@ -113,14 +146,18 @@ private:
     const Material& material_;
     const Dataflow& flow_;
     const StagedShader& shader_;
+    Errors* errors_;
     NameAllocator allocator_;
+    std::unordered_map<std::string, std::size_t> parameterByName_;
+    std::map<std::string, std::string> registerNames_;
     ShaderNames names_;
 };
 
 } // namespace
 
-ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader) {
-    return ShaderNamer(material, flow, shader).name();
+ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader,
+                       Errors* errors) {
+    return ShaderNamer(material, flow, shader, errors).name();
 }
 
 } // namespace patina

@@ -4,7 +4,6 @@
 #include "nodemodel/text.h"
 
 #include <map>
-#include <set>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -19,16 +18,14 @@ namespace {
 struct StageTable {
     const char* title;
     const ShaderStage StagedShader::*stage;
-    std::int32_t samplerRegister;
+    std::vector<PlacedParameter> RegisterAssignment::*uniforms;
     std::int32_t interpolantRegister;
 };
 
-constexpr StageTable vertexStage = {"vertex", &StagedShader::vertex, registers::vertexSampler,
+constexpr StageTable vertexStage = {"vertex", &StagedShader::vertex, &RegisterAssignment::vertexUniforms,
                                     registers::vertexInterpolant};
-constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment, registers::fragmentSampler,
-                                      registers::fragmentInterpolant};
-
-bool isSampler(const ShaderType& type) { return type.componentType >= ComponentType::Sampler1D; }
+constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment,
+                                      &RegisterAssignment::fragmentUniforms, registers::fragmentInterpolant};
 
 /// Appends one program to one text.
 class ProgramPrinter {
@@ -37,26 +34,51 @@ public:
         : shader_(shader), table_(table), stage_(shader.stages.*table.stage) {}
 
     void printHeader() {
-        append(
-            {"// ", oneLine(shader_.material.name), ", ", table_.title, " program. Written by patina.\n\n"});
-        text_ += frameworkText();
+        append({"// ", oneLine(shader_.material.name), ", ", table_.title, " program. Written by patina.\n"});
     }
 
-    void printText(std::string_view text) { text_ += text; }
+    void printFramework(std::string_view text) {
+        if (shader_.options.framework) {
+            append({"\n", text});
+        }
+    }
 
     void printUniforms() {
+        const char* separator = "\n";
+        for (const PlacedParameter& uniform : shader_.registers.*table_.uniforms) {
+            append({separator, "uniform ", placedDeclaration(uniform), ";\n"});
+            separator = "";
+        }
+    }
+
+    /// Registers that are read like uniforms: constants and samplers.
+    void printUniformRegisters() {
         std::set<std::string_view> printed;
-        std::int32_t samplers = 0;
-        for (const std::size_t index : stage_.uniforms) {
-            const GeneratorNode& uniform = *shader_.flow.nodes[index].generated;
-            if (!printed.insert(uniform.name).second) {
-                continue;
+        for (const std::size_t index : stage_.registerInputs) {
+            if (isUniformRegister(index) && printed.insert(registerName(index)).second) {
+                append({printed.size() == 1 ? "\n" : "", "uniform ", registerParameter(index), ";\n"});
             }
-            append({printed.size() == 1 ? "\n" : "", "uniform ", declaration(uniform.type, uniform.name)});
-            if (isSampler(uniform.type)) {
-                append({" : ", semantic(table_.samplerRegister, samplers++, "textures")});
+        }
+    }
+
+    /// The parameters of `main` for registers that nodes name themselves.
+    std::vector<std::string> registerParameters() const {
+        std::vector<std::string> parameters;
+        std::set<std::string_view> declared;
+        for (const std::size_t index : stage_.registerInputs) {
+            if (!isUniformRegister(index) && declared.insert(registerName(index)).second) {
+                parameters.push_back(registerParameter(index));
             }
-            text_ += ";\n";
+        }
+        for (const std::size_t index : stage_.registerOutputs) {
+            parameters.push_back("out " + registerParameter(index));
+        }
+        return parameters;
+    }
+
+    void writeRegisters() {
+        for (const std::size_t index : stage_.registerOutputs) {
+            statement({registerName(index), " = ", valueName(shader_.flow.nodes[index].inputs.front())});
         }
     }
 
@@ -65,7 +87,7 @@ public:
         std::unordered_set<std::string_view> printed;
         for (const std::size_t index : stage_.functions) {
             const std::string& name = shader_.names.functions[index];
-            if (printed.insert(name).second) {
+            if (!name.empty() && printed.insert(name).second) {
                 printUsers(users.at(name));
                 printFunction(name, *shader_.flow.nodes[index].generated);
             }
@@ -103,7 +125,7 @@ public:
         const InterpolantRegister& entry = shader_.stages.registers[index];
         const ShaderType type = {entry.componentType, entry.componentCount, 1, 1};
         return joinText({declaration(type, shader_.names.interpolants[index]), " : ",
-                         registerText({table_.interpolantRegister, static_cast<std::int32_t>(index)})});
+                         registerText({table_.interpolantRegister, entry.number})});
     }
 
     /// The part of an interpolant register that carries a value.
@@ -122,19 +144,28 @@ public:
         return shader_.names.values[source.node][source.port];
     }
 
-    /// A register's semantic; throws when the stage has no register of that number.
-    std::string semantic(std::int32_t index, std::int32_t number, std::string_view what) const {
-        const std::int32_t available = registerEntry(index).registerCount;
-        if (number >= available) {
-            throw HostError({shader_.material.file, shader_.material.line},
-                            joinText({"the ", table_.title, " program reads more than ",
-                                      std::to_string(available), " ", what}));
-        }
-        return registerText({index, number});
+    /// `type name : SEMANTIC` of a uniform or varying.
+    std::string placedDeclaration(const PlacedParameter& parameter) const {
+        const GeneratorNode& generated = *shader_.flow.nodes[parameter.node].generated;
+        return joinText({declaration(generated.type, generated.name), " : ", registerText(parameter.place)});
     }
 
 private:
     void append(std::initializer_list<std::string_view> pieces) { appendText(text_, pieces); }
+
+    bool isUniformRegister(std::size_t index) const {
+        const std::int32_t entry = shader_.flow.nodes[index].generated->registerReference.index;
+        return entry == registers::vertexConstant || entry == registers::vertexSampler ||
+               entry == registers::fragmentSampler;
+    }
+
+    const std::string& registerName(std::size_t index) const { return shader_.names.values[index].front(); }
+
+    std::string registerParameter(std::size_t index) const {
+        const GeneratorNode& node = *shader_.flow.nodes[index].generated;
+        return joinText(
+            {declaration(node.type, registerName(index)), " : ", registerText(node.registerReference)});
+    }
 
     std::map<std::string_view, std::vector<std::size_t>> usersByFunction() const {
         std::map<std::string_view, std::vector<std::size_t>> users;
@@ -174,6 +205,14 @@ private:
 
     void printCall(std::size_t index) {
         const DataflowNode& node = shader_.flow.nodes[index];
+        if (shader_.options.annotate) {
+            printTypes(node);
+        }
+        if (node.generated->kind == NodeKind::InterpolantParameter) {
+            statement({declaration(node.generated->type, shader_.names.values[index].front()), " = ",
+                       valueName(node.inputs.front())});
+            return;
+        }
         for (std::size_t port = 0; port < node.generated->outputs.size(); ++port) {
             statement({declaration(node.generated->outputs[port].type, shader_.names.values[index][port])});
         }
@@ -190,40 +229,53 @@ private:
         text_ += " );\n";
     }
 
+    /// A comment with the node and the types of its ports.
+    void printTypes(const DataflowNode& node) {
+        append({"\t// ", oneLine(nodeTitle(shader_.material.items[node.owner])), ": "});
+        printPorts(node.generated->inputs);
+        text_ += node.generated->inputs.empty() ? "-> " : " -> ";
+        printPorts(node.generated->outputs);
+        text_ += "\n";
+    }
+
+    void printPorts(const std::vector<GeneratorPort>& ports) {
+        for (std::size_t i = 0; i < ports.size(); ++i) {
+            append({i == 0 ? "" : ", ", declaration(ports[i].type, ports[i].name)});
+        }
+    }
+
     const AssembledShader& shader_;
     const StageTable& table_;
     const ShaderStage& stage_;
     std::string text_;
 };
 
+void appendAll(std::vector<std::string>& list, const std::vector<std::string>& more) {
+    list.insert(list.end(), more.begin(), more.end());
+}
+
 } // namespace
 
 std::string printVertexProgram(const AssembledShader& shader) {
     ProgramPrinter printer(shader, vertexStage);
     printer.printHeader();
-    printer.printText(vertexFrameworkText());
+    printer.printFramework(frameworkText() + vertexFrameworkText());
     printer.printUniforms();
+    printer.printUniformRegisters();
     printer.printFunctions();
 
     const ShaderType positionType = {ComponentType::Float, 4, 1, 1};
-    std::int32_t attributes = 0;
-    const auto attribute = [&](const ShaderType& type, const std::string& name) {
-        return joinText({declaration(type, name), " : ",
-                         printer.semantic(registers::vertexAttribute, attributes++, "vertex attributes")});
-    };
-    std::vector<std::string> parameters = {attribute(positionType, shader.names.position)};
-    std::set<std::string_view> declared;
-    for (const std::size_t index : shader.stages.attributes) {
-        const GeneratorNode& varying = *shader.flow.nodes[index].generated;
-        if (declared.insert(varying.name).second) {
-            parameters.push_back(attribute(varying.type, varying.name));
-        }
+    std::vector<std::string> parameters = {joinText(
+        {declaration(positionType, shader.names.position), " : ", registerText(shader.registers.position)})};
+    for (const PlacedParameter& attribute : shader.registers.attributes) {
+        parameters.push_back(printer.placedDeclaration(attribute));
     }
     parameters.push_back(joinText({"out ", declaration(positionType, shader.names.clipPosition), " : ",
                                    registerText({registers::vertexPosition, 0})}));
     for (std::size_t i = 0; i < shader.stages.registers.size(); ++i) {
         parameters.push_back("out " + printer.interpolantParameter(i));
     }
+    appendAll(parameters, printer.registerParameters());
     printer.beginMain(parameters);
     printer.statement({shader.names.clipPosition, " = QelTransformPosition( ", shader.names.position, " )"});
     printer.printCalls();
@@ -231,13 +283,16 @@ std::string printVertexProgram(const AssembledShader& shader) {
         printer.statement(
             {printer.interpolantPlace(interpolant), " = ", printer.valueName(interpolant.value)});
     }
+    printer.writeRegisters();
     return printer.finish();
 }
 
 std::string printFragmentProgram(const AssembledShader& shader) {
     ProgramPrinter printer(shader, fragmentStage);
     printer.printHeader();
+    printer.printFramework(frameworkText());
     printer.printUniforms();
+    printer.printUniformRegisters();
     printer.printFunctions();
 
     const ShaderType colourType = {ComponentType::Float, 4, 1, 1};
@@ -247,6 +302,7 @@ std::string printFragmentProgram(const AssembledShader& shader) {
     }
     parameters.push_back(joinText({"out ", declaration(colourType, shader.names.colour), " : ",
                                    registerText({registers::fragmentColour, 0})}));
+    appendAll(parameters, printer.registerParameters());
     printer.beginMain(parameters);
     for (const Interpolant& interpolant : shader.stages.interpolants) {
         const ShaderType& type = shader.flow.port(interpolant.value).type;
@@ -258,6 +314,7 @@ std::string printFragmentProgram(const AssembledShader& shader) {
     printer.statement(
         {shader.names.colour, " = float4( ", printer.valueName(shader.flow.colour), isScalar ? ".xxx" : "",
          ", ", shader.flow.hasAlpha ? std::string_view(printer.valueName(shader.flow.alpha)) : "1.0", " )"});
+    printer.writeRegisters();
     return printer.finish();
 }
 

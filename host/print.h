@@ -2,11 +2,17 @@
 
 #include "host/dataflow.h"
 #include "host/naming.h"
+#include "host/registers.h"
 #include "host/stages.h"
 
 #include <string>
 
 namespace patina {
+
+struct PrintOptions {
+    bool framework = true; ///< whether the functions of host/framework.cg are in the text
+    bool annotate = false; ///< whether a comment over each call in `main` gives node and types
+};
 
 /// Everything that the printed programs are made from.
 struct AssembledShader {
@@ -14,11 +20,12 @@ struct AssembledShader {
     const Dataflow& flow;
     const StagedShader& stages;
     const ShaderNames& names;
+    const RegisterAssignment& registers;
+    const PrintOptions& options;
 };
 
 // Complete Cg programs: the framework, uniforms, each distinct function once, and `main`. The text depends on
-// the material alone, to the byte. Throws HostError when a stage has more parameters of a kind than
-// registers.
+// the material alone, to the byte.
 
 std::string printVertexProgram(const AssembledShader& shader);
 std::string printFragmentProgram(const AssembledShader& shader);

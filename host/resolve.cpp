@@ -79,7 +79,17 @@ void checkConflict(const Material& material, const MaterialItem& item,
     }
 }
 
-void resolveComponentCounts(const Material& material, const Links& links) {
+/// Spares what comes after a node that failed errors that only follow from that.
+void assumeScalars(std::vector<Port>& outputs) {
+    for (Port& output : outputs) {
+        if (!output.componentCountKnown) {
+            output.componentCount = 1;
+            output.componentCountKnown = true;
+        }
+    }
+}
+
+void resolveComponentCounts(const Material& material, const Links& links, Errors* errors) {
     for (const std::size_t index : material.downstream) {
         const MaterialItem& item = material.items[index];
         for (const MaterialConnection* connection : links.incoming[index]) {
@@ -89,12 +99,17 @@ void resolveComponentCounts(const Material& material, const Links& links) {
                 input.componentCountKnown = true;
             }
         }
-        onBehalfOf(material, item, item.line, [&] { item.node->resolveComponentCounts(); });
-        checkConflict(material, item, links.incoming[index]);
+        const bool isResolved = attempt(errors, [&] {
+            onBehalfOf(material, item, item.line, [&] { item.node->resolveComponentCounts(); });
+            checkConflict(material, item, links.incoming[index]);
+        });
+        if (!isResolved) {
+            assumeScalars(item.node->outputs);
+        }
     }
 }
 
-void resolvePrecisions(const Material& material, const Links& links) {
+void resolvePrecisions(const Material& material, const Links& links, Errors* errors) {
     for (auto index = material.downstream.rbegin(); index != material.downstream.rend(); ++index) {
         const MaterialItem& item = material.items[*index];
         for (const MaterialConnection* connection : links.outgoing[*index]) {
@@ -109,20 +124,21 @@ void resolvePrecisions(const Material& material, const Links& links) {
                 output.precisionKnown = true;
             }
         }
-        onBehalfOf(material, item, item.line, [&] { item.node->resolvePrecision(); });
+        attempt(errors,
+                [&] { onBehalfOf(material, item, item.line, [&] { item.node->resolvePrecision(); }); });
     }
 }
 
 } // namespace
 
-void resolveMaterial(Material& material) {
+void resolveMaterial(Material& material, Errors* errors) {
     for (const MaterialItem& item : material.items) {
         forgetResolution(item.node->inputs);
         forgetResolution(item.node->outputs);
     }
     const Links links = linksOf(material);
-    resolveComponentCounts(material, links);
-    resolvePrecisions(material, links);
+    resolveComponentCounts(material, links, errors);
+    resolvePrecisions(material, links, errors);
 }
 
 } // namespace patina

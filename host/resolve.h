@@ -7,7 +7,8 @@ namespace patina {
 /// Resolves the ports of a whole material: component counts from sources to destinations, then precisions
 /// from destinations back to sources. What an earlier resolution found is forgotten first.
 ///
-/// Throws HostError when the inputs of a node have different widths, naming both sources.
-void resolveMaterial(Material& material);
+/// Throws HostError when the inputs of a node have different widths, naming both sources. With `errors`, goes
+/// on with the next node and puts them there.
+void resolveMaterial(Material& material, Errors* errors = nullptr);
 
 } // namespace patina

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <numeric>
-#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 
 namespace patina {
 
@@ -28,7 +30,8 @@ struct Demand {
 
 class StagePlacer {
 public:
-    StagePlacer(const Material& material, const Dataflow& flow) : material_(material), flow_(flow) {
+    StagePlacer(const Material& material, const Dataflow& flow, Errors* errors)
+        : material_(material), flow_(flow), errors_(errors) {
         demands_.resize(flow.nodes.size());
         for (std::size_t i = 0; i < flow.nodes.size(); ++i) {
             demands_[i].portsByFragment.resize(flow.nodes[i].generated->outputs.size());
@@ -42,15 +45,18 @@ public:
         }
         // readers come behind their sources, so that every demand on a node is known when it is placed
         for (std::size_t i = flow_.nodes.size(); i-- > 0;) {
-            placeNode(i);
+            attempt(errors_, [&] { placeNode(i); });
         }
         for (ShaderStage* stage : {&shader_.vertex, &shader_.fragment}) {
-            std::reverse(stage->functions.begin(), stage->functions.end());
-            std::reverse(stage->uniforms.begin(), stage->uniforms.end());
+            for (auto* nodes :
+                 {&stage->functions, &stage->uniforms, &stage->registerInputs, &stage->registerOutputs}) {
+                std::reverse(nodes->begin(), nodes->end());
+            }
         }
         std::reverse(shader_.attributes.begin(), shader_.attributes.end());
         std::reverse(crossing_.begin(), crossing_.end());
-        packInterpolants();
+        attempt(errors_, [&] { claimRegisters(); });
+        attempt(errors_, [&] { packInterpolants(); });
         return std::move(shader_);
     }
 
@@ -106,12 +112,74 @@ private:
                 shader_.fragment.uniforms.push_back(node);
             }
             return;
-        case NodeKind::InterfaceParameter:
-        case NodeKind::RegisterParameter:
         case NodeKind::InterpolantParameter:
+            placeInterpolant(node);
+            return;
+        case NodeKind::RegisterParameter:
+            placeRegister(node);
+            return;
+        case NodeKind::InterfaceParameter: // joinGraph leaves none
             break;
         }
-        fail(node, {"this host does not supply ", describe(generated)});
+        fail(node, {"a shader has no place for ", describe(generated)});
+    }
+
+    void placeInterpolant(std::size_t node) {
+        shader_.vertex.functions.push_back(node);
+        cross(node);
+        demandInputs(node, false, node);
+    }
+
+    void placeRegister(std::size_t node) {
+        const GeneratorNode& generated = *flow_.nodes[node].generated;
+        const bool inVertex = registerEntry(generated.registerReference.index).stage == 0;
+        ShaderStage& stage = inVertex ? shader_.vertex : shader_.fragment;
+        if (!generated.inputs.empty()) {
+            stage.registerOutputs.push_back(node);
+            demandInputs(node, !inVertex, inVertex ? node : nobody);
+            return;
+        }
+        if (!inVertex && demands_[node].byVertex()) {
+            fail(node, {describe(generated), " belongs to the fragment program, and ",
+                        nodeTitle(itemOf(demands_[node].vertexReader)),
+                        ", which runs per vertex, needs its value"});
+        }
+        stage.registerInputs.push_back(node);
+        if (inVertex) {
+            cross(node);
+        }
+    }
+
+    /// Holds the registers that nodes name against the table and against one another.
+    void claimRegisters() {
+        std::map<std::pair<std::int32_t, std::int32_t>, std::size_t> firstByRegister;
+        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+            const GeneratorNode& generated = *flow_.nodes[node].generated;
+            const RegisterReference& reference = generated.registerReference;
+            if (generated.kind != NodeKind::RegisterParameter) {
+                continue;
+            }
+            const std::int32_t available = registerEntry(reference.index).registerCount;
+            if (reference.index == registers::unknown || reference.number < 0 ||
+                reference.number >= available) {
+                fail(node, {describe(generated), " is no register of a shader"});
+            }
+            if (reference == RegisterReference{registers::fragmentColour, 0} ||
+                reference.index == registers::vertexPosition) {
+                fail(node, {describe(generated), " is written by the shader framework"});
+            }
+            const auto [first, isNew] =
+                firstByRegister.try_emplace({reference.index, reference.number}, node);
+            const bool isWritten = !generated.inputs.empty();
+            if (!isNew && (isWritten || flow_.nodes[first->second].generated->type != generated.type)) {
+                fail(node, {describe(generated), " is claimed by ", nodeTitle(itemOf(first->second)),
+                            " already, as ", describe(*flow_.nodes[first->second].generated)});
+            }
+            if (reference.index == registers::vertexInterpolant ||
+                reference.index == registers::fragmentInterpolant) {
+                claimedInterpolants_.insert(reference.number);
+            }
+        }
     }
 
     void placeFunction(std::size_t node) {
@@ -135,40 +203,81 @@ private:
         demandInputs(node, inFragment, reader);
     }
 
+    /// Values, as indices into crossing_, in registers that hold them together.
+    using Packing = std::vector<std::vector<std::size_t>>;
+
     /// First fit, widest first: with widths of one to four it leaves no register that could have been saved.
-    void packInterpolants() {
-        std::vector<std::size_t> order(crossing_.size());
-        std::iota(order.begin(), order.end(), std::size_t{0});
-        std::stable_sort(order.begin(), order.end(),
+    Packing pack(std::vector<std::size_t> values) const {
+        std::stable_sort(values.begin(), values.end(),
                          [&](std::size_t left, std::size_t right) { return widthOf(left) > widthOf(right); });
+        Packing packing;
+        std::vector<std::int32_t> used;
+        for (const std::size_t value : values) {
+            const std::int32_t width = widthOf(value);
+            const auto place = std::find_if(
+                used.begin(), used.end(), [&](std::int32_t count) { return count + width <= registerWidth; });
+            const auto index = static_cast<std::size_t>(place - used.begin());
+            if (index == used.size()) {
+                used.push_back(0);
+                packing.emplace_back();
+            }
+            used[index] += width;
+            packing[index].push_back(value);
+        }
+        return packing;
+    }
+
+    /// Half and float values apart, unless that takes more registers than mixing them.
+    Packing packAll() const {
+        std::vector<std::size_t> all(crossing_.size());
+        std::iota(all.begin(), all.end(), std::size_t{0});
+        std::vector<std::size_t> halves;
+        std::vector<std::size_t> others;
+        for (const std::size_t value : all) {
+            (typeOf(value).componentType == ComponentType::Half ? halves : others).push_back(value);
+        }
+        Packing apart = pack(others);
+        const Packing halfRegisters = pack(halves);
+        apart.insert(apart.end(), halfRegisters.begin(), halfRegisters.end());
+        Packing mixed = pack(all);
+        return apart.size() <= mixed.size() ? apart : mixed;
+    }
+
+    void packInterpolants() {
+        const Packing packing = packAll();
         shader_.interpolants.resize(crossing_.size());
-        for (const std::size_t index : order) {
-            const std::int32_t width = widthOf(index);
-            auto place = std::find_if(shader_.registers.begin(), shader_.registers.end(),
-                                      [&](const InterpolantRegister& entry) {
-                                          return entry.componentCount + width <= registerWidth;
-                                      });
-            if (place == shader_.registers.end()) {
-                place = shader_.registers.insert(place, InterpolantRegister{});
+        std::int32_t number = 0;
+        for (const std::vector<std::size_t>& values : packing) {
+            while (claimedInterpolants_.count(number) != 0) {
+                ++number;
             }
-            shader_.interpolants[index] = {crossing_[index],
-                                           static_cast<std::size_t>(place - shader_.registers.begin()),
-                                           place->componentCount};
-            place->componentCount += width;
-            if (typeOf(index).componentType != ComponentType::Half) {
-                place->componentType = ComponentType::Float;
+            InterpolantRegister entry;
+            entry.number = number++;
+            for (const std::size_t value : values) {
+                shader_.interpolants[value] = {crossing_[value], shader_.registers.size(),
+                                               entry.componentCount};
+                entry.componentCount += widthOf(value);
+                if (typeOf(value).componentType != ComponentType::Half) {
+                    entry.componentType = ComponentType::Float;
+                }
             }
+            shader_.registers.push_back(entry);
         }
-        const auto available =
-            static_cast<std::size_t>(registerEntry(registers::vertexInterpolant).registerCount);
-        if (shader_.registers.size() > available) {
-            throw HostError({material_.file, material_.line},
-                            joinText({"this material passes ", std::to_string(crossing_.size()),
-                                      " values from the vertex to the fragment program, which takes ",
-                                      std::to_string(shader_.registers.size()),
-                                      " interpolant registers, and there are ", std::to_string(available),
-                                      "; compute more per fragment, or read fewer uv and colour sets"}));
+        const std::size_t available =
+            static_cast<std::size_t>(registerEntry(registers::vertexInterpolant).registerCount) -
+            claimedInterpolants_.size();
+        if (packing.size() > available) {
+            failTooFew(packing.size(), available);
         }
+    }
+
+    [[noreturn]] void failTooFew(std::size_t taken, std::size_t available) const {
+        throw HostError(
+            {material_.file, material_.line},
+            joinText({"this material passes ", std::to_string(crossing_.size()),
+                      " values from the vertex to the fragment program, which takes ", std::to_string(taken),
+                      " interpolant registers, and there are ", std::to_string(available),
+                      "; compute more per fragment, or read fewer uv and colour sets"}));
     }
 
     const ShaderType& typeOf(std::size_t crossing) const { return flow_.port(crossing_[crossing]).type; }
@@ -188,15 +297,17 @@ private:
 
     const Material& material_;
     const Dataflow& flow_;
+    Errors* errors_;
     std::vector<Demand> demands_;
     std::vector<ValueSource> crossing_;
+    std::set<std::int32_t> claimedInterpolants_; ///< numbers of registers that nodes name themselves
     StagedShader shader_;
 };
 
 } // namespace
 
-StagedShader placeInStages(const Material& material, const Dataflow& flow) {
-    return StagePlacer(material, flow).place();
+StagedShader placeInStages(const Material& material, const Dataflow& flow, Errors* errors) {
+    return StagePlacer(material, flow, errors).place();
 }
 
 } // namespace patina

@@ -1,7 +1,9 @@
 #include "tests/host/host_checks.h"
+#include "tests/host/sample_flow.h"
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 namespace patina {
@@ -18,7 +20,17 @@ using testing::property;
 
 const std::string anything = maths("m", "Invert") + output("colour", "m", "out_value");
 
-std::string bindingsOf(const std::string& body) { return exported(body).bindings.content; }
+/// The bindings file without the lines of the programs, whose digests are not these tests' concern.
+std::string bindingsOf(const std::string& body) {
+    std::istringstream file(exported(body).bindings.content);
+    std::string kept;
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind("  <program ", 0) != 0) {
+            kept += line + "\n";
+        }
+    }
+    return kept;
+}
 
 TEST(PrintBindings, WritesEveryAnnotation) {
     EXPECT_EQ(
@@ -47,12 +59,12 @@ TEST(PrintBindings, WritesEveryAnnotation) {
         "helpUrl=\"http://wear?a&amp;b\"/>\n"
         "  <binding kind=\"float\" components=\"3\" tag=\"Tint\" gui=\"colour\" "
         "desc=\"5 &lt; 6 &quot;\xC3\xA4\xE2\x82\xAC&quot;&#10;.\" default=\"0.62, 0.11, 0.08\" "
-        "basic_colour=\"Yes\"/>\n"
+        "basic_colour=\"Yes\" exported_default=\"0.62, 0.11, 0.08\"/>\n"
         "  <binding kind=\"float\" components=\"1\" tag=\"Frame\" gui=\"slider\" min=\"0\" "
         "max=\"1.23457e+06\" "
-        "default=\"0.5\"/>\n"
+        "default=\"0.5\" exported_default=\"0.5\"/>\n"
         "  <binding kind=\"float\" components=\"3\" tag=\"Dir\" gui=\"slider\" min=\"0, 0, 0\" "
-        "max=\"1, 1, 1\" default=\"1, 1, 1\"/>\n"
+        "max=\"1, 1, 1\" default=\"1, 1, 1\" exported_default=\"1, 1, 1\"/>\n"
         "</bindings>\n");
 }
 
@@ -68,10 +80,88 @@ TEST(PrintBindings, WritesTexturesOnce) {
               "</bindings>\n");
 }
 
+TEST(PrintBindings, SaysWhereParametersLanded) {
+    // Strength is read in both programs, Unread in none
+    EXPECT_EQ(
+        bindingsOf(
+            node("s", "CoreConstant",
+                 property("Name", "string", "Strength") + property("Constant Type", "enum", "Scalar")) +
+            node("u", "CoreConstant",
+                 property("Name", "string", "Unread") + property("Constant Type", "enum", "Scalar")) +
+            node("uv", "CoreUv", property("Name", "string", "map1")) +
+            node("t", "CoreTexture", property("Name", "string", "Paint")) + maths("v", "Multiply", "Vertex") +
+            maths("m", "Multiply") + connection("uv", "read", "v", "in_value1") +
+            connection("s", "read", "v", "in_value2") + connection("v", "out_value", "t", "in_uv") +
+            connection("t", "out_colour", "m", "in_value1") + connection("s", "read", "m", "in_value2") +
+            output("colour", "m", "out_value")),
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<bindings version=\"1\" material=\"Sample\">\n"
+        "  <binding kind=\"float\" components=\"1\" tag=\"Strength\" gui=\"slider\" min=\"0\" max=\"1\" "
+        "default=\"1\" exported_default=\"1\">\n"
+        "    <landing stage=\"vertex\" register=\"c4\" name=\"Strength\"/>\n"
+        "    <landing stage=\"fragment\" register=\"c0\" name=\"Strength\"/>\n"
+        "  </binding>\n"
+        "  <binding kind=\"float\" components=\"1\" tag=\"Unread\" gui=\"slider\" min=\"0\" max=\"1\" "
+        "default=\"1\" exported_default=\"1\"/>\n"
+        "  <binding kind=\"uv\" components=\"1\" tag=\"map1\">\n"
+        "    <landing stage=\"vertex\" register=\"ATTR1\" name=\"map1\"/>\n"
+        "  </binding>\n"
+        "  <binding kind=\"texture\" components=\"1\" tag=\"Paint\" srgb=\"Yes\">\n"
+        "    <landing stage=\"fragment\" register=\"TEXUNIT0\" name=\"Paint\"/>\n"
+        "  </binding>\n"
+        "</bindings>\n");
+}
+
+TEST(DescribeBindings, GoesByTheNameInTheShader) {
+    testing::Flow flow;
+    const std::size_t tint = flow.uniform("g_tint", testing::typeOf(ComponentType::Half, 3));
+    const StagedShader stages = flow.place(flow.function(ExecutionLevel::Fragment, {tint}));
+    BindingCollection collection;
+    const auto add = [&](const std::string& name, const std::string& cgName) {
+        const auto binding = createBinding(BindingKind::Float, name, 3);
+        binding->cgName = cgName;
+        addToBindingCollection(collection, binding);
+    };
+    add("Tint", "g_tint");
+    add("g_tint", "");
+    add("g_tint ", "other");
+    const auto described =
+        describeBindings(collection, flow.flow, assignRegisters(flow.material, flow.flow, stages));
+    ASSERT_EQ(described.size(), 3U);
+    for (const std::size_t i : {0U, 1U}) {
+        ASSERT_EQ(described[i].landings.size(), 1U) << i;
+        EXPECT_EQ(described[i].landings[0].stage, "fragment");
+        EXPECT_EQ(described[i].landings[0].registerName, "c0");
+        EXPECT_EQ(described[i].landings[0].parameter, "g_tint");
+    }
+    EXPECT_TRUE(described[2].landings.empty());
+}
+
+TEST(PrintBindings, NamesThePrograms) {
+    BindingsFile file;
+    file.material = "Grey";
+    file.programs = {describeProgram("vertex", {"Grey.vert.cg", "abc"}),
+                     describeProgram("fragment", {"Grey.frag.cg", ""})};
+    EXPECT_EQ(printBindings(file),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<bindings version=\"1\" material=\"Grey\">\n"
+              "  <program stage=\"vertex\" file=\"Grey.vert.cg\" "
+              "sha256=\"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\"/>\n"
+              "  <program stage=\"fragment\" file=\"Grey.frag.cg\" "
+              "sha256=\"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\"/>\n"
+              "</bindings>\n");
+}
+
+TEST(Sha256Text, DigestsMoreThanABlock) {
+    EXPECT_EQ(sha256Text(std::string(1000000, 'a')),
+              "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
 TEST(PrintBindings, WritesNoBindingsAtAll) {
     EXPECT_EQ(bindingsOf(node("c", "CoreConstant", property("Lock", "bool", "Yes")) + anything),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-              "<bindings version=\"1\" material=\"Sample\"/>\n");
+              "<bindings version=\"1\" material=\"Sample\">\n"
+              "</bindings>\n");
 }
 
 TEST(CollectBindings, OrdersByBindingIndexAndThenByDocument) {

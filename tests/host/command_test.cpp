@@ -4,6 +4,7 @@
 #include "host/dynamic_library.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <map>
@@ -41,6 +42,13 @@ std::size_t lines(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
+/// A file's digest as another program computes it.
+std::string sha256Of(const std::filesystem::path& file) {
+    const Outcome outcome = testing::run("sha256sum", {file.string()});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    return outcome.output.substr(0, 64);
+}
+
 /// The bytes and times of all files in a directory.
 auto stateOf(const std::filesystem::path& directory) {
     std::map<std::string, std::pair<std::string, std::filesystem::file_time_type>> state;
@@ -62,8 +70,61 @@ TEST(Export, WritesThreeFiles) {
     EXPECT_EQ(stateOf(target).size(), 3U);
     EXPECT_EQ(readText(target / "Rusty.vert.cg").rfind("// Rusty, vertex program.", 0), 0U);
     EXPECT_EQ(readText(target / "Rusty.frag.cg").rfind("// Rusty, fragment program.", 0), 0U);
-    EXPECT_EQ(readText(target / "Rusty.bindings.xml"), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                                       "<bindings version=\"1\" material=\"Rusty\"/>\n");
+    EXPECT_EQ(readText(target / "Rusty.bindings.xml"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<bindings version=\"1\" material=\"Rusty\">\n"
+              "  <program stage=\"vertex\" file=\"Rusty.vert.cg\" sha256=\"" +
+                  sha256Of(target / "Rusty.vert.cg") +
+                  "\"/>\n"
+                  "  <program stage=\"fragment\" file=\"Rusty.frag.cg\" sha256=\"" +
+                  sha256Of(target / "Rusty.frag.cg") +
+                  "\"/>\n"
+                  "</bindings>\n");
+}
+
+TEST(Export, WritesJsonWhenAsked) {
+    const TemporaryDirectory directory;
+    const Outcome outcome = patina({"export", PATINA_EXAMPLE, "--json", "-o", directory.path().string()});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(directory.names(), (Names{"PaintedMetal.bindings.json", "PaintedMetal.bindings.xml",
+                                        "PaintedMetal.frag.cg", "PaintedMetal.vert.cg"}));
+    EXPECT_NE(outcome.output.find("PaintedMetal.bindings.json: 7 bindings\n"), std::string::npos)
+        << outcome.output;
+    const auto json = nlohmann::json::parse(readText(directory / "PaintedMetal.bindings.json"));
+    EXPECT_EQ(json.at("programs").at(0).at("sha256"), sha256Of(directory / "PaintedMetal.vert.cg"));
+    EXPECT_EQ(json.at("bindings").at(3).at("tag"), "Tint");
+    EXPECT_EQ(json.at("bindings").at(3).at("default"), (std::vector<double>{0.62, 0.11, 0.08}));
+    EXPECT_EQ(json.at("bindings").at(2).at("srgb"), true);
+    EXPECT_EQ(json.at("bindings").at(4).at("landings").at(0).at("register"), "c4");
+}
+
+TEST(Export, CarriesOverWhatAnArtistChanged) {
+    const TemporaryDirectory directory;
+    const std::vector<std::string> arguments = {"export", PATINA_EXAMPLE, "-q", "-o",
+                                                directory.path().string()};
+    EXPECT_EQ(patina(arguments).exitCode, 0);
+    const auto file = directory / "PaintedMetal.bindings.xml";
+    std::string bindings = readText(file);
+    const std::string initial = " default=\"0.62, 0.11, 0.08\"";
+    ASSERT_NE(bindings.find(initial), std::string::npos) << bindings;
+    bindings.replace(bindings.find(initial), initial.size(), " default=\"0.1, 0.3, 0.9\"");
+    testing::writeText(file, bindings);
+    EXPECT_EQ(patina(arguments).exitCode, 0);
+    EXPECT_EQ(readText(file), bindings);
+}
+
+TEST(Export, LeavesAMalformedBindingsFileAlone) {
+    const TemporaryDirectory directory;
+    const auto material = directory.write("m.xml", documentText(good));
+    const auto bindings = directory.write("Sample.bindings.xml", "<bindings version=\"1\">\n<binding/>\n");
+    directory.write("Sample.vert.cg", "old");
+    const auto before = stateOf(directory.path());
+    const Outcome outcome = patina({"export", material.string(), "--json", "-o", directory.path().string()});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(lines(outcome.errors), 1U) << outcome.errors;
+    EXPECT_EQ(outcome.errors.rfind(bindings.string() + ":3: error: ", 0), 0U) << outcome.errors;
+    EXPECT_NE(outcome.errors.find("move it away"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(stateOf(directory.path()), before);
 }
 
 TEST(Export, IsQuietWhenAsked) {
@@ -116,9 +177,10 @@ TEST(Export, ReportsBadInputInOneLineAndTouchesNothing) {
     for (const auto& [what, text] : badInputs) {
         const TemporaryDirectory directory;
         const auto material = directory.write("m.xml", text);
-        for (const char* name : {"Sample.vert.cg", "Sample.frag.cg", "Sample.bindings.xml", "Sample.other"}) {
+        for (const char* name : {"Sample.vert.cg", "Sample.frag.cg", "Sample.other"}) {
             directory.write(name, std::string("old ") + name);
         }
+        directory.write("Sample.bindings.xml", "<bindings version=\"1\" material=\"Old\"/>");
         const auto before = stateOf(directory.path());
         const Outcome outcome = patina({"export", material.string(), "-o", directory.path().string()});
         EXPECT_EQ(outcome.exitCode, 1) << what;
@@ -149,12 +211,14 @@ TEST(Export, ReportsUnreadableFiles) {
 }
 
 TEST(Export, WritesNoneOfTheFilesWhenOneCannotBe) {
-    for (const char* blocked : {"Sample.vert.cg", "Sample.frag.cg", "Sample.bindings.xml"}) {
+    for (const char* blocked :
+         {"Sample.vert.cg", "Sample.frag.cg", "Sample.bindings.xml", "Sample.bindings.json"}) {
         const TemporaryDirectory directory;
         const auto material = directory.write("m.xml", documentText(good));
         std::filesystem::create_directory(directory / blocked);
         const auto before = stateOf(directory.path());
-        const Outcome outcome = patina({"export", material.string(), "-o", directory.path().string()});
+        const Outcome outcome =
+            patina({"export", material.string(), "--json", "-o", directory.path().string()});
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_EQ(outcome.errors.rfind((directory / blocked).string() + ": error: ", 0), 0U)
             << outcome.errors;
@@ -199,7 +263,6 @@ TEST(Usage, IsCheckedBeforeAnythingElse) {
         {},
         {"export"},
         {"import", "a.xml"},
-        {"export", "a.xml", "b.xml"},
         {"export", "a.xml", "--frob"},
         {"export", "a.xml", "-o"},
         {"export", "a.xml", "--plugin"},
@@ -218,7 +281,7 @@ TEST(Usage, ShowsHelpWithExamples) {
     const Outcome outcome = patina({"export", "--help"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
-    for (const char* piece : {"MATERIAL.xml", "--output", "--plugin", "PATINA_PLUGIN_PATH",
+    for (const char* piece : {"MATERIAL.xml", "--output", "--plugin", "--json", "PATINA_PLUGIN_PATH",
                               "Examples:", "patina export painted_metal.xml"}) {
         EXPECT_NE(outcome.output.find(piece), std::string::npos) << piece << " in: " << outcome.output;
     }

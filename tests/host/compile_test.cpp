@@ -2,6 +2,7 @@
 
 #include "tests/host/host_checks.h"
 #include "tests/host/process.h"
+#include "tests/host/sample_flow.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
@@ -125,6 +126,48 @@ TEST(Compile, PaintedMetal) {
     EXPECT_TRUE(warnings.empty());
     Programs programs;
     programs.add("painted_metal", exportMaterial(material));
+    programs.expectCompiled();
+}
+
+TEST(Compile, ParametersInRegisters) {
+    if (!hasCompiler()) {
+        GTEST_SKIP() << "there is no " << compiler;
+    }
+    constexpr ShaderType vector = testing::typeOf(ComponentType::Float, 4);
+    testing::Flow flow;
+    const auto atRegister = [&](std::size_t node, RegisterReference place) {
+        flow.flow.nodes[node].generated->registerReference = place;
+        return node;
+    };
+    const std::vector<std::size_t> uniforms = {
+        flow.uniform("Turn", {ComponentType::Float, 4, 4, 1}),
+        atRegister(flow.uniform("Far", vector), {registers::vertexConstant, 1023}),
+        flow.uniform("Bones", {ComponentType::Float, 4, 3, 6}),
+        atRegister(flow.uniform("Near", vector), {registers::vertexConstant, 5}),
+        flow.uniform("Last", testing::typeOf(ComponentType::Half, 1))};
+    std::vector<std::size_t> vertexInputs = uniforms;
+    vertexInputs.push_back(atRegister(flow.varying("Wear", vector), {registers::vertexAttribute, 7}));
+    std::vector<std::size_t> fragmentInputs = uniforms;
+    fragmentInputs.push_back(flow.function(ExecutionLevel::Vertex, vertexInputs));
+    fragmentInputs.push_back(flow.uniform("Paint", testing::typeOf(ComponentType::Sampler2D, 1)));
+    const StagedShader stages = flow.place(flow.function(ExecutionLevel::Fragment, fragmentInputs));
+    const ShaderNames names = nameShader(flow.material, flow.flow, stages);
+    const RegisterAssignment registers = assignRegisters(flow.material, flow.flow, stages);
+    const PrintOptions options;
+    const AssembledShader shader = {flow.material, flow.flow, stages, names, registers, options};
+    ExportedMaterial material;
+    material.vertexProgram.content = printVertexProgram(shader);
+    material.fragmentProgram.content = printFragmentProgram(shader);
+    for (const char* line :
+         {"uniform float4x4 worldViewProjection : register( c0 );\n",
+          "uniform float4x4 Turn : register( c6 );\n", "uniform float4 Far : register( c1023 );\n",
+          "uniform float4 Near : register( c5 );\n", "uniform half Last : register( c4 );\n",
+          "float4 Wear : ATTR7,\n"}) {
+        EXPECT_NE(material.vertexProgram.content.find(line), std::string::npos)
+            << line << " in: " << material.vertexProgram.content;
+    }
+    Programs programs;
+    programs.add("registers", material);
     programs.expectCompiled();
 }
 

@@ -207,7 +207,7 @@ TEST(NameShader, KeepsTheNamesOfParameters) {
     const ExportedMaterial material = exported(body + output("colour", "a", "out_value"));
     const std::string& program = material.fragmentProgram.content;
     EXPECT_EQ(linesWith(program, "uniform half ").size(), 9U) << program;
-    EXPECT_EQ(linesWith(program, "uniform half mathsCode;").size(), 1U);
+    EXPECT_EQ(linesWith(program, "uniform half mathsCode : register( c0 );").size(), 1U);
     EXPECT_EQ(linesWith(program, "void mathsCode(").size(), 0U);
     EXPECT_EQ(linesWith(program, "out float4 colour_2 : COLOR0").size(), 1U);
     EXPECT_EQ(linesWith(program, "half a_out_value_2;").size(), 1U);

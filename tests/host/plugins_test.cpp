@@ -258,8 +258,7 @@ struct Hostile {
 TEST(HostileNodes, FailWithTheNodeNamed) {
     const Hostile rows[] = {
         {"Interface", {"node \"h\" (\"Interface\")", "interface parameter \"lamp\" (float,flags=0)"}},
-        {"Register", {"node \"h\" (\"Register\")", "Cg register parameter ATTR3 (float)"}},
-        {"Interpolant", {"node \"h\" (\"Interpolant\")", "interpolant parameter (float)"}},
+        {"Interpolant", {"node \"h\" (\"Interpolant\")", "\"write\"", "interpolant parameter (float)"}},
         {"VertexInt", {"node \"h\" (\"VertexInt\")", "int"}},
         {"Loop", {"node \"h\" (\"Loop\")", "itself"}},
         {"Unfed", {"node \"h\" (\"Unfed\")", "\"in\"", "function \"hungry\" (1/1/*)"}},

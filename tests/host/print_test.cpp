@@ -29,7 +29,7 @@ float3 QelSrgbToLinear( float3 colour )
 )";
 
 const std::string vertexFramework = framework + R"(
-uniform float4x4 worldViewProjection;
+uniform float4x4 worldViewProjection : register( c0 );
 
 // From object space to clip space.
 float4 QelTransformPosition( float4 position )
@@ -136,7 +136,7 @@ TEST(PrintPrograms, FunctionsSharedByBothStages) {
             connection("a", "out_value", "sum", "in_value1") +
             connection("b", "out_value", "sum", "in_value2") + output("colour", "sum", "out_value"),
         R"(
-uniform half Strength;
+uniform half Strength : register( c4 );
 
 // node "v" ("Maths")
 void mathsCode( half in_value1, out half out_value )
@@ -203,16 +203,16 @@ void main(
 	float2 Uv : ATTR1,
 	half3 Wear : ATTR2,
 	out float4 clipPosition : POSITION,
-	out half3 interpolant0 : TEXCOORD0,
-	out float2 interpolant1 : TEXCOORD1 )
+	out float2 interpolant0 : TEXCOORD0,
+	out half3 interpolant1 : TEXCOORD1 )
 {
 	clipPosition = QelTransformPosition( position );
-	interpolant1.xy = Uv;
-	interpolant0.xyz = Wear;
+	interpolant0.xy = Uv;
+	interpolant1.xyz = Wear;
 }
 )",
         R"(
-uniform half S;
+uniform half S : register( c0 );
 uniform sampler2D Texture : TEXUNIT0;
 
 // node "set" ("Wear")
@@ -249,12 +249,12 @@ void mathsCode( half3 in_value1, half3 in_value2, half in_blend, out half3 out_v
 }
 
 void main(
-	half3 interpolant0 : TEXCOORD0,
-	float2 interpolant1 : TEXCOORD1,
+	float2 interpolant0 : TEXCOORD0,
+	half3 interpolant1 : TEXCOORD1,
 	out float4 colour : COLOR0 )
 {
-	float2 Uv = interpolant1.xy;
-	half3 Wear = interpolant0.xyz;
+	float2 Uv = interpolant0.xy;
+	half3 Wear = interpolant1.xyz;
 	half3 set_out_colour;
 	colourCode( Wear, set_out_colour );
 	half3 S_half3;

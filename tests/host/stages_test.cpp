@@ -1,4 +1,5 @@
 #include "tests/host/host_checks.h"
+#include "tests/host/sample_flow.h"
 
 #include "shadergraph/shadergraph.h"
 
@@ -17,60 +18,9 @@ using namespace detail;
 namespace {
 
 using testing::expectError;
+using testing::Flow;
 using testing::hostErrorOf;
-
-class ItemNode : public MaterialNode {
-public:
-    ItemNode() : MaterialNode("Item") {}
-    void generateCode(GraphGenerator& /*generator*/) override {}
-};
-
-constexpr ShaderType typeOf(ComponentType component, std::int32_t width) { return {component, width, 1, 1}; }
-
-/// A dataflow by hand; every node belongs to an item "item0", "item1" and so on, in lines from 10.
-class Flow {
-public:
-    Flow() {
-        material.file = "flow.xml";
-        material.line = 2;
-    }
-
-    std::size_t varying(const std::string& name, const ShaderType& type = typeOf(ComponentType::Float, 1)) {
-        return add(makeVaryingParameter(name, type), {});
-    }
-    std::size_t uniform(const std::string& name, const ShaderType& type = typeOf(ComponentType::Float, 1)) {
-        return add(makeUniformParameter(name, type), {});
-    }
-    /// A function of the first outputs of others.
-    std::size_t function(ExecutionLevel level, const std::vector<std::size_t>& inputs,
-                         const ShaderType& type = typeOf(ComponentType::Float, 1)) {
-        FunctionBuilder builder;
-        std::vector<ValueSource> sources;
-        for (const std::size_t input : inputs) {
-            builder.addInput(flow.port({input, 0}).type, "in" + std::to_string(sources.size()));
-            sources.push_back({input, 0});
-        }
-        builder.addOutput(type, "out");
-        return add(builder.makeNode(level, "f"), sources);
-    }
-    std::size_t add(const std::shared_ptr<GeneratorNode>& generated, const std::vector<ValueSource>& inputs) {
-        const std::size_t index = flow.nodes.size();
-        MaterialItem item;
-        item.id = "item" + std::to_string(index);
-        item.node = std::make_shared<ItemNode>();
-        item.line = static_cast<int>(10 + index);
-        material.items.push_back(item);
-        flow.nodes.push_back({generated, index, inputs});
-        return index;
-    }
-    StagedShader place(std::size_t colour) {
-        flow.colour = {colour, 0};
-        return placeInStages(material, flow);
-    }
-
-    Material material;
-    Dataflow flow;
-};
+using testing::typeOf;
 
 using Indices = std::vector<std::size_t>;
 
@@ -207,16 +157,12 @@ TEST(PlaceInStages, RefusesTypesThatCannotCross) {
     }
 }
 
-TEST(PlaceInStages, RefusesParametersThatAHostMustSupply) {
-    for (const NodeKind kind :
-         {NodeKind::InterfaceParameter, NodeKind::RegisterParameter, NodeKind::InterpolantParameter}) {
-        Flow flow;
-        const auto parameter =
-            makeParameterNode(kind, "p", typeOf(ComponentType::Float, 1), 0, {registers::vertexAttribute, 2});
-        const std::string description = describe(*parameter);
-        expectError(hostErrorOf([&] { flow.place(flow.add(parameter, {})); }), "flow.xml:10",
-                    {"node \"item0\" (\"Item\")", description});
-    }
+TEST(PlaceInStages, RefusesAnInterfaceParameterThatWasNotJoined) {
+    Flow flow;
+    const auto parameter =
+        makeParameterNode(NodeKind::InterfaceParameter, "p", typeOf(ComponentType::Float, 1));
+    expectError(hostErrorOf([&] { flow.place(flow.add(parameter, {})); }), "flow.xml:10",
+                {"node \"item0\" (\"Item\")", "interface parameter \"p\" (float,flags=0)"});
 }
 
 // Packing
@@ -286,6 +232,22 @@ TEST(PackInterpolants, TakesAsFewRegistersAsPossible) {
                       allHalf[i] ? ComponentType::Half : ComponentType::Float);
         }
     }
+}
+
+TEST(PackInterpolants, KeepsHalfApartWhereThatCostsNothing) {
+    const Item half2 = {2, ComponentType::Half};
+    const Item float2 = {2, ComponentType::Float};
+    const auto types = [](const StagedShader& shader) {
+        std::vector<ComponentType> list;
+        for (const InterpolantRegister& entry : shader.registers) {
+            list.push_back(entry.componentType);
+        }
+        return list;
+    };
+    using Types = std::vector<ComponentType>;
+    EXPECT_EQ(types(packed({half2, float2, half2, float2})),
+              (Types{ComponentType::Float, ComponentType::Half}));
+    EXPECT_EQ(types(packed({half2, float2})), Types{ComponentType::Float});
 }
 
 TEST(PackInterpolants, HoldsTenRegistersAndNoMore) {

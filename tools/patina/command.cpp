@@ -1,6 +1,10 @@
 #include "tools/patina/command.h"
 
+#include "tools/patina/terminal.h"
+
+#include <exception>
 #include <iostream>
+#include <new>
 
 namespace patina::tool {
 
@@ -25,9 +29,42 @@ PluginSet loadPlugins(const CommandLine& commandLine) {
     return plugins;
 }
 
+Material loadMaterial(const std::filesystem::path& document, const PluginSet& plugins) {
+    Warnings warnings;
+    try {
+        Material material = buildMaterial(readMaterial(document), plugins, warnings);
+        printWarnings(warnings);
+        return material;
+    } catch (...) {
+        printWarnings(warnings);
+        throw;
+    }
+}
+
+void printOutput(std::string_view text) {
+    std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!std::cout.flush()) {
+        throw HostError({}, "cannot write to standard output");
+    }
+}
+
 void printWarnings(const Warnings& warnings) {
     for (const Warning& warning : warnings) {
-        std::cerr << diagnosticText(warning.position, "warning", warning.text) << '\n';
+        printDiagnostic(diagnosticText(warning.position, "warning", warning.text));
+    }
+}
+
+std::string errorLine() {
+    try {
+        throw;
+    } catch (const HostError& error) {
+        return error.what();
+    } catch (const std::bad_alloc&) {
+        return "error: out of memory";
+    } catch (const std::exception& error) {
+        return diagnosticText({}, "error", error.what());
+    } catch (...) {
+        return "error: a plug-in failed with something that is no exception";
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/diagnostic.h"
+#include "host/material.h"
 #include "host/plugins.h"
 
 #include <CLI/CLI.hpp>
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace patina::tool {
@@ -29,7 +31,11 @@ struct CommandLine {
 // The subcommands, one in each source file (`nodes` and `describe` share theirs). A failure arrives at the
 // top as an exception.
 
+void addCheckCommand(CommandLine& commandLine);
 void addExportCommand(CommandLine& commandLine);
+void addNodesCommand(CommandLine& commandLine);
+void addDescribeCommand(CommandLine& commandLine);
+void addGraphCommand(CommandLine& commandLine);
 
 /// Gives a subcommand the option --plugin.
 void addPluginOption(CLI::App& command, CommandLine& commandLine);
@@ -37,8 +43,17 @@ void addPluginOption(CLI::App& command, CommandLine& commandLine);
 /// Loads the plug-ins named on the command line, then those of the search path. Throws HostError.
 PluginSet loadPlugins(const CommandLine& commandLine);
 
+/// Reads a document and makes its material live. Prints the warnings, even where it throws HostError.
+Material loadMaterial(const std::filesystem::path& document, const PluginSet& plugins);
+
+/// Writes a text to standard output, to its end. Throws HostError when that cannot be.
+void printOutput(std::string_view text);
+
 /// Prints warnings to standard error, a line each.
 void printWarnings(const Warnings& warnings);
+
+/// The line for the user of the exception that is being handled; to be called in a catch clause only.
+std::string errorLine();
 
 /// A number and what it counts, `1 node` or `2 nodes`.
 std::string counted(std::size_t count, const std::string& noun);

@@ -1,10 +1,13 @@
 #include "tools/patina/command.h"
+#include "tools/patina/terminal.h"
 
-#include <exception>
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <new>
+#include <string>
 #include <system_error>
+#include <vector>
 
 namespace {
 
@@ -12,6 +15,15 @@ std::filesystem::path programPath(const char* firstArgument) {
     std::error_code error;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? std::filesystem::absolute(firstArgument) : path;
+}
+
+/// The arguments in the order that the parser takes them, last first. Compilers' -MD becomes a long option:
+/// the parser would read it as -M and -D.
+std::vector<std::string> withLongOptions(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::replace(arguments.begin(), arguments.end(), std::string("-MD"), std::string("--depfile"));
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
 int run(int argc, char** argv) {
@@ -22,8 +34,12 @@ int run(int argc, char** argv) {
     parser.require_subcommand(1);
     parser.set_version_flag("--version", "patina " PATINA_VERSION);
     patina::tool::addExportCommand(commandLine);
+    patina::tool::addCheckCommand(commandLine);
+    patina::tool::addNodesCommand(commandLine);
+    patina::tool::addDescribeCommand(commandLine);
+    patina::tool::addGraphCommand(commandLine);
     try {
-        parser.parse(argc, argv);
+        parser.parse(withLongOptions(argc, argv));
     } catch (const CLI::ParseError& error) {
         return parser.exit(error) == 0 ? patina::tool::success : patina::tool::wrongUsage;
     }
@@ -35,14 +51,10 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return run(argc, argv);
-    } catch (const patina::HostError& error) {
-        std::cerr << error.what() << '\n';
     } catch (const std::bad_alloc&) {
-        std::cerr << "error: out of memory\n";
-    } catch (const std::exception& error) {
-        std::cerr << patina::diagnosticText({}, "error", error.what()) << '\n';
+        std::fputs("error: out of memory\n", stderr); // without taking more
     } catch (...) {
-        std::cerr << "error: a plug-in failed with something that is no exception\n";
+        patina::tool::printDiagnostic(patina::tool::errorLine());
     }
     return patina::tool::failure;
 }

@@ -37,8 +37,8 @@ public:
 
 protected:
     /// Emits a parameter of that kind as the value of "out".
-    void emitParameter(GraphGenerator& generator, NodeKind kind, RegisterReference reference) {
-        const auto parameter = makeParameterNode(kind, "lamp", {ComponentType::Float, 1, 1, 1}, 0, reference);
+    void emitParameter(GraphGenerator& generator, NodeKind kind) {
+        const auto parameter = makeParameterNode(kind, "lamp", {ComponentType::Float, 1, 1, 1});
         generator.addNode(parameter);
         FunctionBuilder builder;
         builder.addInput({ComponentType::Float, 1, 1, 1}, "in");
@@ -55,15 +55,7 @@ class InterfaceNode : public OutputNode {
 public:
     using OutputNode::OutputNode;
     void generateCode(GraphGenerator& generator) override {
-        emitParameter(generator, NodeKind::InterfaceParameter, {});
-    }
-};
-
-class RegisterNode : public OutputNode {
-public:
-    using OutputNode::OutputNode;
-    void generateCode(GraphGenerator& generator) override {
-        emitParameter(generator, NodeKind::RegisterParameter, {registers::vertexAttribute, 3});
+        emitParameter(generator, NodeKind::InterfaceParameter);
     }
 };
 
@@ -71,7 +63,7 @@ class InterpolantNode : public OutputNode {
 public:
     using OutputNode::OutputNode;
     void generateCode(GraphGenerator& generator) override {
-        emitParameter(generator, NodeKind::InterpolantParameter, {});
+        emitParameter(generator, NodeKind::InterpolantParameter);
     }
 };
 
@@ -223,7 +215,6 @@ struct Type {
 constexpr Type types[] = {
     {"Plain", create<OutputNode>},
     {"Interface", create<InterfaceNode>},
-    {"Register", create<RegisterNode>},
     {"Interpolant", create<InterpolantNode>},
     {"VertexInt", create<VertexIntNode>},
     {"Loop", create<LoopNode>},

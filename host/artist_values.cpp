@@ -1,0 +1,75 @@
+#include "host/artist_values.h"
+
+#include "host/xml.h"
+#include "nodemodel/xml_attributes.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace patina {
+
+namespace {
+
+constexpr std::array<std::string_view, 7> artistKeys = {
+    "default", "uv", "uilabel", "uiunittype", "stream_type", "stream_normalize", "dataset_modifiers"};
+
+/// An element with a binding's annotations, in a document of its own.
+class AnnotatedElement {
+public:
+    explicit AnnotatedElement(const Binding& binding) : document_(makeDocument("binding")) {
+        binding.writeAnnotations(node());
+    }
+
+    xmlNode* node() const { return xmlDocGetRootElement(document_.get()); }
+
+private:
+    XmlPointer<xmlDoc> document_;
+};
+
+} // namespace
+
+bool isArtistKey(std::string_view key) {
+    return std::find(artistKeys.begin(), artistKeys.end(), key) != artistKeys.end();
+}
+
+const std::string* findAnnotation(const Annotations& annotations, std::string_view key) {
+    const auto found = std::find_if(annotations.begin(), annotations.end(),
+                                    [&](const auto& annotation) { return annotation.first == key; });
+    return found == annotations.end() ? nullptr : &found->second;
+}
+
+Annotations annotationsOf(const Binding& binding) {
+    const AnnotatedElement element(binding);
+    return readAttributes(element.node());
+}
+
+Annotations artistValues(const Binding& binding) {
+    Annotations values = annotationsOf(binding);
+    values.erase(std::remove_if(values.begin(), values.end(),
+                                [](const auto& annotation) { return !isArtistKey(annotation.first); }),
+                 values.end());
+    return values;
+}
+
+void restoreArtistValues(Binding& binding, const Annotations& annotations) {
+    Annotations values;
+    std::copy_if(annotations.begin(), annotations.end(), std::back_inserter(values),
+                 [](const auto& annotation) { return isArtistKey(annotation.first); });
+    if (values.empty()) {
+        return;
+    }
+    // reading starts some fields again from the kind's defaults, so it must find the graph's own annotations
+    const AnnotatedElement element(binding);
+    for (const auto& [key, text] : values) {
+        writeAttribute(element.node(), key, text);
+    }
+    const std::string streamType = binding.streamType;
+    binding.readAnnotations(element.node());
+    if (findAnnotation(values, "stream_type") == nullptr &&
+        findAnnotation(values, "stream_normalize") == nullptr) {
+        binding.streamType = streamType; // reading made it lower case
+    }
+}
+
+} // namespace patina

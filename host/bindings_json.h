@@ -1,0 +1,13 @@
+#pragma once
+
+#include "host/bindings_file.h"
+
+#include <string>
+
+namespace patina {
+
+/// A bindings file as a JSON document that says the same: numbers and booleans as such, a list for the limits
+/// and the default of a float binding. A number that JSON does not have is null.
+std::string printBindingsJson(const BindingsFile& file);
+
+} // namespace patina

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "host/diagnostic.h"
+#include "host/document.h"
+#include "host/plugins.h"
+
+namespace patina {
+
+/// Everything that is to be said of a material.
+struct CheckReport {
+    Errors errors;     ///< what keeps it from being exported, by line
+    Warnings warnings; ///< what its author should look at, by line
+};
+
+/// Takes a material through the steps of an export, going on where one finds something wrong, and looks for
+/// what an export lets pass: inputs without a connection and without a default, nodes that no output needs,
+/// bindings that have no name of their own, and saved ones that no node presents. Writes nothing.
+/// [thread-safe]
+CheckReport checkMaterial(const MaterialDocument& document, const PluginSet& plugins);
+
+} // namespace patina

@@ -1,0 +1,234 @@
+#include "host/saved_bindings.h"
+
+#include "host/files.h"
+#include "host/xml.h"
+#include "nodemodel/text.h"
+#include "nodemodel/xml_attributes.h"
+
+#include <algorithm>
+#include <new>
+#include <system_error>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace patina {
+
+using namespace detail;
+
+namespace {
+
+constexpr const char* advice = "mend this file, or move it away to export without what was changed in it";
+
+bool isNumberList(const std::string& text) {
+    const auto numbers = parseFloatList(text);
+    return numbers && !numbers->empty();
+}
+
+bool isUnitType(const std::string& text) {
+    return uiUnitTypeName(parseUiUnitType(lowerCase(text))) == lowerCase(text);
+}
+
+/// A binding would ignore such a text in silence, and the artist would wonder.
+void requireUnderstood(const std::string& file, const SavedBinding& binding) {
+    const auto fail = [&](std::initializer_list<std::string_view> pieces) {
+        throw HostError({file, binding.line},
+                        joinText({"binding \"", binding.name, "\": ", joinText(pieces)}));
+    };
+    const std::string* initial = findAnnotation(binding.annotations, "default");
+    if (binding.kind == "float" && initial != nullptr && !isNumberList(*initial)) {
+        fail({"the default \"", *initial, "\" is no list of numbers"});
+    }
+    const std::string* unit = findAnnotation(binding.annotations, "uiunittype");
+    if (unit != nullptr && !isUnitType(*unit)) {
+        fail({"\"", *unit, "\" is no unit type; they are raw, linear, angular and srgbcolour"});
+    }
+}
+
+/// Reads the elements of one file. All methods throw HostError.
+class BindingsReader {
+public:
+    explicit BindingsReader(const std::string& file) { saved_.file = file; }
+
+    SavedBindings read(std::string_view text) {
+        const XmlPointer<xmlDoc> xml = parseXml(text, saved_.file, "a bindings file");
+        xmlNode* root = xmlDocGetRootElement(xml.get());
+        readRoot(root);
+        for (xmlNode* child = root->children; child != nullptr; child = child->next) {
+            if (child->type == XML_ELEMENT_NODE && elementName(child) == "binding") {
+                readBinding(child);
+            }
+        }
+        return std::move(saved_);
+    }
+
+private:
+    [[noreturn]] void fail(int line, std::initializer_list<std::string_view> pieces) const {
+        throw HostError({saved_.file, line}, joinText(pieces));
+    }
+
+    void readRoot(xmlNode* root) const {
+        if (elementName(root) != "bindings") {
+            fail(lineOf(root),
+                 {"this is no bindings file: the root element is <", elementName(root), ">, not <bindings>"});
+        }
+        const std::string version = require(root, "version");
+        if (version != "1") {
+            fail(lineOf(root),
+                 {"this is a bindings file of version \"", version, "\", and this host knows version 1"});
+        }
+    }
+
+    std::string require(xmlNode* element, const char* attribute) const {
+        if (!hasAttribute(element, attribute)) {
+            fail(lineOf(element),
+                 {"the <", elementName(element), "> element has no \"", attribute, "\" attribute"});
+        }
+        return readAttribute(element, attribute);
+    }
+
+    void readBinding(xmlNode* element) {
+        SavedBinding binding = {require(element, "tag"), require(element, "kind"), readAttributes(element),
+                                lineOf(element)};
+        if (!names_.insert(binding.name).second) {
+            fail(binding.line, {"there is another binding with the tag \"", binding.name, "\""});
+        }
+        requireUnderstood(saved_.file, binding);
+        saved_.bindings.push_back(std::move(binding));
+    }
+
+    SavedBindings saved_;
+    std::unordered_set<std::string> names_;
+};
+
+/// What the artist changed since the file was written.
+Annotations changesOf(const SavedBinding& saved) {
+    Annotations changes;
+    for (const auto& [key, text] : saved.annotations) {
+        const std::string* exported = findAnnotation(saved.annotations, joinText({exportedPrefix, key}));
+        if (isArtistKey(key) && (exported == nullptr || *exported != text)) {
+            changes.emplace_back(key, text);
+        }
+    }
+    return changes;
+}
+
+/// The changes without those of what the graph sets now.
+Annotations wanted(Annotations changes, const Annotations& exported) {
+    const auto isGraphs = [&](const auto& change) {
+        const std::string* graphs = findAnnotation(exported, change.first);
+        return change.first != "default" && graphs != nullptr && !graphs->empty();
+    };
+    changes.erase(std::remove_if(changes.begin(), changes.end(), isGraphs), changes.end());
+    return changes;
+}
+
+std::string listOf(const Annotations& changes) {
+    std::string list;
+    for (const auto& [key, text] : changes) {
+        appendText(list, {list.empty() ? "" : ", ", key, " \"", text, "\""});
+    }
+    return list;
+}
+
+Warning lossOf(const SavedBindings& saved, const SavedBinding& binding, const Annotations& changes) {
+    return {{saved.file, binding.line},
+            joinText({"the material has no ", binding.kind, " binding \"", binding.name,
+                      "\" any more, and what was changed in this file goes with it: ", listOf(changes)})};
+}
+
+/// What a document saves, as from a bindings file.
+SavedBindings savedIn(const Material& material) {
+    SavedBindings saved = {material.file, {}};
+    for (const DocumentBinding& binding : material.document.bindings) {
+        saved.bindings.push_back({binding.name, binding.kind, binding.annotations, binding.line});
+    }
+    return saved;
+}
+
+bool isPlaceholders(const Material& material, const SavedBinding& binding) {
+    return std::any_of(material.items.begin(), material.items.end(), [&](const MaterialItem& item) {
+        return item.placeholder && item.node->name() == binding.name;
+    });
+}
+
+/// Sets the changes on a binding fresh from the graph. Throws HostError that ends with the ending.
+void restore(const SavedBindings& saved, const SavedBinding& earlier, const Annotations& changes,
+             Binding& binding, std::string_view ending) {
+    try {
+        restoreArtistValues(binding, wanted(changes, artistValues(binding)));
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        throw HostError({saved.file, earlier.line},
+                        joinText({"binding \"", earlier.name, "\": ", currentExceptionText(), ending}));
+    }
+}
+
+} // namespace
+
+SavedBindings parseBindings(std::string_view text, const std::string& file) {
+    try {
+        return BindingsReader(file).read(text);
+    } catch (const HostError& error) {
+        throw HostError(error, advice);
+    }
+}
+
+SavedBindings readBindings(const std::filesystem::path& file) {
+    std::error_code missing;
+    // what is no file is for the writing to refuse
+    if (!std::filesystem::is_regular_file(file, missing)) {
+        return {file.string(), {}};
+    }
+    std::string text;
+    try {
+        text = readFile(file, xmlSizeLimit);
+    } catch (const HostError& error) {
+        throw HostError(error, advice);
+    }
+    return parseBindings(text, file.string());
+}
+
+void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings) {
+    const SavedBindings saved = savedIn(material);
+    std::unordered_map<std::string, Binding*> byName;
+    for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
+        byName.emplace(binding->name, binding.get());
+    }
+    for (const SavedBinding& earlier : saved.bindings) {
+        const Annotations changes = changesOf(earlier);
+        if (changes.empty()) {
+            continue;
+        }
+        requireUnderstood(saved.file, earlier);
+        const auto found = byName.find(earlier.name);
+        if (found != byName.end() && bindingKindName(*found->second) == earlier.kind) {
+            restore(saved, earlier, changes, *found->second, "");
+        } else if (!isPlaceholders(material, earlier)) {
+            warnings.push_back({{saved.file, earlier.line},
+                                joinText({"the material has no ", earlier.kind, " binding \"", earlier.name,
+                                          "\", and what is saved for it has no effect: ", listOf(changes)})});
+        }
+    }
+}
+
+void carryOverArtistValues(const SavedBindings& saved, std::vector<ExportedBinding>& bindings,
+                           Warnings& warnings) {
+    std::unordered_map<std::string, ExportedBinding*> byName;
+    for (ExportedBinding& binding : bindings) {
+        byName.emplace(binding.binding->name, &binding);
+    }
+    for (const SavedBinding& earlier : saved.bindings) {
+        const Annotations changes = changesOf(earlier);
+        const auto found = byName.find(earlier.name);
+        if (found == byName.end() || bindingKindName(*found->second->binding) != earlier.kind) {
+            if (!changes.empty()) {
+                warnings.push_back(lossOf(saved, earlier, changes));
+            }
+            continue;
+        }
+        restore(saved, earlier, changes, *found->second->binding, joinText({"; ", advice}));
+    }
+}
+
+} // namespace patina

@@ -1,0 +1,85 @@
+#include "host/verify.h"
+
+#include "nodemodel/text.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace patina {
+
+using namespace detail;
+
+namespace {
+
+bool isWordCharacter(char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+           (letter >= '0' && letter <= '9') || letter == '_' || letter == '.';
+}
+
+/// The next word, or single other character, of Cg code; empty at the end. Comments and blanks are skipped.
+std::string_view takeToken(std::string_view& code) {
+    for (;;) {
+        code.remove_prefix(std::min(code.find_first_not_of(" \t\r\n"), code.size()));
+        if (code.substr(0, 2) == "//") {
+            code.remove_prefix(std::min(code.find('\n'), code.size()));
+        } else if (code.substr(0, 2) == "/*") {
+            const std::size_t end = code.find("*/");
+            code.remove_prefix(end == std::string_view::npos ? code.size() : end + 2);
+        } else {
+            break;
+        }
+    }
+    std::size_t length = 0;
+    while (length < code.size() && isWordCharacter(code[length])) {
+        ++length;
+    }
+    const std::string_view token = code.substr(0, std::max<std::size_t>(length, 1));
+    code.remove_prefix(token.size());
+    return token;
+}
+
+bool hasPort(const GeneratorNode& function, std::string_view name) {
+    const auto isNamed = [&](const GeneratorPort& port) { return port.name == name; };
+    return std::any_of(function.inputs.begin(), function.inputs.end(), isNamed) ||
+           std::any_of(function.outputs.begin(), function.outputs.end(), isNamed);
+}
+
+/// The constant in a function's code that is no number, or nothing. A variable of that name is none.
+std::string_view findNonNumber(const GeneratorNode& function) {
+    std::string_view rest = function.code;
+    std::string_view previous;
+    std::string_view found;
+    for (std::string_view token = takeToken(rest); !token.empty(); token = takeToken(rest)) {
+        if (token == "inf" || token == "nan") {
+            const bool isDeclared =
+                !previous.empty() && isWordCharacter(previous.front()) && previous != "return";
+            if (isDeclared || hasPort(function, token)) {
+                return {};
+            }
+            found = token;
+        }
+        previous = token;
+    }
+    return found;
+}
+
+} // namespace
+
+void verifyCode(const Material& material, const Dataflow& flow, Errors* errors) {
+    for (const DataflowNode& node : flow.nodes) {
+        const std::string_view constant = findNonNumber(*node.generated);
+        if (constant.empty()) {
+            continue;
+        }
+        const MaterialItem& item = material.items[node.owner];
+        attempt(errors, [&] {
+            throw HostError(
+                {material.file, item.line},
+                joinText({nodeTitle(item), ": the code of this node holds the constant \"", constant,
+                          "\", which no shader can; one of its numbers, such as a count of rows "
+                          "or columns, is zero or too large"}));
+        });
+    }
+}
+
+} // namespace patina

@@ -1,0 +1,505 @@
+// What generator nodes of every kind of parameter become, from the nodes' code to the printed programs.
+
+#include "tests/host/host_checks.h"
+
+#include "shadergraph/shadergraph.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace patina {
+namespace {
+
+using testing::expectError;
+using testing::hostErrorOf;
+using testing::noError;
+
+using Handle = std::shared_ptr<GeneratorNode>;
+
+constexpr ShaderType float1 = {ComponentType::Float, 1, 1, 1};
+constexpr ShaderType float2 = {ComponentType::Float, 2, 1, 1};
+constexpr ShaderType float3 = {ComponentType::Float, 3, 1, 1};
+constexpr ShaderType float4 = {ComponentType::Float, 4, 1, 1};
+
+/// A node whose code is the test's; its output "out" has three components.
+class CodeNode : public MaterialNode {
+public:
+    using Code = std::function<Handle(GraphGenerator&)>; ///< gives the node with the port "out", or nothing
+
+    explicit CodeNode(Code code) : MaterialNode("Code"), code_(std::move(code)) {
+        outputs.emplace_back("out");
+        outputs.back().setComponentCount(3);
+        outputs.back().setPrecision(2);
+    }
+    void generateCode(GraphGenerator& generator) override {
+        if (const Handle node = code_(generator)) {
+            attachLinks(generator, node);
+        }
+    }
+
+private:
+    Code code_;
+};
+
+/// A material of nodes "a", "b" and so on, in lines from 10, whose last one's "out" is the colour.
+class Sample {
+public:
+    explicit Sample(const std::vector<CodeNode::Code>& codes) {
+        material_.file = "sample.xml";
+        material_.line = 1;
+        material_.name = "Sample";
+        for (const CodeNode::Code& code : codes) {
+            const std::size_t index = material_.items.size();
+            MaterialItem item;
+            item.id = std::string(1, static_cast<char>('a' + index));
+            item.node = std::make_shared<CodeNode>(code);
+            item.line = static_cast<int>(10 + index);
+            material_.items.push_back(item);
+            material_.downstream.push_back(index);
+        }
+        MaterialOutput output;
+        output.name = "colour";
+        output.source = material_.items.size() - 1;
+        output.record = std::make_shared<NodeConnection>();
+        output.record->sourcePort = "out";
+        material_.items.back().node->outputLinks.push_back(output.record);
+        material_.outputs.push_back(output);
+    }
+
+    ExportedMaterial shader() {
+        ExportOptions options;
+        options.print.framework = false;
+        return exportMaterial(material_, options);
+    }
+    std::string error() {
+        return hostErrorOf([&] { shader(); });
+    }
+
+private:
+    Material material_;
+};
+
+/// A function of inputs "in0", "in1" and so on, submitted and fed by the "read" ports of others.
+Handle emitFunction(GraphGenerator& generator, const std::vector<Handle>& inputs, const ShaderType& output,
+                    ExecutionLevel level = ExecutionLevel::Automatic, const std::string& name = "f") {
+    FunctionBuilder builder;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        builder.addInput(inputs[i]->type, "in" + std::to_string(i));
+    }
+    builder.addOutput(output, "out");
+    builder.appendCode("\tout = 0.5;\n");
+    const Handle function = builder.makeNode(level, name);
+    generator.addNode(function);
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        generator.connect(inputs[i], "read", function, "in" + std::to_string(i));
+    }
+    return function;
+}
+
+Handle submit(GraphGenerator& generator, const Handle& node) {
+    generator.addNode(node);
+    return node;
+}
+
+Handle interfaceOf(const std::string& name, const ShaderType& type) {
+    return makeParameterNode(NodeKind::InterfaceParameter, name, type);
+}
+
+Handle registerOf(std::int32_t index, std::int32_t number, const ShaderType& type,
+                  const std::string& name = {}) {
+    return makeParameterNode(NodeKind::RegisterParameter, name, type, 0, {index, number});
+}
+
+/// Reads a parameter and makes the colour of it.
+CodeNode::Code reader(const std::function<Handle()>& make, ExecutionLevel level = ExecutionLevel::Automatic) {
+    return [=](GraphGenerator& generator) {
+        return emitFunction(generator, {submit(generator, make())}, float3, level);
+    };
+}
+
+/// Writes a constant of that type to a parameter.
+CodeNode::Code writer(const std::function<Handle()>& make, const ShaderType& type,
+                      ExecutionLevel level = ExecutionLevel::Automatic) {
+    return [=](GraphGenerator& generator) {
+        const Handle value = emitFunction(generator, {}, type, level, "source");
+        generator.connect(value, "out", submit(generator, make()), "write");
+        return Handle();
+    };
+}
+
+/// A constant colour.
+Handle emitColour(GraphGenerator& generator) { return emitFunction(generator, {}, float3); }
+
+const auto lamp = [] { return interfaceOf("lamp", float3); };
+
+/// What stands in a program from `main` on.
+std::string mainOf(const OutputFile& program) {
+    return program.content.substr(program.content.find("void main("));
+}
+
+TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
+    ExportedMaterial shader = Sample({writer(lamp, float3), reader(lamp)}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0 )
+{
+	float3 a_out;
+	source( a_out );
+	float3 b_out;
+	f( a_out, b_out );
+	colour = float4( b_out, 1.0 );
+}
+)");
+    // the reader may come first
+    shader = Sample({reader(lamp), writer(lamp, float3), emitColour}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0 )
+{
+	float3 c_out;
+	f( c_out );
+	colour = float4( c_out, 1.0 );
+}
+)");
+}
+
+TEST(InterfaceParameters, ConvertWhatIsWrittenToThem) {
+    const ExportedMaterial shader = Sample({writer(lamp, float1), reader(lamp)}).shader();
+    EXPECT_NE(shader.fragmentProgram.content.find("\tfloat3 a_out_value;\n"
+                                                  "\tpromoteAndSplat( a_out, a_out_value );\n"
+                                                  "\tfloat3 b_out;\n"
+                                                  "\tf( a_out_value, b_out );\n"),
+              std::string::npos)
+        << shader.fragmentProgram.content;
+}
+
+TEST(InterfaceParameters, NeedOneWriter) {
+    expectError(Sample({reader(lamp)}).error(), "sample.xml:10",
+                {"node \"a\" (\"Code\")", "interface parameter \"lamp\" (float3,flags=0)", "no node writes"});
+    expectError(
+        Sample({writer(lamp, float3), writer(lamp, float3), reader(lamp)}).error(), "sample.xml:11",
+        {"node \"b\" (\"Code\")", "interface parameter \"lamp\" (float3,flags=0)", "node \"a\" (\"Code\")"});
+}
+
+TEST(InterfaceParameters, MayNotFeedThemselves) {
+    const auto back = [](GraphGenerator& generator) {
+        const Handle lampNode = submit(generator, interfaceOf("lamp", float3));
+        const Handle mirror = submit(generator, interfaceOf("mirror", float3));
+        generator.connect(lampNode, "read", mirror, "write");
+        generator.connect(mirror, "read", lampNode, "write");
+        return emitFunction(generator, {lampNode}, float3);
+    };
+    expectError(Sample({back}).error(), "sample.xml:10", {"node \"a\" (\"Code\")", "interface parameter"});
+}
+
+TEST(FrameworkValues, GiveTheObjectPositionOnce) {
+    const auto read = [](GraphGenerator& generator) {
+        generator.graph->findInterfaceNode("objectPosition", 0, float3);
+        return emitFunction(generator, {submit(generator, interfaceOf("objectPosition", float3))}, float3);
+    };
+    const ExportedMaterial shader = Sample({read, read}).shader();
+    EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
+
+// node "a" ("Code")
+void objectPositionCode( float4 in_position, out float3 out_position )
+{
+	out_position = in_position.xyz;
+}
+
+void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out_position;
+	objectPositionCode( position, a_out_position );
+	interpolant0.xyz = a_out_position;
+}
+)");
+}
+
+TEST(FrameworkValues, AreNothingElse) {
+    GraphGenerator generator;
+    generator.graph->interfaceProviders.push_back(makeFrameworkValues());
+    EXPECT_THROW(generator.graph->findInterfaceNode("objectPosition", 1), ShaderError);
+    EXPECT_THROW(generator.graph->findInterfaceNode("lamp", 0), ShaderError);
+}
+
+TEST(InterpolantParameters, AreComputedPerVertex) {
+    const auto interpolated = [](GraphGenerator& generator) {
+        const Handle uv = submit(generator, makeVaryingParameter("map1", float2));
+        const Handle value = emitFunction(generator, {uv}, float3, ExecutionLevel::Automatic, "source");
+        const Handle crossing =
+            submit(generator, makeParameterNode(NodeKind::InterpolantParameter, {}, float3));
+        generator.connect(value, "out", crossing, "write");
+        return emitFunction(generator, {crossing}, float3);
+    };
+    const ExportedMaterial shader = Sample({interpolated}).shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	float2 map1 : ATTR1,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out;
+	source( map1, a_out );
+	float3 a_read = a_out;
+	interpolant0.xyz = a_read;
+}
+)");
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	float3 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0 )
+{
+	float3 a_read = interpolant0.xyz;
+	float3 a_out_2;
+	f( a_read, a_out_2 );
+	colour = float4( a_out_2, 1.0 );
+}
+)");
+}
+
+TEST(InterpolantParameters, RefuseFragmentValues) {
+    const auto wrong = [](GraphGenerator& generator) {
+        const Handle value = emitFunction(generator, {}, float3, ExecutionLevel::Fragment, "source");
+        const Handle crossing =
+            submit(generator, makeParameterNode(NodeKind::InterpolantParameter, {}, float3));
+        generator.connect(value, "out", crossing, "write");
+        return emitFunction(generator, {crossing}, float3);
+    };
+    expectError(Sample({wrong}).error(), "sample.xml:10", {"node \"a\" (\"Code\")", "runs per fragment"});
+}
+
+TEST(RegisterParameters, AreReadInTheirStage) {
+    const auto both = [](GraphGenerator& generator) {
+        const Handle window = submit(generator, registerOf(10, 0, float2));
+        const Handle attribute = submit(generator, registerOf(1, 5, float2, "extra"));
+        const Handle constant = submit(generator, registerOf(2, 12, float1, "strength"));
+        const Handle scaled =
+            emitFunction(generator, {attribute, constant}, float3, ExecutionLevel::Vertex, "scale");
+        const Handle sum = emitFunction(generator, {window}, float3);
+        FunctionBuilder builder;
+        builder.addInput(float3, "a");
+        builder.addInput(float3, "b");
+        builder.addOutput(float3, "out");
+        builder.appendCode("\tout = a + b;\n");
+        const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Automatic, "add"));
+        generator.connect(scaled, "out", last, "a");
+        generator.connect(sum, "out", last, "b");
+        return last;
+    };
+    const ExportedMaterial shader = Sample({both}).shader();
+    EXPECT_NE(shader.vertexProgram.content.find("\nuniform float strength : register( c12 );\n"),
+              std::string::npos)
+        << shader.vertexProgram.content;
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0,
+	float2 extra : ATTR5 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out;
+	scale( extra, strength, a_out );
+	interpolant0.xyz = a_out;
+}
+)");
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	float3 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0,
+	float2 WPOS : WPOS )
+{
+	float3 a_out = interpolant0.xyz;
+	float3 a_out_2;
+	f( WPOS, a_out_2 );
+	float3 a_out_3;
+	add( a_out, a_out_2, a_out_3 );
+	colour = float4( a_out_3, 1.0 );
+}
+)");
+}
+
+TEST(RegisterParameters, AreWrittenWithoutAnyOtherReader) {
+    const ExportedMaterial shader =
+        Sample({writer([] { return registerOf(17, 0, float1, "depth"); }, float1),
+                writer([] { return registerOf(5, 0, float1); }, float1, ExecutionLevel::Vertex), emitColour})
+            .shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float PSIZE : PSIZE )
+{
+	clipPosition = QelTransformPosition( position );
+	float b_out;
+	source( b_out );
+	PSIZE = b_out;
+}
+)");
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0,
+	out float depth : DEPTH )
+{
+	float a_out;
+	source( a_out );
+	float3 c_out;
+	f( c_out );
+	colour = float4( c_out, 1.0 );
+	depth = a_out;
+}
+)");
+}
+
+TEST(RegisterParameters, AreSharedByReadersOfOneType) {
+    const auto window = [] { return registerOf(10, 0, float2); };
+    const ExportedMaterial shader = Sample({[&](GraphGenerator& generator) {
+                                        const Handle first = submit(generator, window());
+                                        const Handle second = submit(generator, window());
+                                        return emitFunction(generator, {first, second}, float3);
+                                    }}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0,
+	float2 WPOS : WPOS )
+{
+	float3 a_out;
+	f( WPOS, WPOS, a_out );
+	colour = float4( a_out, 1.0 );
+}
+)");
+}
+
+TEST(RegisterParameters, LeaveNoRoomForPackedInterpolants) {
+    const auto crossing = [](GraphGenerator& generator) {
+        const Handle vertex = emitFunction(generator, {}, float4, ExecutionLevel::Vertex, "source");
+        FunctionBuilder builder;
+        builder.addInput(float4, "in");
+        builder.addOutput(float3, "out");
+        builder.appendCode("\tout = in.xyz;\n");
+        const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Fragment, "f"));
+        generator.connect(vertex, "out", last, "in");
+        return last;
+    };
+    const ExportedMaterial shader =
+        Sample({writer([] { return registerOf(9, 0, float2, "mine"); }, float2), crossing}).shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float4 interpolant0 : TEXCOORD1,
+	out float2 mine : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float2 a_out;
+	source( a_out );
+	float4 b_out;
+	source_2( b_out );
+	interpolant0.xyzw = b_out;
+	mine = a_out;
+}
+)");
+}
+
+struct RefusedRow {
+    std::int32_t index;
+    std::int32_t number;
+    std::string description;
+    std::string reason;
+};
+
+TEST(RegisterParameters, MustBeTheNodesToTake) {
+    const RefusedRow rows[] = {
+        {0, 0, "Cg register parameter UNKNOWN (float)", "no register"},
+        {5, 1, "Cg register parameter PSIZE (float)", "no register"},
+        {5, -1, "Cg register parameter PSIZE (float)", "no register"},
+        {9, 10, "Cg register parameter TEXCOORD10 (float)", "no register"},
+        {4, 0, "Cg register parameter POSITION (float)", "framework"},
+        {16, 0, "Cg register parameter COLOR0 (float)", "framework"},
+    };
+    for (const RefusedRow& row : rows) {
+        const auto make = [&] { return registerOf(row.index, row.number, float1); };
+        const bool isRead = !make()->outputs.empty();
+        const std::string error =
+            isRead ? Sample({reader(make)}).error() : Sample({writer(make, float1), emitColour}).error();
+        expectError(error, "sample.xml:10", {"node \"a\" (\"Code\")", row.description, row.reason});
+    }
+    EXPECT_EQ(Sample({writer([] { return registerOf(16, 1, float4); }, float4), emitColour}).error(),
+              noError);
+}
+
+TEST(RegisterParameters, AreNotClaimedTwice) {
+    const auto depth = [] { return registerOf(17, 0, float1); };
+    expectError(Sample({writer(depth, float1), writer(depth, float1), emitColour}).error(), "sample.xml:11",
+                {"node \"b\" (\"Code\")", "Cg register parameter DEPTH (float)", "node \"a\" (\"Code\")"});
+    const auto twoTypes = [](GraphGenerator& generator) {
+        const Handle first = submit(generator, registerOf(10, 0, float2));
+        const Handle second = submit(generator, registerOf(10, 0, float4));
+        return emitFunction(generator, {first, second}, float3);
+    };
+    expectError(Sample({twoTypes}).error(), "sample.xml:10",
+                {"Cg register parameter WPOS (float4)", "node \"a\"", "Cg register parameter WPOS (float2)"});
+}
+
+TEST(RegisterParameters, OfTheFragmentProgramStayThere) {
+    expectError(Sample({reader([] { return registerOf(10, 0, float2); }, ExecutionLevel::Vertex)}).error(),
+                "sample.xml:10",
+                {"node \"a\" (\"Code\")", "Cg register parameter WPOS (float2)", "fragment program",
+                 "node \"a\" (\"Code\")"});
+}
+
+TEST(InnerEdges, OfTypesThatDoNotConvertAreRefused) {
+    const auto wrong = [](GraphGenerator& generator) {
+        const Handle pair = submit(generator, makeUniformParameter("pair", float2));
+        FunctionBuilder builder;
+        builder.addInput(float3, "in");
+        builder.addOutput(float3, "out");
+        const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Automatic, "last"));
+        // the graph itself takes every edge
+        generator.graph->connect(pair, "read", last, "in");
+        return last;
+    };
+    expectError(
+        Sample({wrong}).error(), "sample.xml:10",
+        {"node \"a\" (\"Code\")", "uniform parameter \"pair\" (float2)", "function \"last\" (1/1/*)"});
+}
+
+TEST(PrintOptions, AnnotationsNameTheTypes) {
+    Material material = testing::built(testing::node("uv", "CoreUv") + testing::node("t", "CoreTexture") +
+                                       testing::connection("uv", "read", "t", "in_uv") +
+                                       testing::output("colour", "t", "out_colour"));
+    ExportOptions options;
+    options.print.annotate = true;
+    const std::string text = mainOf(exportMaterial(material, options).fragmentProgram);
+    EXPECT_EQ(text, R"(void main(
+	float2 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0 )
+{
+	float2 Uv = interpolant0.xy;
+	// node "t" ("Texture"): float2 in_uv, sampler2D in_sampler -> half3 out_colour
+	half3 t_out_colour;
+	textureCode( Uv, Texture, t_out_colour );
+	colour = float4( t_out_colour, 1.0 );
+}
+)");
+}
+
+TEST(PrintOptions, TheFrameworkIsLeftOut) {
+    Material material =
+        testing::built(testing::node("c", "CoreConstant") + testing::output("colour", "c", "read"));
+    ExportOptions options;
+    options.print.framework = false;
+    const ExportedMaterial shader = exportMaterial(material, options);
+    EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
+
+void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION )
+{
+	clipPosition = QelTransformPosition( position );
+}
+)");
+    EXPECT_EQ(shader.fragmentProgram.content.find("QelSrgbToLinear"), std::string::npos);
+}
+
+} // namespace
+} // namespace patina

@@ -1,0 +1,85 @@
+#include "tests/host/host_checks.h"
+
+#include "shadergraph/shadergraph.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace patina {
+namespace {
+
+using testing::connection;
+using testing::expectError;
+using testing::expectErrorAt;
+using testing::exportError;
+using testing::hostErrorOf;
+using testing::node;
+using testing::noError;
+using testing::output;
+using testing::property;
+
+class ItemNode : public MaterialNode {
+public:
+    ItemNode() : MaterialNode("Item") {}
+    void generateCode(GraphGenerator& /*generator*/) override {}
+};
+
+/// What is said of a function with one input "in_value" and that code.
+std::string verdictOn(const std::string& code, const std::string& input = "in_value") {
+    Material material;
+    material.file = "flow.xml";
+    MaterialItem item;
+    item.id = "a";
+    item.node = std::make_shared<ItemNode>();
+    item.line = 7;
+    material.items.push_back(item);
+    FunctionBuilder builder;
+    builder.addInput({ComponentType::Float, 1, 1, 1}, input);
+    builder.appendCode(code);
+    Dataflow flow;
+    flow.nodes.push_back({builder.makeNode(ExecutionLevel::Automatic, "f"), 0, {}});
+    return hostErrorOf([&] { verifyCode(material, flow); });
+}
+
+TEST(VerifyCode, RefusesConstantsThatAreNoNumbers) {
+    for (const char* code :
+         {"\tfloat x = float( inf );\n", "\tfloat x = float( -inf );\n", "\tfloat x = -inf;\n",
+          "\tfloat2 x = float2( 1, inf );\n", "\treturn inf;\n", "inf", "\tx = 1.0*inf/2.0;\n"}) {
+        expectError(verdictOn(code), "flow.xml:7", {"node \"a\" (\"Item\")", "\"inf\"", "zero"});
+    }
+    for (const char* code : {"\tfloat x = float( nan );\n", "\tfloat x = float( -nan );\n"}) {
+        expectError(verdictOn(code), "flow.xml:7", {"node \"a\" (\"Item\")", "\"nan\""});
+    }
+}
+
+TEST(VerifyCode, LeavesEverythingElseAlone) {
+    for (const char* code :
+         {"", "\tfloat x = information;\n", "\tfloat inf2 = 1.0;\n", "\tfloat _inf = 1.0;\n",
+          "\tfloat inf = 1.0;\n\tx = inf;\n", "\tx = 1.0; // never inf\n", "\tx = 1.0; /* ( inf ) */\n",
+          "\tx = v.inf;\n", "/* unfinished inf", "// inf"}) {
+        EXPECT_EQ(verdictOn(code), noError) << code;
+    }
+    EXPECT_EQ(verdictOn("\tx = inf;\n", "inf"), noError);
+}
+
+TEST(VerifyCode, NamesTheNodeWithZeroRows) {
+    for (const char* count : {"Rows", "Columns"}) {
+        expectErrorAt(exportError(node("uv", "CoreUv") +
+                                  node("flow", "CoreAnimatedUv", property(count, "integer", "0")) +
+                                  node("t", "CoreTexture") + connection("uv", "read", "flow", "in_uv") +
+                                  connection("flow", "out_uv1", "t", "in_uv") +
+                                  output("colour", "t", "out_colour")),
+                      3, {"node \"flow\" (\"CoreAnimatedUv\")", "\"inf\""});
+    }
+}
+
+TEST(VerifyCode, OverlooksWhatNoOutputNeeds) {
+    EXPECT_EQ(exportError(node("c", "CoreConstant") +
+                          node("flow", "CoreAnimatedUv", property("Rows", "integer", "0")) +
+                          output("colour", "c", "read")),
+              noError);
+}
+
+} // namespace
+} // namespace patina

@@ -1,0 +1,67 @@
+# Completion of patina's command line for bash.
+
+# The node types that the command knows with the plug-ins that the line names.
+_patina_node_types() {
+    local -a plugins=()
+    local i
+    for ((i = 1; i < COMP_CWORD - 1; ++i)); do
+        if [[ ${COMP_WORDS[i]} == --plugin ]]; then
+            plugins+=(--plugin "${COMP_WORDS[i + 1]}")
+        fi
+    done
+    "${COMP_WORDS[0]}" nodes --names "${plugins[@]}" 2>/dev/null
+}
+
+# Files whose names match a pattern, and directories.
+_patina_files() {
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -X "!$1" -- "$word"; compgen -d -- "$word")
+}
+
+_patina_words() {
+    mapfile -t COMPREPLY < <(compgen -W "$1" -- "$word")
+}
+
+_patina() {
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local commands='export check nodes describe graph validate'
+    COMPREPLY=()
+
+    if ((COMP_CWORD == 1)); then
+        _patina_words "$commands --help --version"
+        return
+    fi
+
+    local command=${COMP_WORDS[1]}
+    case "$command $previous" in
+        'export -o' | 'export --output')
+            compopt -o filenames 2>/dev/null
+            mapfile -t COMPREPLY < <(compgen -d -- "$word")
+            return ;;
+        'graph -o' | 'graph --output') _patina_files '*'; return ;;
+        *' --plugin') _patina_files '*.so'; return ;;
+        'export --framework') _patina_words 'patina none'; return ;;
+        'graph --format') _patina_words 'dot svg'; return ;;
+        'export -j' | 'export --jobs' | 'validate --only' | 'validate --timeout') return ;;
+    esac
+
+    if [[ $word == -* ]]; then
+        case $command in
+            export) _patina_words '-o --output --plugin -j --jobs -MD --depfile --framework --annotate --json -q --quiet --help' ;;
+            check) _patina_words '--plugin --werror -q --quiet --help' ;;
+            nodes) _patina_words '--json --names --plugin --help' ;;
+            describe) _patina_words '--json --plugin --help' ;;
+            graph) _patina_words '--shader --format -o --output --plugin --help' ;;
+            validate) _patina_words '--list --only --json --timeout --help' ;;
+        esac
+        return
+    fi
+
+    case $command in
+        export | check | graph) _patina_files '*.xml' ;;
+        describe) _patina_words "$(_patina_node_types)" ;;
+        validate) _patina_files '*.so' ;;
+    esac
+}
+
+complete -F _patina patina
