@@ -8,8 +8,9 @@
 /// stages (stages.h), name it (naming.h), give its parameters registers (registers.h), print it (print.h),
 /// collect the bindings and say where they landed (bindings_file.h), carry over what an artist changed
 /// (saved_bindings.h), write the files (files.h). export.h runs them all, and check.h as far as it can, to
-/// find everything that is wrong. Beside it, node_summary.h lists and describes node types, and graphviz.h
-/// draws graphs. An editor changes a material with edit.h, and saves it with document_writer.h.
+/// find everything that is wrong. Beside it, node_summary.h lists and describes node types, graphviz.h draws
+/// graphs, and plugin_checks.h finds out what is wrong with a plug-in. An editor changes a material with
+/// edit.h, and saves it with document_writer.h.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
@@ -32,6 +33,7 @@
 #include "host/material.h"
 #include "host/naming.h"
 #include "host/node_summary.h"
+#include "host/plugin_checks.h"
 #include "host/plugins.h"
 #include "host/print.h"
 #include "host/registers.h"

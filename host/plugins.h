@@ -29,6 +29,9 @@ public:
     const std::filesystem::path& file() const { return file_; }
     const NodeLibrary& nodeLibrary() const { return factory_->nodeLibrary; }
 
+    /// The factory itself, which stays the plug-in's; nodes that it creates do not keep the plug-in loaded.
+    NodeFactory& factory() { return *factory_; }
+
     /// A new node that keeps the plug-in loaded. Throws ShaderError when the plug-in has no such type.
     std::shared_ptr<MaterialNode> createNode(const std::string& typeName);
 

@@ -38,6 +38,7 @@ int run(int argc, char** argv) {
     patina::tool::addNodesCommand(commandLine);
     patina::tool::addDescribeCommand(commandLine);
     patina::tool::addGraphCommand(commandLine);
+    patina::tool::addValidateCommand(commandLine);
     try {
         parser.parse(withLongOptions(argc, argv));
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,250 @@
+#include "host/child_process.h"
+
+#include "host/diagnostic.h"
+#include "nodemodel/text.h"
+
+#if defined(_WIN32)
+
+namespace patina {
+
+namespace {
+
+[[noreturn]] void throwUnsupported() {
+    throw HostError({}, "child processes are not supported on this system; run this command on a POSIX one");
+}
+
+} // namespace
+
+ChildOutcome runChild(const std::filesystem::path& /*program*/, const std::vector<std::string>& /*arguments*/,
+                      std::chrono::milliseconds /*timeLimit*/) {
+    throwUnsupported();
+}
+
+PrivateOutput::PrivateOutput() { throwUnsupported(); }
+
+PrivateOutput::~PrivateOutput() = default;
+
+void PrivateOutput::write(std::string_view /*text*/) { throwUnsupported(); }
+
+} // namespace patina
+
+#else
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <system_error>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h> // NOLINT(modernize-deprecated-headers): kill is POSIX
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ; // NOLINT: POSIX leaves the declaration to the program
+
+namespace patina {
+
+using namespace detail;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t keptBytes = std::size_t{16} * 1024 * 1024;
+
+/// No pipe holds more, unless somebody with privileges wants it to.
+constexpr std::size_t pipeCapacity = std::size_t{1024} * 1024;
+
+/// How long an ended child may go unnoticed when it closed its streams early, or left them to another
+/// process.
+constexpr std::chrono::milliseconds longestWait(10);
+
+[[noreturn]] void throwSystemError(std::string_view what, int error) {
+    throw HostError({}, joinText({what, ": ", reasonText({error, std::generic_category()})}));
+}
+
+/// A descriptor of this process that no child inherits.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() { reset(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return number_; }
+    bool isOpen() const { return number_ >= 0; }
+    void reset() {
+        if (isOpen()) {
+            close(number_);
+            number_ = -1;
+        }
+    }
+
+private:
+    int number_;
+};
+
+std::array<int, 2> makePipe() {
+    std::array<int, 2> ends = {};
+    if (pipe(ends.data()) != 0) {
+        throwSystemError("cannot make a pipe", errno);
+    }
+    for (const int end : ends) {
+        fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
+    return ends;
+}
+
+/// One captured stream of a child.
+class Capture {
+public:
+    Capture() : Capture(makePipe()) {}
+
+    const Descriptor& reader() const { return reader_; }
+    const Descriptor& writer() const { return writer_; }
+    void closeWriter() { writer_.reset(); }
+    std::string take() { return std::move(text_); }
+
+    /// Reads what is there without waiting, as much as a pipe can hold; at the end of the stream closes it.
+    /// More would be waiting for a writer that never stops.
+    void read() {
+        std::array<char, 65536> buffer;
+        for (std::size_t total = 0; reader_.isOpen() && total < pipeCapacity;) {
+            const ssize_t count = ::read(reader_.number(), buffer.data(), buffer.size());
+            if (count > 0) {
+                const auto bytes = static_cast<std::size_t>(count);
+                text_.append(buffer.data(), std::min(bytes, keptBytes - text_.size()));
+                total += bytes;
+            } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
+                reader_.reset();
+            } else if (errno == EAGAIN) {
+                return;
+            }
+        }
+    }
+
+private:
+    explicit Capture(const std::array<int, 2>& ends) : reader_(ends[0]), writer_(ends[1]) {
+        fcntl(ends[0], F_SETFL, O_NONBLOCK);
+    }
+
+    Descriptor reader_;
+    Descriptor writer_;
+    std::string text_;
+};
+
+/// The streams that a child starts with.
+class FileActions {
+public:
+    FileActions() { posix_spawn_file_actions_init(&actions_); }
+    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+
+    void openNothing(int descriptor) {
+        posix_spawn_file_actions_addopen(&actions_, descriptor, "/dev/null", O_RDONLY, 0);
+    }
+    void redirect(int descriptor, const Capture& capture) {
+        posix_spawn_file_actions_adddup2(&actions_, capture.writer().number(), descriptor);
+    }
+    const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_ = {};
+};
+
+pid_t spawn(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+            const FileActions& actions) {
+    const std::string& path = program.native();
+    // posix_spawn promises to change none of the texts
+    std::vector<char*> list = {const_cast<char*>(path.c_str())};
+    for (const std::string& argument : arguments) {
+        list.push_back(const_cast<char*>(argument.c_str()));
+    }
+    list.push_back(nullptr);
+    pid_t child = 0;
+    const int error = posix_spawn(&child, path.c_str(), actions.get(), nullptr, list.data(), environ);
+    if (error != 0) {
+        throw HostError({path, 0}, joinText({"cannot start this program: ",
+                                             reasonText({error, std::generic_category()})}));
+    }
+    return child;
+}
+
+void waitForOutput(Capture& output, Capture& errors, std::chrono::milliseconds longest) {
+    // poll leaves out negative descriptors
+    std::array<pollfd, 2> streams = {
+        {{output.reader().number(), POLLIN, 0}, {errors.reader().number(), POLLIN, 0}}};
+    poll(streams.data(), streams.size(), static_cast<int>(longest.count()));
+    output.read();
+    errors.read();
+}
+
+} // namespace
+
+ChildOutcome runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                      std::chrono::milliseconds timeLimit) {
+    Capture output;
+    Capture errors;
+    FileActions actions;
+    actions.openNothing(STDIN_FILENO);
+    actions.redirect(STDOUT_FILENO, output);
+    actions.redirect(STDERR_FILENO, errors);
+    const pid_t child = spawn(program, arguments, actions);
+    output.closeWriter();
+    errors.closeWriter();
+
+    ChildOutcome outcome;
+    int status = 0;
+    const auto deadline = Clock::now() + timeLimit;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (Clock::now() >= deadline) {
+            outcome.end = ChildOutcome::End::TimedOut;
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            break;
+        }
+        waitForOutput(output, errors, longestWait);
+    }
+    output.read();
+    errors.read();
+    if (outcome.end != ChildOutcome::End::TimedOut && WIFSIGNALED(status)) {
+        outcome.end = ChildOutcome::End::Signalled;
+    }
+    outcome.code = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+    outcome.output = output.take();
+    outcome.errors = errors.take();
+    return outcome;
+}
+
+PrivateOutput::PrivateOutput() {
+    static_cast<void>(std::fflush(stdout));
+    descriptor_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (descriptor_ < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
+        throwSystemError("cannot use the standard output", errno);
+    }
+}
+
+PrivateOutput::~PrivateOutput() {
+    static_cast<void>(std::fflush(stdout));
+    dup2(descriptor_, STDOUT_FILENO);
+    close(descriptor_);
+}
+
+void PrivateOutput::write(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(descriptor_, text.data(), text.size());
+        if (count < 0 && errno != EINTR) {
+            throwSystemError("cannot write to the standard output", errno);
+        }
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+}
+
+} // namespace patina
+
+#endif
