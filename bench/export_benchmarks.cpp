@@ -19,7 +19,8 @@ void exportWhole(benchmark::State& state, MakeDocument makeDocument) {
     const MaterialDocument document = makeDocument(static_cast<std::size_t>(state.range(0)));
     for ([[maybe_unused]] auto _ : state) {
         Material material = buildQuietly(document);
-        benchmark::DoNotOptimize(exportMaterial(material));
+        Warnings warnings;
+        benchmark::DoNotOptimize(exportMaterial(material, warnings));
     }
     const auto nodes = static_cast<double>(document.nodes.size());
     state.counters["nodes"] = nodes;

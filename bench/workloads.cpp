@@ -45,7 +45,8 @@ void generateCode(const std::string& type, std::size_t count) {
 
 void exportWhole(const MaterialDocument& document) {
     Material material = buildQuietly(document);
-    exportMaterial(material);
+    Warnings warnings;
+    exportMaterial(material, warnings);
 }
 
 std::map<std::string, Workload> allWorkloads() {

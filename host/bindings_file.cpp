@@ -60,25 +60,75 @@ void appendBinding(xmlNode* root, const ExportedBinding& exported) {
 
 using ItemByName = std::unordered_map<std::string, std::size_t>;
 
-void addBindingsOf(const Material& material, std::size_t index, BindingCollection& collection,
-                   ItemByName& itemByName) {
-    const MaterialItem& item = material.items[index];
-    const std::size_t before = collection.bindings.size();
-    onBehalfOf(material, item, item.line, [&] {
-        if (item.node->generatesBinding()) {
-            item.node->addBindings(collection);
-        }
-    });
-    for (std::size_t i = before; i < collection.bindings.size(); ++i) {
-        const auto [first, isNew] = itemByName.try_emplace(collection.bindings[i]->name, index);
-        if (!isNew) {
-            throw HostError(
-                {material.file, item.line},
-                joinText({nodeTitle(item), ": its binding has the name of that of ",
-                          nodeTitle(material.items[first->second]), "; rename one of the nodes"}));
+/// The parameter of the programs that a binding sets.
+const std::string& parameterOf(const Binding& binding) {
+    return binding.cgName.empty() ? binding.name : binding.cgName;
+}
+
+/// Collects the bindings of one material's nodes. All methods throw HostError.
+class BindingCollector {
+public:
+    explicit BindingCollector(const Material& material) : material_(material) {}
+
+    void add(std::size_t index) {
+        const MaterialItem& item = material_.items[index];
+        const std::size_t before = collection_.bindings.size();
+        onBehalfOf(material_, item, item.line, [&] {
+            if (item.node->generatesBinding()) {
+                item.node->addBindings(collection_);
+            }
+        });
+        for (std::size_t i = before; i < collection_.bindings.size(); ++i) {
+            const Binding& binding = *collection_.bindings[i];
+            requireOwn(index, itemByName_, binding.name, "has the name");
+            requireOwn(index, itemByParameter_, parameterOf(binding), "sets the parameter");
+            requireWritable(item, binding);
         }
     }
-}
+
+    BindingCollection take() {
+        collection_.sorted = true;
+        return std::move(collection_);
+    }
+
+private:
+    [[noreturn]] void fail(const MaterialItem& item, std::initializer_list<std::string_view> pieces) const {
+        throw HostError({material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)}));
+    }
+
+    void requireOwn(std::size_t index, ItemByName& owners, const std::string& name, std::string_view what) {
+        const auto [owner, isNew] = owners.try_emplace(name, index);
+        if (isNew) {
+            return;
+        }
+        const MaterialItem& item = material_.items[index];
+        if (owner->second == index) {
+            fail(item, {"two of its bindings have the name or the parameter \"", name,
+                        "\"; report this to the author of its plug-in"});
+        }
+        fail(item, {"its binding ", what, " of that of ", nodeTitle(material_.items[owner->second]),
+                    "; rename one of the nodes"});
+    }
+
+    /// A plug-in's texts may be anything, and a bindings file that cannot be read again is worth nothing.
+    void requireWritable(const MaterialItem& item, const Binding& binding) const {
+        const Annotations annotations =
+            onBehalfOf(material_, item, item.line, [&] { return annotationsOf(binding); });
+        const auto isUnwritable = [](const auto& annotation) { return !isDocumentText(annotation.second); };
+        const auto unwritable = std::find_if(annotations.begin(), annotations.end(), isUnwritable);
+        if (unwritable != annotations.end() || !isDocumentText(binding.group)) {
+            fail(item, {"the ", unwritable != annotations.end() ? unwritable->first : std::string("group"),
+                        " of its binding is no text in UTF-8, or has control characters; report this to the "
+                        "author of its "
+                        "plug-in"});
+        }
+    }
+
+    const Material& material_;
+    BindingCollection collection_;
+    ItemByName itemByName_;
+    ItemByName itemByParameter_;
+};
 
 } // namespace
 
@@ -92,13 +142,11 @@ BindingCollection collectBindings(const Material& material, Errors* errors) {
         return bindingIndex(left) < bindingIndex(right);
     });
 
-    BindingCollection collection;
-    ItemByName itemByName;
+    BindingCollector collector(material);
     for (const std::size_t index : order) {
-        attempt(errors, [&] { addBindingsOf(material, index, collection, itemByName); });
+        attempt(errors, [&] { collector.add(index); });
     }
-    collection.sorted = true;
-    return collection;
+    return collector.take();
 }
 
 ExportedProgram describeProgram(const std::string& stage, const OutputFile& program) {
@@ -111,7 +159,7 @@ std::vector<ExportedBinding> describeBindings(const BindingCollection& bindings,
     std::vector<ExportedBinding> described;
     for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
         described.push_back({binding, artistValues(*binding), {}});
-        const auto found = landings.find(binding->cgName.empty() ? binding->name : binding->cgName);
+        const auto found = landings.find(parameterOf(*binding));
         if (found != landings.end()) {
             described.back().landings = found->second;
         }

@@ -28,6 +28,9 @@ constexpr const char* emptyDocument = "<?xml version=\"1.0\" encoding=\"UTF-8\"?
 constexpr const char* usualBreak = "\n  ";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+constexpr const char* cannotEncode =
+    "this document cannot be written in its encoding; make it a document in UTF-8";
+
 /// Refuses what could not be read again.
 class DocumentCheck {
 public:
@@ -435,8 +438,7 @@ private:
         xmlSaveCtxt* context = xmlSaveToBuffer(buffer.get(), inUtf8 ? "UTF-8" : nullptr, options);
         const bool saved = context != nullptr && xmlSaveDoc(context, xml_.get()) >= 0;
         if (context == nullptr || xmlSaveClose(context) < 0 || !saved) {
-            throw HostError({document_.file, document_.line},
-                            "this document cannot be written in its encoding");
+            throw HostError({document_.file, document_.line}, cannotEncode);
         }
         const std::string_view text(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
                                     static_cast<std::size_t>(xmlBufferLength(buffer.get())));
@@ -474,11 +476,28 @@ private:
     bool changed_ = false;
 };
 
+/// What of other encodings the serialiser can write, it does not always write so that it can be read.
+void requireReadable(const MaterialDocument& document, const std::string& text) {
+    const bool declaresUtf8 = text.substr(0, text.find('>')).find("encoding=\"UTF-8\"") != std::string::npos;
+    if (text == document.source || declaresUtf8) {
+        return;
+    }
+    try {
+        if (parseMaterial(text, document.file) == document) {
+            return;
+        }
+    } catch (const HostError&) {
+        throw HostError({document.file, document.line}, cannotEncode);
+    }
+    throw HostError({document.file, document.line}, cannotEncode);
+}
+
 } // namespace
 
 std::string printMaterial(const MaterialDocument& document) {
     DocumentCheck(document).check();
     std::string text = SourceEditor(document).print();
+    requireReadable(document, text);
     if (text.size() > xmlSizeLimit) {
         throw HostError({document.file, document.line},
                         "this document is larger than 512 MiB, and could not be read again");

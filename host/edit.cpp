@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <string_view>
 #include <unordered_map>
@@ -181,40 +182,29 @@ std::map<std::string, PropertyContent> valuesOf(const MaterialNode& node) {
     return values;
 }
 
-void giveBackOverridden(const MaterialItem& item) {
-    for (const OverriddenProperty& overridden : item.overridden) {
-        setValue(*item.node->properties->find(overridden.property), overridden.given);
-    }
-}
-
-/// Updates a node from its live values, which is what the artist expects, and then from the saved ones, which
-/// is what the document will give. Where the two differ, the artist's are saved.
+/// Updates a node from its live values, which is what the artist expects, and saves what differs then from
+/// what the document gives. What is saved of a placeholder is not its own to change.
 void settle(Material& material, std::size_t index) {
     MaterialItem& item = material.items[index];
-    if (item.overridden.empty()) {
-        updateItem(material, item); // live and saved values are the same
+    if (item.placeholder) {
+        updateItem(material, item);
         return;
     }
-    onBehalfOf(material, item, item.line, [&] { item.node->updateFromProperties(nullptr); });
-    const std::map<std::string, PropertyContent> expected = valuesOf(*item.node);
-    giveBackOverridden(item);
-    updateItem(material, item);
-    const std::map<std::string, PropertyContent> reached = valuesOf(*item.node);
-    if (reached == expected) {
-        return;
+    std::map<std::string, PropertyContent> given = valuesOf(*item.node);
+    for (OverriddenProperty& overridden : item.overridden) {
+        given[overridden.property] = std::move(overridden.given);
     }
-    giveBackOverridden(item);
     onBehalfOf(material, item, item.line, [&] {
-        for (const auto& [name, value] : expected) {
-            const auto found = reached.find(name);
-            if (found != reached.end() && found->second != value) {
-                Property& property = *item.node->properties->find(name);
-                setValue(property, value);
-                saveProperty(material.document.nodes[index], name, value.kind, propertyText(property, {}));
+        item.node->updateFromProperties(nullptr);
+        for (const std::shared_ptr<Property>& property : *item.node->properties) {
+            const auto earlier = given.find(property->name);
+            if (earlier != given.end() && earlier->second != valueOf(*property)) {
+                saveProperty(material.document.nodes[index], property->name, property->kind,
+                             propertyText(*property, {}));
             }
         }
     });
-    updateItem(material, item);
+    item.overridden.clear();
 }
 
 /// Updates nodes and those that refer to them, each after those it refers to, and tells which they are.
@@ -666,11 +656,10 @@ void saveBindings(Material& material, const BindingCollection& bindings) {
             takeOver(saved.back(), *former->second);
         }
     }
-    for (const MaterialItem& item : material.items) {
-        const auto former = formerByName.find(item.node->name());
-        if (item.placeholder && former != formerByName.end() && names.insert(former->first).second) {
-            saved.push_back(*former->second);
-        }
+    if (hasPlaceholder(material)) {
+        std::copy_if(material.document.bindings.begin(), material.document.bindings.end(),
+                     std::back_inserter(saved),
+                     [&](const DocumentBinding& former) { return names.count(former.name) == 0; });
     }
     material.document.bindings = std::move(saved);
 }

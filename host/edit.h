@@ -39,9 +39,8 @@ std::string addNode(Material& material, const PluginSet& plugins, const std::str
 EditResult removeNode(Material& material, const std::string& id);
 
 /// Sets a property to a value in the form that documents have for its kind, and updates the node and those
-/// that refer to it, directly or not. Connections and outputs whose ports are gone go too. What the artist
-/// would lose when the document is read again, because an update decided it and a later one left it, is saved
-/// with the node.
+/// that refer to it, directly or not. Connections and outputs whose ports are gone go too. What the updates
+/// change is saved with the nodes.
 ///
 /// Throws when there is no such property, for "Type", for a value that is none of the kind or that the node
 /// refuses, for a cycle of references, and when an update fails. On a placeholder only the standard
@@ -70,8 +69,8 @@ void setMaterialName(Material& material, const std::string& name);
 
 /// Makes the document's bindings those of the collection, with kind, components, group and annotations, and
 /// beside each value that an artist can change the graph's own: an export tells by it what was changed.
-/// Attributes that are no annotations stay with the binding of their tag, and so does the whole binding of a
-/// placeholder, which is the one that bears its "Name". Throws when two bindings
+/// Attributes that are no annotations stay with the binding of their tag. In a material with a placeholder,
+/// bindings that no node presents stay whole: they may be those of the missing type. Throws when two bindings
 /// bear one name, and what a node throws.
 void saveBindings(Material& material, const BindingCollection& bindings);
 

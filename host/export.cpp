@@ -60,8 +60,8 @@ std::string printDependencies(const ExportedMaterial& exported, const std::files
 
 } // namespace
 
-ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, Warnings& warnings,
-                                const ExportOptions& options) {
+ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const ExportOptions& options,
+                                const SavedBindings& saved) {
     resolveMaterial(material);
     const GeneratedGraph graph = generateGraph(material);
     const Dataflow flow = joinGraph(material, graph);
@@ -98,16 +98,11 @@ ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, 
     return result;
 }
 
-ExportedMaterial exportMaterial(Material& material, const ExportOptions& options) {
-    Warnings ignored;
-    return exportMaterial(material, {}, ignored, options);
-}
-
 ExportedMaterial prepareExport(const std::filesystem::path& document, const std::filesystem::path& directory,
                                const PluginSet& plugins, Warnings& warnings, const ExportOptions& options) {
     Material material = buildMaterial(readMaterial(document), plugins, warnings);
     const SavedBindings saved = readBindings(directory / bindingsFileName(material));
-    ExportedMaterial exported = exportMaterial(material, saved, warnings, options);
+    ExportedMaterial exported = exportMaterial(material, warnings, options, saved);
     if (options.dependencyFile) {
         exported.dependencies = {exported.name + ".d",
                                  printDependencies(exported, document, directory, plugins)};

@@ -38,13 +38,10 @@ struct ExportedMaterial {
 };
 
 /// Resolves, generates, joins, places, names and prints a live material. Its bindings have what the document
-/// saves of them, as far as there are such bindings. Throws HostError when any step refuses.
-ExportedMaterial exportMaterial(Material& material, const ExportOptions& options = {});
-
-/// The same, with warnings, and with what an artist changed in the bindings file of an earlier export; see
-/// saved_bindings.h.
-ExportedMaterial exportMaterial(Material& material, const SavedBindings& saved, Warnings& warnings,
-                                const ExportOptions& options = {});
+/// saves of them, and then what an artist changed in the bindings file of an earlier export; warns of what of
+/// these has no effect. See saved_bindings.h. Throws HostError when any step refuses.
+ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const ExportOptions& options = {},
+                                const SavedBindings& saved = {});
 
 /// Reads a document and exports its material, as for a directory, into which nothing is written yet. What an
 /// artist changed in the bindings file that is there already is carried over. Throws HostError.

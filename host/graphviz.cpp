@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <initializer_list>
 #include <map>
@@ -84,7 +85,7 @@ std::string quotedTooltip(std::string_view text) {
 void appendHex(std::string& text, float component) {
     constexpr std::string_view digits = "0123456789abcdef";
     const float clamped = component > 0.0F ? std::min(component, 1.0F) : 0.0F;
-    const auto code = static_cast<std::size_t>(clamped * 255.0F + 0.5F);
+    const auto code = static_cast<std::size_t>(std::lround(clamped * 255.0F));
     text += digits[code / 16];
     text += digits[code % 16];
 }
@@ -148,15 +149,17 @@ std::string labelText(const NodeLabel& label) {
 class DotPrinter {
 public:
     explicit DotPrinter(const std::string& name, std::string_view title) {
-        append({"digraph ", quotedText(name),
-                " {\n"
-                "\tgraph [rankdir=LR, nodesep=0.3, ranksep=0.8, pad=0.4, bgcolor=\"#ffffff\", labelloc=t, "
-                "fontname=\"Helvetica\", fontsize=20, label=",
-                quotedText(title),
-                "];\n"
-                "\tnode [shape=box, style=\"rounded,filled\", margin=0.04, penwidth=1.2, "
-                "fontname=\"Helvetica\", fontsize=11];\n"
-                "\tedge [arrowsize=0.6, penwidth=1.4, fontname=\"Helvetica\", fontsize=8];\n\n"});
+        constexpr std::string_view graphLook =
+            "rankdir=LR, nodesep=0.3, ranksep=0.8, pad=0.4, bgcolor=\"#ffffff\", labelloc=t, "
+            "fontname=\"Helvetica\", fontsize=20";
+        constexpr std::string_view nodeLook =
+            "shape=box, style=\"rounded,filled\", margin=0.04, penwidth=1.2, "
+            "fontname=\"Helvetica\", fontsize=11";
+        constexpr std::string_view edgeLook =
+            "arrowsize=0.6, penwidth=1.4, fontname=\"Helvetica\", fontsize=8";
+        append({"digraph ", quotedText(name), " {\n\tgraph [", graphLook, ", label=", quotedText(title),
+                "];\n"});
+        append({"\tnode [", nodeLook, "];\n\tedge [", edgeLook, "];\n\n"});
     }
 
     void node(const std::string& name, const NodeLabel& label, std::string_view attributes) {
@@ -414,6 +417,7 @@ private:
 
     static std::vector<std::string> namesOf(const std::vector<GeneratorPort>& ports) {
         std::vector<std::string> names;
+        names.reserve(ports.size());
         for (const GeneratorPort& port : ports) {
             names.push_back(port.name);
         }

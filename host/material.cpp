@@ -4,6 +4,7 @@
 #include "host/property_text.h"
 #include "nodemodel/text.h"
 
+#include <algorithm>
 #include <list>
 #include <map>
 #include <set>
@@ -277,6 +278,11 @@ Material::~Material() {
             clearReferences(*item.node);
         }
     }
+}
+
+bool hasPlaceholder(const Material& material) {
+    return std::any_of(material.items.begin(), material.items.end(),
+                       [](const MaterialItem& item) { return item.placeholder; });
 }
 
 std::string nodeTitle(const MaterialItem& item) {

@@ -93,6 +93,9 @@ struct Material {
 Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings,
                        Errors* errors = nullptr);
 
+/// Whether a node stands for a type that no plug-in offers.
+bool hasPlaceholder(const Material& material);
+
 /// How messages name a node: `node "id" ("Name")`.
 std::string nodeTitle(const MaterialItem& item);
 

@@ -6,6 +6,7 @@
 #include "nodemodel/xml_attributes.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <system_error>
 #include <unordered_map>
@@ -21,7 +22,8 @@ constexpr const char* advice = "mend this file, or move it away to export withou
 
 bool isNumberList(const std::string& text) {
     const auto numbers = parseFloatList(text);
-    return numbers && !numbers->empty();
+    return numbers && !numbers->empty() &&
+           std::all_of(numbers->begin(), numbers->end(), [](float number) { return std::isfinite(number); });
 }
 
 bool isUnitType(const std::string& text) {
@@ -36,7 +38,7 @@ void requireUnderstood(const std::string& file, const SavedBinding& binding) {
     };
     const std::string* initial = findAnnotation(binding.annotations, "default");
     if (binding.kind == "float" && initial != nullptr && !isNumberList(*initial)) {
-        fail({"the default \"", *initial, "\" is no list of numbers"});
+        fail({"the default \"", *initial, "\" is no list of finite numbers"});
     }
     const std::string* unit = findAnnotation(binding.annotations, "uiunittype");
     if (unit != nullptr && !isUnitType(*unit)) {
@@ -112,14 +114,27 @@ Annotations changesOf(const SavedBinding& saved) {
     return changes;
 }
 
-/// The changes without those of what the graph sets now.
-Annotations wanted(Annotations changes, const Annotations& exported) {
-    const auto isGraphs = [&](const auto& change) {
-        const std::string* graphs = findAnnotation(exported, change.first);
-        return change.first != "default" && graphs != nullptr && !graphs->empty();
-    };
-    changes.erase(std::remove_if(changes.begin(), changes.end(), isGraphs), changes.end());
-    return changes;
+std::size_t numberCount(const std::string* text) {
+    const auto numbers = text == nullptr ? std::nullopt : parseFloatList(*text);
+    return numbers ? numbers->size() : 0;
+}
+
+/// A default that was given to all components that there were gets the graph's own for those that are new.
+void widen(Annotations& changes, const SavedBinding& saved, const Binding& binding) {
+    const auto initial = std::find_if(changes.begin(), changes.end(),
+                                      [](const auto& change) { return change.first == "default"; });
+    const std::size_t count = initial == changes.end() ? 0 : numberCount(&initial->second);
+    const std::string exportedKey = joinText({exportedPrefix, "default"});
+    const std::size_t exported = numberCount(findAnnotation(saved.annotations, exportedKey));
+    const Annotations own = artistValues(binding);
+    const std::string* graphs = findAnnotation(own, "default");
+    if (binding.kind != BindingKind::Float || count == 0 || count != exported || graphs == nullptr) {
+        return;
+    }
+    const auto numbers = parseFloatList(*graphs);
+    for (std::size_t i = count; numbers && i < numbers->size(); ++i) {
+        appendText(initial->second, {", ", formatFloat((*numbers)[i])});
+    }
 }
 
 std::string listOf(const Annotations& changes) {
@@ -145,17 +160,12 @@ SavedBindings savedIn(const Material& material) {
     return saved;
 }
 
-bool isPlaceholders(const Material& material, const SavedBinding& binding) {
-    return std::any_of(material.items.begin(), material.items.end(), [&](const MaterialItem& item) {
-        return item.placeholder && item.node->name() == binding.name;
-    });
-}
-
 /// Sets the changes on a binding fresh from the graph. Throws HostError that ends with the ending.
-void restore(const SavedBindings& saved, const SavedBinding& earlier, const Annotations& changes,
-             Binding& binding, std::string_view ending) {
+void restore(const SavedBindings& saved, const SavedBinding& earlier, Annotations changes, Binding& binding,
+             std::string_view ending) {
     try {
-        restoreArtistValues(binding, wanted(changes, artistValues(binding)));
+        widen(changes, earlier, binding);
+        restoreArtistValues(binding, changes);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
@@ -204,7 +214,7 @@ void restoreSavedValues(const Material& material, const BindingCollection& bindi
         const auto found = byName.find(earlier.name);
         if (found != byName.end() && bindingKindName(*found->second) == earlier.kind) {
             restore(saved, earlier, changes, *found->second, "");
-        } else if (!isPlaceholders(material, earlier)) {
+        } else if (!hasPlaceholder(material)) {
             warnings.push_back({{saved.file, earlier.line},
                                 joinText({"the material has no ", earlier.kind, " binding \"", earlier.name,
                                           "\", and what is saved for it has no effect: ", listOf(changes)})});

@@ -36,8 +36,7 @@ SavedBindings readBindings(const std::filesystem::path& file);
 SavedBindings parseBindings(std::string_view text, const std::string& file);
 
 /// Sets on bindings fresh from the graph what the material's document says that the artist changed, by name
-/// and kind. A default that was changed wins over the graph's; anything else does where the graph sets
-/// nothing. Warns of changes to bindings that no node presents, other than a placeholder.
+/// and kind. Warns of changes to bindings that no node presents, unless it may be one whose type is missing.
 /// Throws HostError, saying where, for a change that means nothing, and when a binding refuses it.
 void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings);
 

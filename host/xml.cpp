@@ -110,7 +110,7 @@ XmlPointer<xmlDoc> parseXml(std::string_view text, const std::string& file, std:
     // needs entities, depth or size, and those are limited here
     XmlPointer<xmlDoc> xml(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
                                              nullptr, nullptr, XML_PARSE_NONET | XML_PARSE_HUGE));
-    if (!xml || context->disableSAX != 0) {
+    if (!xml || context->disableSAX != 0 || context->nsWellFormed == 0) {
         throw HostError({file, run.line},
                         run.complaint.empty() ? "this is not well-formed XML" : run.complaint);
     }

@@ -3,10 +3,10 @@
 
 #include "bindings/bindings.h"
 #include "host/dependency_order.h"
+#include "host/document.h"
+#include "host/xml.h"
 #include "nodemodel/text.h"
 #include "shadergraph/shadergraph.h"
-
-#include <libxml/tree.h>
 
 #include <algorithm>
 #include <array>
@@ -257,10 +257,6 @@ void compareBindings(CheckContext& context, const Binding& written, const Bindin
     requireField(context, written, "basic colour flag", written.basicColour, read.basicColour);
 }
 
-struct FreeNode {
-    void operator()(xmlNode* node) const { xmlFreeNode(node); }
-};
-
 void checkBinding(CheckContext& context, const std::shared_ptr<Binding>& written) {
     if (!written) {
         context.report({"addBindings adds nothing in place of a binding"});
@@ -272,8 +268,13 @@ void checkBinding(CheckContext& context, const std::shared_ptr<Binding>& written
         context.report({"the binding ", inQuotes(written->name), " has no valid kind or no components"});
         return;
     }
-    const std::unique_ptr<xmlNode, FreeNode> element(xmlNewNode(nullptr, BAD_CAST "binding"));
+    const XmlPointer<xmlNode> element(xmlNewNode(nullptr, xmlText("binding")));
     written->writeAnnotations(element.get());
+    for (const auto& [key, text] : readAttributes(element.get())) {
+        context.require(isDocumentText(text),
+                        {"the annotation \"", key, "\" of the binding ", inQuotes(written->name),
+                         " is no text in UTF-8, or has control characters"});
+    }
     read->readAnnotations(element.get());
     compareBindings(context, *written, *read);
     if (written->kind == BindingKind::Texture) {

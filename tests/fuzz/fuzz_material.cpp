@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         auto document = patina::parseMaterial(text, "fuzz.xml");
         checkWriting(document, text);
         auto material = patina::buildMaterial(std::move(document), plugins, warnings);
-        const auto exported = patina::exportMaterial(material);
+        const auto exported = patina::exportMaterial(material, warnings);
         if (exported.fragmentProgram.content.empty() || exported.vertexProgram.content.empty() ||
             exported.bindings.content.empty()) {
             std::abort();

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace patina {
 namespace {
@@ -178,6 +181,72 @@ TEST(CollectBindings, OrdersByBindingIndexAndThenByDocument) {
     }
     EXPECT_EQ(order, "ebdfacg");
     EXPECT_TRUE(bindings.sorted);
+}
+
+/// A node that presents the bindings that it is made with.
+class PresentingNode : public MaterialNode {
+public:
+    explicit PresentingNode(std::vector<std::shared_ptr<Binding>> bindings)
+        : MaterialNode("Presenter"), bindings_(std::move(bindings)) {}
+    void generateCode(GraphGenerator& /*generator*/) override {}
+    bool generatesBinding() const override { return true; }
+    void addBindings(BindingCollection& collection) override {
+        for (const auto& binding : bindings_) {
+            collection.bindings.push_back(binding);
+        }
+    }
+
+private:
+    std::vector<std::shared_ptr<Binding>> bindings_;
+};
+
+std::shared_ptr<Binding> bindingOf(const std::string& name, const std::string& parameter,
+                                   const std::string& description = {}) {
+    const auto binding = createBinding(BindingKind::Float, name, 1);
+    binding->cgName = parameter;
+    binding->description = description;
+    return binding;
+}
+
+/// Nodes "a", "b" and so on, in lines from 10, that present these bindings.
+std::string collectError(const std::vector<std::vector<std::shared_ptr<Binding>>>& nodes) {
+    Material material;
+    material.file = testing::sampleFile;
+    for (const auto& bindings : nodes) {
+        MaterialItem item;
+        item.id = std::string(1, static_cast<char>('a' + material.items.size()));
+        item.line = static_cast<int>(10 + material.items.size());
+        item.node = std::make_shared<PresentingNode>(bindings);
+        material.items.push_back(item);
+    }
+    return testing::hostErrorOf([&] { collectBindings(material); });
+}
+
+TEST(CollectBindings, RefusesTwoOfOneParameter) {
+    EXPECT_EQ(collectError({{bindingOf("A", "")}, {bindingOf("B", "")}, {bindingOf("C", "c")}}),
+              testing::noError);
+    expectErrorAt(collectError({{bindingOf("A", "shared")}, {bindingOf("B", "shared")}}), 11,
+                  {"node \"b\"", "sets the parameter of that of node \"a\"", "rename"});
+    expectErrorAt(collectError({{bindingOf("A", "")}, {bindingOf("B", "A")}}), 11,
+                  {"node \"b\"", "sets the parameter of that of node \"a\""});
+}
+
+TEST(CollectBindings, BlamesThePluginForTwoOfOneNode) {
+    expectErrorAt(collectError({{bindingOf("A", "a"), bindingOf("A", "b")}}), 10,
+                  {"node \"a\"", "two of its bindings", "\"A\"", "author of its plug-in"});
+    expectErrorAt(collectError({{bindingOf("A", "c"), bindingOf("B", "c")}}), 10,
+                  {"node \"a\"", "two of its bindings", "\"c\"", "author of its plug-in"});
+}
+
+TEST(CollectBindings, RefusesTextsThatNoFileCanHold) {
+    EXPECT_EQ(collectError({{bindingOf("A", "", "caf\xC3\xA9\n")}}), testing::noError);
+    for (const char* text : {"caf\xE9", "a\x01z", "\xED\xA0\x80"}) {
+        expectErrorAt(collectError({{bindingOf("A", "", text)}}), 10,
+                      {"node \"a\"", "desc of its binding", "UTF-8", "author of its plug-in"});
+    }
+    const auto grouped = bindingOf("A", "");
+    grouped->group = "\xFF";
+    expectErrorAt(collectError({{grouped}}), 10, {"node \"a\"", "group of its binding"});
 }
 
 TEST(CollectBindings, RefusesTwoOfOneName) {

@@ -140,10 +140,10 @@ TEST(PrintBindingsJson, SurvivesTextsThatAreNoUtf8) {
 TEST(ExportMaterial, MakesJsonOnlyWhenAsked) {
     Material material =
         testing::built(testing::maths("m", "Invert") + testing::output("colour", "m", "out_value"));
-    EXPECT_FALSE(exportMaterial(material).bindingsJson);
+    EXPECT_FALSE(testing::exportedFrom(material).bindingsJson);
     ExportOptions options;
     options.json = true;
-    const ExportedMaterial exported = exportMaterial(material, options);
+    const ExportedMaterial exported = testing::exportedFrom(material, options);
     ASSERT_TRUE(exported.bindingsJson);
     EXPECT_EQ(exported.bindingsJson->name, "Sample.bindings.json");
     const Json json = Json::parse(exported.bindingsJson->content);

@@ -125,7 +125,7 @@ TEST(Compile, PaintedMetal) {
     Material material = buildMaterial(readMaterial(PATINA_EXAMPLE), testing::corePlugins(), warnings);
     EXPECT_TRUE(warnings.empty());
     Programs programs;
-    programs.add("painted_metal", exportMaterial(material));
+    programs.add("painted_metal", testing::exportedFrom(material));
     programs.expectCompiled();
 }
 

@@ -231,6 +231,13 @@ TEST(ParseMaterial, ReadsOtherEncodings) {
     EXPECT_EQ(parseMaterial("\xEF\xBB\xBF<material version=\"1\" name=\"A\"/>", sampleFile).name, "A");
 }
 
+TEST(ParseMaterial, RefusesPrefixesThatNothingDeclares) {
+    expectErrorAt(parseError("<material version=\"1\" name=\"A\">\n<x:y/>\n</material>"), 2,
+                  {"not well-formed XML", "prefix x"});
+    expectErrorAt(parseError("<material version=\"1\" name=\"A\"\n x:y=\"1\"/>"), 2,
+                  {"not well-formed XML", "prefix x"});
+}
+
 TEST(ParseMaterial, RefusesDocumentTypes) {
     const TemporaryDirectory directory;
     const std::string secret = directory.write("secret.txt", "secret").string();

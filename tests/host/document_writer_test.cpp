@@ -231,6 +231,18 @@ TEST(PrintMaterial, KeepsEncodingAndLineEnds) {
         "</material>\r\n");
 }
 
+TEST(PrintMaterial, RefusesWhatItsEncodingCannotHold) {
+    MaterialDocument latin = parseMaterial("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n"
+                                           "<material version=\"1\" name=\"A\">"
+                                           "<binding tag=\"a\" kind=\"uv\"/></material>\n",
+                                           "a.xml");
+    latin.bindings[0].annotations.emplace_back("\xC4\x80", "x");
+    EXPECT_EQ(testing::hostErrorOf([&] { printMaterial(latin); }),
+              "a.xml:2: error: this document cannot be written in its encoding; make it a document in UTF-8");
+    latin.bindings[0].annotations[0] = {"key", "\xC4\x80"}; // a character reference
+    EXPECT_NE(printMaterial(latin).find("key=\"&#256;\""), std::string::npos);
+}
+
 TEST(PrintMaterial, KeepsWideEncodings) {
     std::string wide = "\xFF\xFE";
     for (const char letter : std::string("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"

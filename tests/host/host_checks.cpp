@@ -69,7 +69,16 @@ std::string buildError(const std::string& body) {
 
 ExportedMaterial exported(const std::string& body) {
     Material material = built(body);
-    return exportMaterial(material);
+    return exportedFrom(material);
+}
+
+ExportedMaterial exportedFrom(Material& material, const ExportOptions& options) {
+    Warnings warnings;
+    ExportedMaterial exported = exportMaterial(material, warnings, options);
+    for (const Warning& warning : warnings) {
+        ADD_FAILURE() << diagnosticText(warning.position, "warning", warning.text);
+    }
+    return exported;
 }
 
 std::string exportError(const std::string& body) {

@@ -43,6 +43,8 @@ MaterialDocument parsed(const std::string& body);
 Material built(const std::string& body);
 std::string buildError(const std::string& body);
 ExportedMaterial exported(const std::string& body);
+/// An export, which must come without a warning.
+ExportedMaterial exportedFrom(Material& material, const ExportOptions& options = {});
 std::string exportError(const std::string& body);
 
 /// One element, in one line that it ends.

@@ -284,7 +284,7 @@ TEST(BuildMaterial, FailsAnExportWithThePlaceholdersMessage) {
                         connection("f", "x", "t", "in_uv") + output("colour", "f", "hair")),
         testing::corePlugins(), warnings);
     expectErrorAt(
-        testing::hostErrorOf([&] { exportMaterial(material); }), 3,
+        testing::hostErrorOf([&] { testing::exportedFrom(material); }), 3,
         {"node \"f\" (\"Rim\")",
          "cannot export as the node \"Rim\" cannot be properly created. Please either get the DLL that "
          "can load this node or replace with alternatives."});

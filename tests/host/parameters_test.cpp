@@ -72,7 +72,7 @@ public:
     ExportedMaterial shader() {
         ExportOptions options;
         options.print.framework = false;
-        return exportMaterial(material_, options);
+        return testing::exportedFrom(material_, options);
     }
     std::string error() {
         return hostErrorOf([&] { shader(); });
@@ -469,7 +469,7 @@ TEST(PrintOptions, AnnotationsNameTheTypes) {
                                        testing::output("colour", "t", "out_colour"));
     ExportOptions options;
     options.print.annotate = true;
-    const std::string text = mainOf(exportMaterial(material, options).fragmentProgram);
+    const std::string text = mainOf(testing::exportedFrom(material, options).fragmentProgram);
     EXPECT_EQ(text, R"(void main(
 	float2 interpolant0 : TEXCOORD0,
 	out float4 colour : COLOR0 )
@@ -488,7 +488,7 @@ TEST(PrintOptions, TheFrameworkIsLeftOut) {
         testing::built(testing::node("c", "CoreConstant") + testing::output("colour", "c", "read"));
     ExportOptions options;
     options.print.framework = false;
-    const ExportedMaterial shader = exportMaterial(material, options);
+    const ExportedMaterial shader = testing::exportedFrom(material, options);
     EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
 
 void main(

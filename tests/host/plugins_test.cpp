@@ -117,7 +117,8 @@ TEST(PluginLifetime, AMaterialOutlivesItsPluginSet) {
         Material material = buildMaterial(
             testing::parsed(node("m", "CoreMaths") + output("colour", "m", "out_value")), *plugins, warnings);
         plugins.reset();
-        EXPECT_NE(exportMaterial(material).fragmentProgram.content.find("mathsCode"), std::string::npos);
+        EXPECT_NE(testing::exportedFrom(material).fragmentProgram.content.find("mathsCode"),
+                  std::string::npos);
         EXPECT_FALSE(watched.expired());
     }
     EXPECT_TRUE(watched.expired());
@@ -284,7 +285,7 @@ TEST(HostileNodes, FailWithTheNodeNamed) {
             Warnings warnings;
             Material material = buildMaterial(
                 testing::parsed("\n" + node("h", type) + output("colour", "h", "out")), plugins, warnings);
-            exportMaterial(material);
+            testing::exportedFrom(material);
             ADD_FAILURE() << type << " does not fail";
         } catch (const HostError& hostError) {
             error = hostError.what();
@@ -305,7 +306,7 @@ TEST(HostileNodes, MayNameTheirFunctionsAsTheyLike) {
     Warnings warnings;
     Material material = buildMaterial(
         testing::parsed(node("h", "ConversionName") + output("colour", "h", "out")), plugins, warnings);
-    const std::string program = exportMaterial(material).fragmentProgram.content;
+    const std::string program = testing::exportedFrom(material).fragmentProgram.content;
     EXPECT_NE(program.find("void promoteAndSplat( out float out )\n{\n\tout = 1.0;\n}\n"), std::string::npos)
         << program;
 }

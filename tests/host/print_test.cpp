@@ -349,8 +349,8 @@ TEST(ExportMaterial, CountsWhatItMade) {
 
 TEST(ExportMaterial, GivesTheSameWhenRepeated) {
     Material material = testing::built(textures(5));
-    const ExportedMaterial first = exportMaterial(material);
-    const ExportedMaterial second = exportMaterial(material);
+    const ExportedMaterial first = testing::exportedFrom(material);
+    const ExportedMaterial second = testing::exportedFrom(material);
     EXPECT_EQ(first.vertexProgram.content, second.vertexProgram.content);
     EXPECT_EQ(first.fragmentProgram.content, second.fragmentProgram.content);
     EXPECT_EQ(first.bindings.content, second.bindings.content);

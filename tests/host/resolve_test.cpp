@@ -171,7 +171,7 @@ TEST(ResolveMaterial, LeavesFixedPortsToTheJoin) {
                               connection("c", "read", "t", "in_uv") + output("colour", "t", "out_colour"));
     resolveMaterial(material);
     EXPECT_EQ(inputOf(material, 1, "in_uv").componentCount, 2U);
-    expectErrorAt(hostErrorOf([&] { exportMaterial(material); }), 4,
+    expectErrorAt(hostErrorOf([&] { testing::exportedFrom(material); }), 4,
                   {"node \"c\" (\"Constant\")", "\"read\"", "node \"t\" (\"Texture\")", "\"in_uv\"",
                    "cannot convert float3 to float2"});
 }

@@ -78,6 +78,10 @@ const MalformedRow malformed[] = {
      savedText("<binding kind=\"float\" tag=\"a\" default=\"1, red\"/>"),
      2,
      {"\"a\"", "\"1, red\""}},
+    {"a default beyond all floats",
+     savedText("<binding kind=\"float\" tag=\"a\" default=\"1e39\"/>"),
+     2,
+     {"\"a\"", "\"1e39\"", "finite"}},
     {"an empty default", savedText("<binding kind=\"float\" tag=\"a\" default=\"\"/>"), 2, {"\"a\"", "\"\""}},
     {"an unknown unit",
      savedText("<binding kind=\"float\" tag=\"a\" uiunittype=\"degrees\"/>"),
@@ -161,7 +165,23 @@ const CarryRow carryRows[] = {
      "<binding kind='float' tag='Tint' uilabel='Shade' uv='set2' uiunittype='linear'/>",
      {{"uv", "set2"}, {"uilabel", "Shade"}, {"uiunittype", "linear"}, {"default", "3, 3"}},
      freshMap},
-    {"what the graph sets", "<binding kind='uv' tag='map1' uv='set2'/>", freshTint, freshMap},
+    {"what the graph sets", "<binding kind='uv' tag='map1' uv='set2'/>", freshTint, {{"uv", "set2"}}},
+    {"what the graph set otherwise",
+     "<binding kind='uv' tag='map1' uv='set2' exported_uv='set0'/>",
+     freshTint,
+     {{"uv", "set2"}}},
+    {"a default from before there was a second component",
+     "<binding kind='float' tag='Tint' default='5' exported_default='1'/>",
+     {{"default", "5, 3"}},
+     freshMap},
+    {"one number for all components",
+     "<binding kind='float' tag='Tint' default='5' exported_default='1, 1'/>",
+     {{"default", "5, 5"}},
+     freshMap},
+    {"more components than there are",
+     "<binding kind='float' tag='Tint' default='5, 6, 7' exported_default='1, 1, 1'/>",
+     {{"default", "5, 6"}},
+     freshMap},
     {"what the graph set once", "<binding kind='float' tag='Tint' uilabel='Old' exported_uilabel='Old'/>",
      freshTint, freshMap},
     {"streams",
@@ -259,11 +279,25 @@ TEST(RestoreSavedValues, LeavesThoseOfPlaceholdersAlone) {
     EXPECT_EQ(warnings.size(), 1U);
 }
 
+TEST(SaveBindings, KeepsWhatMayBeOfAMissingType) {
+    Warnings warnings;
+    Material material =
+        buildMaterial(testing::parsed(node("x", "StudioLamp", property("Name", "string", "Lamp")) +
+                                      "<binding kind='float' tag='Lamp_Glow' default='5'/>"),
+                      testing::corePlugins(), warnings);
+    saveBindings(material, collectBindings(material));
+    ASSERT_EQ(material.document.bindings.size(), 1U);
+    EXPECT_EQ(material.document.bindings[0].name, "Lamp_Glow");
+    removeNode(material, "x");
+    saveBindings(material, collectBindings(material));
+    EXPECT_TRUE(material.document.bindings.empty());
+}
+
 TEST(RestoreSavedValues, RefusesWhatMeansNothing) {
     Warnings warnings;
     const std::string text =
         hostErrorOf([&] { restored("<binding kind='float' tag='Tint'\n default='red'/>", warnings); });
-    EXPECT_NE(text.find("error: binding \"Tint\": the default \"red\" is no list of numbers"),
+    EXPECT_NE(text.find("error: binding \"Tint\": the default \"red\" is no list of finite numbers"),
               std::string::npos)
         << text;
     EXPECT_EQ(text.rfind("sample.xml:", 0), 0U) << text;

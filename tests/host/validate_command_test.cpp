@@ -176,6 +176,10 @@ const Fault faults[] = {
     {"bindings", "binding null", "Sample",
      "with \"Bright\" = \"Yes\": addBindings adds nothing in place of a binding"},
     {"bindings", "binding nameless", "Sample", "with \"Bright\" = \"Yes\": a binding has no name"},
+    {"bindings", "binding text", "Sample",
+     "with \"Bright\" = \"Yes\": the annotation \"desc\" of the binding \"Sample\" is no text in UTF-8, or "
+     "has "
+     "control characters"},
     {"bindings", "binding unknown control", "Sample",
      "with \"Bright\" = \"Yes\": the ui type of the float binding \"Sample\" is not read back as it was "
      "written"},

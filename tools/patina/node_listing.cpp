@@ -190,6 +190,7 @@ std::string portsText(const NodeAppearance& appearance) {
 
 std::string portList(const std::vector<PortSummary>& ports) {
     std::vector<std::string> texts;
+    texts.reserve(ports.size());
     for (const PortSummary& port : ports) {
         texts.push_back(joinText({port.name, " (", port.label, ", ", componentsText(port), ")"}));
     }

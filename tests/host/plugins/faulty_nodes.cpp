@@ -151,6 +151,9 @@ public:
         if (has("binding unknown control")) {
             binding->uiType = static_cast<UiType>(77);
         }
+        if (has("binding text")) {
+            binding->description = "caf\xE9";
+        }
         addToBindingCollection(bindings, binding);
     }
 

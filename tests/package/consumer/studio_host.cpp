@@ -18,6 +18,6 @@ int main(int argc, char** argv) {
                                                 "grey.xml");
     patina::Warnings warnings;
     auto material = patina::buildMaterial(document, plugins, warnings);
-    std::cout << patina::exportMaterial(material).fragmentProgram.content;
+    std::cout << patina::exportMaterial(material, warnings).fragmentProgram.content;
     return warnings.empty() ? 0 : 1;
 }
