@@ -429,14 +429,15 @@ TEST(Colours, BringOutMessagesOnTerminalsOnly) {
 const std::string completions = PATINA_SOURCE_DIRECTORY "/tools/patina/completions/";
 
 /// What bash offers for the last of the words, in a directory.
-std::set<std::string> bashOffers(const std::vector<std::string>& words, const std::string& directory = "/") {
+std::set<std::string> bashOffers(const std::vector<std::string>& words, const std::string& directory = "/",
+                                 const std::string& home = "/") {
     const std::string script =
         "cd \"$1\"; source \"$2\"; shift 2; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); "
         "_patina; ((${#COMPREPLY[@]} == 0)) || printf '%s\\n' \"${COMPREPLY[@]}\"";
     std::vector<std::string> arguments = {
         "--norc", "-c", script, "bash", directory, completions + "patina.bash", PATINA_COMMAND};
     arguments.insert(arguments.end(), words.begin(), words.end());
-    const Outcome outcome = testing::run("bash", arguments);
+    const Outcome outcome = testing::run("bash", arguments, {{"HOME", home}});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(outcome.errors, "");
     const Names lines = linesOf(outcome.output);
@@ -458,6 +459,7 @@ TEST(BashCompletion, OffersCommandsOptionsAndValues) {
         {{"export", "--framework", "n"}, {"none"}},
         {{"export", "-j", ""}, {}},
         {{"validate", "--t"}, {"--timeout"}},
+        {{"validate", "--only", "icon"}, {"icons"}},
         {{"nodes", ""}, {}},
         {{"frobnicate", ""}, {}},
     };
@@ -472,7 +474,45 @@ TEST(BashCompletion, OffersNodeTypes) {
     EXPECT_EQ(bashOffers({"describe", "--plugin", testPlugin("hostile_nodes"), "Throwing"}),
               (Offers{"ThrowingCode", "ThrowingBinding", "ThrowingUpdate", "ThrowingResolution",
                       "ThrowingLoad", "ThrowingConstructor"}));
-    EXPECT_EQ(bashOffers({"describe", "--plugin", "missing.so", "Core"}), Offers{}) << "and no message";
+    EXPECT_EQ(bashOffers({"describe", "--plugin", "missing.so", "CoreT"}), Offers{"CoreTexture"})
+        << "those that there are, and no message";
+}
+
+/// A home directory with a plug-in at `my plug-ins/nodes.so`, and the ways to type that.
+class TypedPlugin {
+public:
+    TypedPlugin() {
+        std::filesystem::create_directory(home_ / "my plug-ins");
+        std::filesystem::copy_file(testPlugin("hostile_nodes"), home_ / "my plug-ins/nodes.so");
+    }
+    std::string home() const { return home_.path().string(); }
+    Names ways() const {
+        return {"~/my\\ plug-ins/nodes.so", "~/'my plug-ins/nodes.so'", home() + "/my\\ plug-ins/nodes.so",
+                "'" + home() + "/my plug-ins/nodes.so'", "\"" + home() + "/my plug-ins/nodes.so\""};
+    }
+
+private:
+    TemporaryDirectory home_;
+};
+
+TEST(BashCompletion, ReadsPluginsAsTheyAreTyped) {
+    const TypedPlugin plugin;
+    for (const std::string& typed : plugin.ways()) {
+        EXPECT_EQ(bashOffers({"describe", "--plugin", typed, "Pl"}, "/", plugin.home()), Offers{"Plain"})
+            << typed;
+    }
+    EXPECT_EQ(bashOffers({"describe", "--plugin", "$(touch 'run me')", "CoreT"}, plugin.home()),
+              Offers{"CoreTexture"});
+    EXPECT_FALSE(std::filesystem::exists(plugin.home() + "/run me"));
+}
+
+TEST(BashCompletion, OffersTheChecks) {
+    const Names checks = linesOf(outputOf({"validate", "--list"}));
+    const Offers offers = bashOffers({"validate", "--only", ""});
+    EXPECT_EQ(offers.size(), checks.size());
+    for (const std::string& line : checks) {
+        EXPECT_NE(offers.count(line.substr(0, line.find(' '))), 0U) << line;
+    }
 }
 
 TEST(BashCompletion, OffersFiles) {
@@ -499,6 +539,42 @@ TEST(ZshCompletion, IsSound) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(readText(completions + "_patina").rfind("#compdef patina\n", 0), 0U);
+}
+
+/// What zsh offers for the last of the words by a function of the completion.
+Names zshOffers(const std::string& function, const Names& words, const std::string& home) {
+    const std::string script = "_arguments() { : }; _describe() { print -rl -- ${(P)4} }; source $1; "
+                               "_patina_program=$2; function=$3; shift 3; words=($@); CURRENT=$#; $function";
+    Names arguments = {"-f", "-c", script, "zsh", completions + "_patina", PATINA_COMMAND, function};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    const Outcome outcome = testing::run("zsh", arguments, {{"HOME", home}});
+    EXPECT_EQ(outcome.errors, "");
+    return linesOf(outcome.output);
+}
+
+TEST(ZshCompletion, ReadsPluginsAsTheyAreTyped) {
+    if (!isInstalled("zsh")) {
+        GTEST_SKIP() << "zsh is not installed";
+    }
+    const TypedPlugin plugin;
+    for (const std::string& typed : plugin.ways()) {
+        const Names offers =
+            zshOffers("_patina_node_types", {"describe", "--plugin", typed, "Pl"}, plugin.home());
+        EXPECT_EQ(offers.front(), "Plain") << typed;
+        EXPECT_EQ(offers.size(), coreTypes.size() + 17) << typed;
+    }
+    EXPECT_EQ(zshOffers("_patina_node_types", {"describe", "--plugin", "missing.so", "Pl"}, "/"), coreTypes);
+}
+
+TEST(ZshCompletion, OffersTheChecks) {
+    if (!isInstalled("zsh")) {
+        GTEST_SKIP() << "zsh is not installed";
+    }
+    Names names;
+    for (const std::string& line : linesOf(outputOf({"validate", "--list"}))) {
+        names.push_back(line.substr(0, line.find(' ')));
+    }
+    EXPECT_EQ(zshOffers("_patina_checks", {"validate", "--only", ""}, "/"), names);
 }
 
 // What is written about options is held against what each command's help says.
