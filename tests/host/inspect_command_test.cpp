@@ -312,23 +312,49 @@ TEST(GraphCommand, SaysWhenGraphvizIsMissing) {
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "error: cannot run \"dot\"; install Graphviz, or write the graph with --format dot "
-              "and draw it elsewhere\n");
+              "dot: error: cannot start this program: there is no such file or directory; install Graphviz, "
+              "or write the graph with --format dot and draw it elsewhere\n");
     EXPECT_EQ(directory.names(), Names{"m.xml"});
 }
 
 TEST(GraphCommand, SaysWhenGraphvizFails) {
     const TemporaryDirectory directory;
     const auto material = directory.write("m.xml", documentText(sample));
-    std::filesystem::permissions(directory.write("dot", "#!/bin/sh\necho half a picture\nexit 3\n"),
-                                 std::filesystem::perms::owner_all);
+    std::filesystem::permissions(
+        directory.write("dot", "#!/bin/sh\necho half a picture\necho ouch >&2\nexit 3\n"),
+        std::filesystem::perms::owner_all);
     const Outcome outcome = patina({"graph", material.string(), "-o", (directory / "m.svg").string()},
                                    {{"PATH", directory.path().string()}});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.errors,
-              "error: \"dot\" failed; install Graphviz, or write the graph with --format dot and "
-              "draw it elsewhere\n");
+              "ouch\ndot: error: this program failed; install Graphviz, or write the graph with --format dot "
+              "and draw it elsewhere\n");
     EXPECT_EQ(directory.names(), (Names{"dot", "m.xml"}));
+}
+
+TEST(GraphCommand, WritesToDevicesAndPipes) {
+    const TemporaryDirectory directory;
+    const std::string material = directory.write("m.xml", documentText(sample)).string();
+    const std::string graph = outputOf({"graph", material});
+    EXPECT_EQ(outputOf({"graph", material, "-o", "/dev/null"}), "");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    const std::string script =
+        "mkfifo \"$2/pipe\"; cat \"$2/pipe\" & \"$0\" graph \"$1\" -o \"$2/pipe\"; wait";
+    const Outcome piped =
+        testing::run("sh", {"-c", script, PATINA_COMMAND, material, directory.path().string()});
+    EXPECT_EQ(piped.exitCode, 0) << piped.errors;
+    EXPECT_EQ(piped.output, graph);
+    EXPECT_TRUE(std::filesystem::is_fifo(directory / "pipe"));
+}
+
+TEST(GraphCommand, WritesToStandardOutputByItsName) {
+    const TemporaryDirectory directory;
+    const std::string material = directory.write("m.xml", documentText(sample)).string();
+    // into the middle of a file
+    const std::string script = "{ echo before; \"$0\" graph \"$1\" -o /dev/stdout; echo after; }";
+    const Outcome outcome = testing::run("sh", {"-c", script, PATINA_COMMAND, material});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output, "before\n" + outputOf({"graph", material}) + "after\n");
 }
 
 TEST(GraphCommand, ReportsBadMaterials) {
@@ -381,9 +407,30 @@ TEST(Output, ThatCannotBeWrittenIsAnError) {
     if (!std::filesystem::exists("/dev/full")) {
         GTEST_SKIP() << "this system has no /dev/full";
     }
-    const Outcome outcome = testing::run("sh", {"-c", "\"$1\" nodes >/dev/full", "sh", PATINA_COMMAND});
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.errors, "error: cannot write to standard output\n");
+    const TemporaryDirectory directory;
+    const std::vector<std::string> rows[] = {
+        {"export", PATINA_EXAMPLE, "-o", directory.path().string()},
+        {"check", PATINA_EXAMPLE},
+        {"nodes"},
+        {"nodes", "--json"},
+        {"nodes", "--names"},
+        {"describe", "CoreUv"},
+        {"graph", PATINA_EXAMPLE},
+        {"graph", PATINA_EXAMPLE, "-o", "/dev/stdout"},
+        {"validate", PATINA_CORENODES, "--only", "icons"},
+        {"validate", PATINA_CORENODES, "--only", "icons", "--json"},
+        {"validate", "--list"},
+        {"--help"},
+        {"--version"},
+        {"export", "--help"},
+    };
+    for (const auto& arguments : rows) {
+        std::vector<std::string> words = {"-c", "exec \"$0\" \"$@\" >/dev/full", PATINA_COMMAND};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = testing::run("sh", words);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments[0];
+        EXPECT_EQ(outcome.errors, "error: cannot write to standard output\n") << arguments[0];
+    }
 }
 
 // Colours
