@@ -16,7 +16,7 @@ namespace {
 } // namespace
 
 ChildOutcome runChild(const std::filesystem::path& /*program*/, const std::vector<std::string>& /*arguments*/,
-                      std::chrono::milliseconds /*timeLimit*/) {
+                      const ChildOptions& /*options*/) {
     throwUnsupported();
 }
 
@@ -35,6 +35,7 @@ void PrivateOutput::write(std::string_view /*text*/) { throwUnsupported(); }
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <system_error>
 
 #include <fcntl.h>
@@ -53,8 +54,6 @@ using namespace detail;
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr std::size_t keptBytes = std::size_t{16} * 1024 * 1024;
 
 /// No pipe holds more, unless somebody with privileges wants it to.
 constexpr std::size_t pipeCapacity = std::size_t{1024} * 1024;
@@ -99,14 +98,38 @@ std::array<int, 2> makePipe() {
     return ends;
 }
 
-/// One captured stream of a child.
+struct CloseFile {
+    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+};
+
+/// A child's input as a file without a name: the child reads it when it likes, and cannot leave this process
+/// waiting to write.
+class InputFile {
+public:
+    explicit InputFile(std::string_view input)
+        : file_(input.empty() ? std::fopen("/dev/null", "rb") : std::tmpfile()) {
+        if (!file_ || std::fwrite(input.data(), 1, input.size(), file_.get()) != input.size() ||
+            std::fflush(file_.get()) != 0 || std::fseek(file_.get(), 0, SEEK_SET) != 0) {
+            throwSystemError("cannot put the input of a program into a temporary file", errno);
+        }
+        fcntl(descriptor(), F_SETFD, FD_CLOEXEC);
+    }
+
+    int descriptor() const { return fileno(file_.get()); }
+
+private:
+    std::unique_ptr<std::FILE, CloseFile> file_;
+};
+
+/// One captured stream of a child, of which a limited number of bytes is kept.
 class Capture {
 public:
-    Capture() : Capture(makePipe()) {}
+    explicit Capture(std::size_t limit) : Capture(makePipe(), limit) {}
 
     const Descriptor& reader() const { return reader_; }
     const Descriptor& writer() const { return writer_; }
     void closeWriter() { writer_.reset(); }
+    bool isCut() const { return isCut_; }
     std::string take() { return std::move(text_); }
 
     /// Reads what is there without waiting, as much as a pipe can hold; at the end of the stream closes it.
@@ -117,7 +140,9 @@ public:
             const ssize_t count = ::read(reader_.number(), buffer.data(), buffer.size());
             if (count > 0) {
                 const auto bytes = static_cast<std::size_t>(count);
-                text_.append(buffer.data(), std::min(bytes, keptBytes - text_.size()));
+                const std::size_t kept = std::min(bytes, limit_ - text_.size());
+                text_.append(buffer.data(), kept);
+                isCut_ = isCut_ || kept < bytes;
                 total += bytes;
             } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
                 reader_.reset();
@@ -128,13 +153,16 @@ public:
     }
 
 private:
-    explicit Capture(const std::array<int, 2>& ends) : reader_(ends[0]), writer_(ends[1]) {
+    Capture(const std::array<int, 2>& ends, std::size_t limit)
+        : reader_(ends[0]), writer_(ends[1]), limit_(limit) {
         fcntl(ends[0], F_SETFL, O_NONBLOCK);
     }
 
     Descriptor reader_;
     Descriptor writer_;
+    std::size_t limit_;
     std::string text_;
+    bool isCut_ = false;
 };
 
 /// The streams that a child starts with.
@@ -145,11 +173,8 @@ public:
     FileActions(const FileActions&) = delete;
     FileActions& operator=(const FileActions&) = delete;
 
-    void openNothing(int descriptor) {
-        posix_spawn_file_actions_addopen(&actions_, descriptor, "/dev/null", O_RDONLY, 0);
-    }
-    void redirect(int descriptor, const Capture& capture) {
-        posix_spawn_file_actions_adddup2(&actions_, capture.writer().number(), descriptor);
+    void redirect(int descriptor, int opened) {
+        posix_spawn_file_actions_adddup2(&actions_, opened, descriptor);
     }
     const posix_spawn_file_actions_t* get() const { return &actions_; }
 
@@ -167,7 +192,7 @@ pid_t spawn(const std::filesystem::path& program, const std::vector<std::string>
     }
     list.push_back(nullptr);
     pid_t child = 0;
-    const int error = posix_spawn(&child, path.c_str(), actions.get(), nullptr, list.data(), environ);
+    const int error = posix_spawnp(&child, path.c_str(), actions.get(), nullptr, list.data(), environ);
     if (error != 0) {
         throw HostError({path, 0}, joinText({"cannot start this program: ",
                                              reasonText({error, std::generic_category()})}));
@@ -184,26 +209,36 @@ void waitForOutput(Capture& output, Capture& errors, std::chrono::milliseconds l
     errors.read();
 }
 
+/// How a child ended that was not killed here.
+ChildOutcome::End endOf(int status, const Capture& output) {
+    if (WIFSIGNALED(status)) {
+        return ChildOutcome::End::Signalled;
+    }
+    return output.isCut() ? ChildOutcome::End::TooMuchOutput : ChildOutcome::End::Exited;
+}
+
 } // namespace
 
 ChildOutcome runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::milliseconds timeLimit) {
-    Capture output;
-    Capture errors;
+                      const ChildOptions& options) {
+    const InputFile input(options.input);
+    Capture output(options.outputLimit);
+    Capture errors(options.outputLimit);
     FileActions actions;
-    actions.openNothing(STDIN_FILENO);
-    actions.redirect(STDOUT_FILENO, output);
-    actions.redirect(STDERR_FILENO, errors);
+    actions.redirect(STDIN_FILENO, input.descriptor());
+    actions.redirect(STDOUT_FILENO, output.writer().number());
+    actions.redirect(STDERR_FILENO, errors.writer().number());
     const pid_t child = spawn(program, arguments, actions);
     output.closeWriter();
     errors.closeWriter();
 
     ChildOutcome outcome;
     int status = 0;
-    const auto deadline = Clock::now() + timeLimit;
+    const auto begin = Clock::now();
     while (waitpid(child, &status, WNOHANG) == 0) {
-        if (Clock::now() >= deadline) {
-            outcome.end = ChildOutcome::End::TimedOut;
+        const bool isOver = options.timeLimit && Clock::now() - begin >= *options.timeLimit;
+        if (isOver || output.isCut()) {
+            outcome.end = isOver ? ChildOutcome::End::TimedOut : ChildOutcome::End::TooMuchOutput;
             kill(child, SIGKILL);
             waitpid(child, &status, 0);
             break;
@@ -212,8 +247,8 @@ ChildOutcome runChild(const std::filesystem::path& program, const std::vector<st
     }
     output.read();
     errors.read();
-    if (outcome.end != ChildOutcome::End::TimedOut && WIFSIGNALED(status)) {
-        outcome.end = ChildOutcome::End::Signalled;
+    if (outcome.end == ChildOutcome::End::Exited) {
+        outcome.end = endOf(status, output);
     }
     outcome.code = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
     outcome.output = output.take();

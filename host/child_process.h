@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,9 +13,10 @@ namespace patina {
 /// How a child process ended, and what it printed until then.
 struct ChildOutcome {
     enum class End {
-        Exited,    ///< by itself
-        Signalled, ///< it crashed, or was killed
-        TimedOut   ///< it was killed because its time was over
+        Exited,       ///< by itself
+        Signalled,    ///< it crashed, or was killed
+        TimedOut,     ///< it was killed because its time was over
+        TooMuchOutput ///< it was killed because it printed more than it may
     };
 
     End end = End::Exited;
@@ -22,13 +25,21 @@ struct ChildOutcome {
     std::string errors; ///< from standard error
 };
 
-/// Runs a program with arguments, which do not begin with the program itself, and waits for its end. It has
-/// this process's environment and no standard input. What is kept of each stream ends after 16 MiB.
+/// What a child process gets, and what it may take.
+struct ChildOptions {
+    std::string_view input = {};                             ///< all of its standard input
+    std::optional<std::chrono::milliseconds> timeLimit = {}; ///< as long as it likes when not given
+    std::size_t outputLimit = std::size_t{16} * 1024 * 1024; ///< bytes of each stream
+};
+
+/// Runs a program, found as a shell finds it but without one, with arguments, which do not begin with the
+/// program itself, and waits for its end. It has this process's environment.
 ///
-/// A child that is not over in time is killed; processes that it started are not. Throws HostError when the
-/// program cannot be started. [thread-safe]
+/// A child that is not over in time, or prints more to its standard output than it may, is killed; processes
+/// that it started are not. What is kept of its standard error ends at the limit. Throws HostError when the
+/// program cannot be started, or its input has no room in a temporary file. [thread-safe]
 ChildOutcome runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::milliseconds timeLimit);
+                      const ChildOptions& options = {});
 
 /// Keeps standard output to itself: whatever else this process prints there goes to standard error while this
 /// object lives. For a child whose output is a report, and whose libraries may print.

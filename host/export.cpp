@@ -12,6 +12,8 @@
 #include "host/verify.h"
 #include "nodemodel/text.h"
 
+#include <string_view>
+
 namespace patina {
 
 using namespace detail;
@@ -30,18 +32,26 @@ std::vector<OutputFile> filesOf(const ExportedMaterial& exported) {
     return files;
 }
 
-/// A file name as Make reads it.
-std::string makeName(const std::filesystem::path& file) {
+// What Make takes for more than a part of a name, where a backslash before it does not say otherwise.
+constexpr std::string_view specialInTargets = " #:%";
+constexpr std::string_view specialInPrerequisites = " #:|";
+
+/// A file name as Make reads it in a rule. A backslash stands for itself, except before what is special and
+/// at the end, where each is doubled. Ninja reads the same, but takes the backslash of `\%` and `\|` and
+/// doubled ones for parts of the name. Make has no way to write `;`, `=` and `(` with `)` at the end.
+std::string makeName(const std::filesystem::path& file, std::string_view special) {
     std::string name;
+    std::size_t backslashes = 0;
     for (const char letter : file.string()) {
-        if (letter == ' ' || letter == '#' || letter == '\\') {
-            name += '\\';
+        if (special.find(letter) != std::string_view::npos) {
+            name.append(backslashes + 1, '\\');
         } else if (letter == '$') {
             name += '$';
         }
         name += letter;
+        backslashes = letter == '\\' ? backslashes + 1 : 0;
     }
-    return name;
+    return name.append(backslashes, '\\');
 }
 
 /// A Make rule: the files depend on the document and on the plug-ins.
@@ -49,11 +59,12 @@ std::string printDependencies(const ExportedMaterial& exported, const std::files
                               const std::filesystem::path& directory, const PluginSet& plugins) {
     std::string text;
     for (const OutputFile& file : filesOf(exported)) {
-        appendText(text, {text.empty() ? "" : " ", makeName((directory / file.name).lexically_normal())});
+        appendText(text, {text.empty() ? "" : " ",
+                          makeName((directory / file.name).lexically_normal(), specialInTargets)});
     }
-    appendText(text, {": ", makeName(document.lexically_normal())});
+    appendText(text, {": ", makeName(document.lexically_normal(), specialInPrerequisites)});
     for (const std::shared_ptr<Plugin>& plugin : plugins.plugins()) {
-        appendText(text, {" \\\n ", makeName(plugin->file().lexically_normal())});
+        appendText(text, {" \\\n ", makeName(plugin->file().lexically_normal(), specialInPrerequisites)});
     }
     return text + '\n';
 }

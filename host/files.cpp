@@ -12,6 +12,12 @@
 #include <optional>
 #include <system_error>
 
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
 namespace patina {
 
 using namespace detail;
@@ -25,6 +31,8 @@ struct CloseFile {
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
+
+constexpr const char* cannotWrite = "cannot write this file";
 
 [[noreturn]] void throwFileError(const std::filesystem::path& file, std::string_view what,
                                  const std::error_code& error) {
@@ -56,26 +64,43 @@ void removeIfNamed(const std::filesystem::path& file) {
     }
 }
 
+/// Waits until the disk has all that was written. Gives whether it has.
+bool flushToDisk(std::FILE* file) {
+#if defined(_WIN32)
+    return _commit(_fileno(file)) == 0;
+#else
+    return fsync(fileno(file)) == 0;
+#endif
+}
+
+/// Whether a replacement outlives a crash of the system.
+enum class Durability { None, Crash };
+
+/// Writes a content and closes the file. Gives what went wrong.
+std::error_code writeAll(FileHandle file, std::string_view content, Durability durability) {
+    errno = EIO; // should a failure not say more
+    if (std::fwrite(content.data(), 1, content.size(), file.get()) != content.size() ||
+        std::fflush(file.get()) != 0 || (durability == Durability::Crash && !flushToDisk(file.get()))) {
+        return lastError();
+    }
+    return std::fclose(file.release()) == 0 ? std::error_code() : lastError();
+}
+
 /// A complete file under a temporary name, which can take its target's place and give it back.
 /// What is left under temporary names goes when it does.
 class Replacement {
 public:
     Replacement(std::filesystem::path target, std::string_view content,
-                std::optional<std::filesystem::perms> permissions = {})
+                std::optional<std::filesystem::perms> permissions, Durability durability)
         : target_(std::move(target)) {
         FileHandle file = open();
         if (permissions) {
             setPermissions(*permissions);
         }
-        errno = 0;
-        const bool complete = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size() &&
-                              std::fflush(file.get()) == 0;
-        const std::error_code writeError = lastError();
-        const bool closed = std::fclose(file.release()) == 0;
-        if (!complete || !closed) {
-            const std::error_code reason = complete ? lastError() : writeError;
+        const std::error_code error = writeAll(std::move(file), content, durability);
+        if (error) {
             removeIfNamed(temporary_);
-            throwFileError(target_, "cannot write this file", reason);
+            throwFileError(target_, cannotWrite, error);
         }
     }
 
@@ -126,7 +151,7 @@ private:
         }
         const std::error_code error = lastError();
         temporary_.clear();
-        throwFileError(target_, "cannot write this file", error);
+        throwFileError(target_, cannotWrite, error);
     }
 
     /// To be done before anything is written, which those may not see who may not see the earlier file.
@@ -135,7 +160,7 @@ private:
         std::filesystem::permissions(temporary_, permissions, error);
         if (error) {
             removeIfNamed(temporary_);
-            throwFileError(target_, "cannot write this file", error);
+            throwFileError(target_, cannotWrite, error);
         }
     }
 
@@ -167,8 +192,7 @@ std::filesystem::path linkTarget(std::filesystem::path file) {
     std::error_code error;
     for (int i = 0; std::filesystem::is_symlink(file, error); ++i) {
         if (i == linkLimit) {
-            throwFileError(file, "cannot write this file",
-                           std::make_error_code(std::errc::too_many_symbolic_link_levels));
+            throwFileError(file, cannotWrite, std::make_error_code(std::errc::too_many_symbolic_link_levels));
         }
         // a target that is absolute replaces the whole path
         file = file.parent_path() / std::filesystem::read_symlink(file);
@@ -185,7 +209,7 @@ std::optional<std::filesystem::perms> permissionsToKeep(const std::filesystem::p
         return std::nullopt;
     }
     if (std::filesystem::is_directory(status)) {
-        throwFileError(file, "cannot write this file", std::make_error_code(std::errc::is_a_directory));
+        throwFileError(file, cannotWrite, std::make_error_code(std::errc::is_a_directory));
     }
     if (!std::filesystem::is_regular_file(status)) {
         throw HostError({file.string(), 0}, "cannot replace this file: it is no regular file");
@@ -195,6 +219,18 @@ std::optional<std::filesystem::perms> permissionsToKeep(const std::filesystem::p
         throw HostError({file.string(), 0}, "cannot replace this file: it is write-protected");
     }
     return status.permissions();
+}
+
+void requireName(const std::filesystem::path& file, std::string_view purpose) {
+    if (file.empty()) {
+        throw HostError({}, joinText({"the name of the file to ", purpose, " is empty; give it a name"}));
+    }
+}
+
+/// Whether there is something that a file cannot take the place of: a device, a pipe, a socket.
+bool isStream(const std::filesystem::path& file) {
+    std::error_code ignored;
+    return std::filesystem::is_other(std::filesystem::status(file, ignored));
 }
 
 bool hasContent(const std::filesystem::path& file, std::string_view content) {
@@ -211,15 +247,18 @@ bool hasContent(const std::filesystem::path& file, std::string_view content) {
 } // namespace
 
 bool isFileName(std::string_view text) {
+    constexpr std::size_t longest = 200; // file systems take 255 bytes; the rest is for endings
     constexpr std::string_view refused = "/\\:*?\"<>|";
     const auto isRefused = [&](char letter) {
         const auto code = static_cast<unsigned char>(letter);
         return code < 0x20 || code == 0x7F || refused.find(letter) != std::string_view::npos;
     };
-    return !text.empty() && text != "." && text != ".." && std::none_of(text.begin(), text.end(), isRefused);
+    return !text.empty() && text.size() <= longest && text != "." && text != ".." &&
+           std::none_of(text.begin(), text.end(), isRefused);
 }
 
 std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit) {
+    requireName(file, "read");
     std::error_code status;
     if (std::filesystem::is_directory(file, status)) {
         throwReadError(file, std::make_error_code(std::errc::is_a_directory));
@@ -247,6 +286,9 @@ std::string readFile(const std::filesystem::path& file, std::size_t sizeLimit) {
 }
 
 std::size_t writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files) {
+    if (directory.empty()) {
+        throw HostError({}, "the name of the directory to write to is empty; \".\" is the current one");
+    }
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error) {
@@ -254,12 +296,10 @@ std::size_t writeFiles(const std::filesystem::path& directory, const std::vector
     }
     std::vector<std::unique_ptr<Replacement>> replacements;
     for (const OutputFile& file : files) {
-        const std::filesystem::path target = directory / file.name;
-        if (std::filesystem::is_directory(target, error)) {
-            throwFileError(target, "cannot write this file", std::make_error_code(std::errc::is_a_directory));
-        }
+        const std::filesystem::path target = linkTarget(directory / file.name);
         if (!hasContent(target, file.content)) {
-            replacements.push_back(std::make_unique<Replacement>(target, file.content));
+            replacements.push_back(std::make_unique<Replacement>(
+                target, file.content, permissionsToKeep(target), Durability::None));
         }
     }
     try {
@@ -276,8 +316,24 @@ std::size_t writeFiles(const std::filesystem::path& directory, const std::vector
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view content) {
+    requireName(file, "write");
     const std::filesystem::path target = linkTarget(file);
-    Replacement(target, content, permissionsToKeep(target)).takePlace();
+    Replacement(target, content, permissionsToKeep(target), Durability::Crash).takePlace();
+}
+
+void writeFileOrStream(const std::filesystem::path& file, std::string_view content) {
+    requireName(file, "write");
+    if (!isStream(file)) {
+        const std::filesystem::path directory = file.parent_path();
+        writeFiles(directory.empty() ? "." : directory, {{file.filename().string(), std::string(content)}});
+        return;
+    }
+    FileHandle stream(std::fopen(file.string().c_str(), "wb"));
+    const std::error_code error =
+        stream ? writeAll(std::move(stream), content, Durability::None) : lastError();
+    if (error) {
+        throwFileError(file, cannotWrite, error);
+    }
 }
 
 } // namespace patina

@@ -84,11 +84,10 @@ std::shared_ptr<MaterialNode> Plugin::createNode(const std::string& typeName) {
 }
 
 void PluginSet::add(const std::filesystem::path& file) {
-    const bool present =
-        std::any_of(plugins_.begin(), plugins_.end(), [&](const std::shared_ptr<Plugin>& plugin) {
-            return plugin->file().filename() == file.filename();
-        });
-    if (present) {
+    std::error_code ignored; // what is missing cannot be loaded either
+    const std::filesystem::path canonical = std::filesystem::canonical(file, ignored);
+    if (files_.count(canonical) != 0) {
+        fileNames_.insert(file.filename());
         return;
     }
     const std::shared_ptr<Plugin> plugin = Plugin::load(file);
@@ -105,6 +104,8 @@ void PluginSet::add(const std::filesystem::path& file) {
         byType_.emplace(description.typeName, plugin);
     }
     plugins_.push_back(plugin);
+    files_.insert(canonical);
+    fileNames_.insert(file.filename());
 }
 
 void PluginSet::addDirectory(const std::filesystem::path& directory) {
@@ -117,7 +118,9 @@ void PluginSet::addDirectory(const std::filesystem::path& directory) {
     }
     std::sort(files.begin(), files.end());
     for (const std::filesystem::path& file : files) {
-        add(file);
+        if (fileNames_.count(file.filename()) == 0) {
+            add(file);
+        }
     }
 }
 

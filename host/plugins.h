@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,12 +48,12 @@ private:
 /// Threads: createNode and the look-ups are thread-safe once all plug-ins are added.
 class PluginSet {
 public:
-    /// Loads a plug-in. One that is here already, or one of the same file name as one that is here, is left
-    /// out, so that the first place on a search path wins. Throws HostError as Plugin::load does, and when it
-    /// offers a type that another plug-in offers.
+    /// Loads a plug-in. A file that is here already, whatever path or symbolic link leads to it, is left out.
+    /// Throws HostError as Plugin::load does, and when it offers a type that another plug-in offers.
     void add(const std::filesystem::path& file);
 
-    /// Adds every module in a directory, in the order of their names. A directory that is missing is skipped.
+    /// Adds every module in a directory, in the order of their names. One whose file name was added before is
+    /// left out, so that the first place on a search path wins. A directory that is missing is skipped.
     void addDirectory(const std::filesystem::path& directory);
 
     const std::vector<std::shared_ptr<Plugin>>& plugins() const { return plugins_; }
@@ -65,6 +66,8 @@ public:
 private:
     std::vector<std::shared_ptr<Plugin>> plugins_;
     std::map<std::string, std::shared_ptr<Plugin>> byType_;
+    std::set<std::filesystem::path> files_;     ///< of the plug-ins, without symbolic links
+    std::set<std::filesystem::path> fileNames_; ///< of all that was added, left out or not
 };
 
 /// The directories in which a host looks for plug-ins, first come first: those of the environment variable

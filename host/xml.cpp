@@ -95,6 +95,7 @@ XmlPointer<xmlDoc> parseXml(std::string_view text, const std::string& file, std:
     if (text.size() > xmlSizeLimit) {
         throw HostError({file, 1}, "this document is larger than 512 MiB");
     }
+    const XmlSilence silence; // before the parser, which reports what it lacks when it is made
     const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
     if (!context) {
         throw std::bad_alloc();
@@ -105,7 +106,6 @@ XmlPointer<xmlDoc> parseXml(std::string_view text, const std::string& file, std:
     context->sax->serror = keepFirstComplaint;
     context->sax->startElementNs = startElement;
     context->sax->internalSubset = refuseDocumentType;
-    const XmlSilence silence;
     // without the parser's own limits, so that whatever can be written can be read: what they are against
     // needs entities, depth or size, and those are limited here
     XmlPointer<xmlDoc> xml(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),

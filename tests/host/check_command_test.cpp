@@ -66,6 +66,13 @@ TEST(Check, LetsWarningsPassUnlessAsked) {
     EXPECT_NE(strict.errors.find("warning: node \"m\""), std::string::npos) << strict.errors;
 }
 
+TEST(Check, PrintsNoControlCharactersOfFileNames) {
+    const TemporaryDirectory directory;
+    const std::string material = directory.write("a\x1b\nb.xml", documentText(sound)).string();
+    EXPECT_EQ(patina({"check", material}).output,
+              (directory / "a  b.xml").string() + ": 0 errors, 0 warnings\n");
+}
+
 TEST(Check, NeedsAMaterial) { EXPECT_EQ(patina({"check"}).exitCode, 2); }
 
 } // namespace

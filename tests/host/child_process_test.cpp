@@ -18,7 +18,7 @@ using testing::hostErrorOf;
 constexpr std::chrono::seconds longEnough(60);
 
 ChildOutcome shell(const std::string& script, std::chrono::milliseconds timeLimit = longEnough) {
-    return runChild("/bin/sh", {"-c", script, "sh", "first", "*"}, timeLimit);
+    return runChild("/bin/sh", {"-c", script, "sh", "first", "*"}, {.timeLimit = timeLimit});
 }
 
 TEST(ChildProcess, GivesWhatItPrintedAndItsExitCode) {
@@ -58,7 +58,24 @@ TEST(ChildProcess, IsKilledEvenWhenItNeverStopsPrinting) {
     const ChildOutcome outcome = shell("while :; do echo more; done", std::chrono::milliseconds(300));
     EXPECT_EQ(outcome.end, End::TimedOut);
     EXPECT_EQ(outcome.output.substr(0, 10), "more\nmore\n");
-    EXPECT_EQ(shell("exec cat /dev/zero", std::chrono::milliseconds(300)).end, End::TimedOut);
+    EXPECT_EQ(shell("exec cat /dev/zero >&2", std::chrono::milliseconds(300)).end, End::TimedOut);
+}
+
+TEST(ChildProcess, ReadsItsInputWhenItLikes) {
+    const std::string input(300000, 'x');
+    EXPECT_EQ(runChild("cat", {}, {.input = input}).output, input) << "and is found on the path";
+    EXPECT_EQ(runChild("true", {}, {.input = input}).code, 0) << "and need not read it";
+}
+
+TEST(ChildProcess, IsKilledWhenItPrintsMoreThanItMay) {
+    const ChildOutcome endless = runChild("cat", {"/dev/zero"}, {.outputLimit = 1000});
+    EXPECT_EQ(endless.end, End::TooMuchOutput);
+    EXPECT_EQ(endless.output, std::string(1000, '\0'));
+    EXPECT_EQ(runChild("echo", {"four"}, {.outputLimit = 4}).end, End::TooMuchOutput) << "even in its last";
+    EXPECT_EQ(runChild("echo", {"four"}, {.outputLimit = 5}).end, End::Exited);
+    const ChildOutcome complaint = runChild("sh", {"-c", "echo complaint >&2"}, {.outputLimit = 4});
+    EXPECT_EQ(complaint.end, End::Exited);
+    EXPECT_EQ(complaint.errors, "comp");
 }
 
 TEST(ChildProcess, IsNotWaitedForLongerThanItRuns) {
@@ -69,7 +86,7 @@ TEST(ChildProcess, IsNotWaitedForLongerThanItRuns) {
 }
 
 TEST(ChildProcess, IsRefusedWhenItIsNoProgram) {
-    EXPECT_EQ(hostErrorOf([] { runChild("/no/such/program", {}, longEnough); }),
+    EXPECT_EQ(hostErrorOf([] { runChild("/no/such/program", {}); }),
               "/no/such/program: error: cannot start this program: there is no such file or directory");
 }
 

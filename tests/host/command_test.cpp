@@ -277,6 +277,41 @@ TEST(Usage, IsCheckedBeforeAnythingElse) {
     }
 }
 
+TEST(Usage, NamesTheCommandsWhenThereIsNoneOfAName) {
+    const std::string commands = "; the commands are export, check, nodes, describe, graph, validate\n";
+    EXPECT_EQ(patina({"foo"}).errors, "error: there is no command \"foo\"" + commands);
+    EXPECT_EQ(patina({"foo", "--help"}).exitCode, 2);
+    EXPECT_EQ(patina({""}).errors, "error: there is no command \"\"" + commands);
+    EXPECT_EQ(patina({"a\nb"}).errors, "error: there is no command \"a b\"" + commands);
+}
+
+TEST(Usage, RefusesEmptyFileNames) {
+    const std::vector<std::string> wrong[] = {
+        {"export", ""},
+        {"export", PATINA_EXAMPLE, "-o", ""},
+        {"export", PATINA_EXAMPLE, "--plugin", ""},
+        {"check", PATINA_EXAMPLE, ""},
+        {"graph", ""},
+        {"graph", PATINA_EXAMPLE, "-o", ""},
+        {"validate", ""},
+    };
+    for (const auto& arguments : wrong) {
+        const Outcome outcome = patina(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments[0];
+        EXPECT_NE(outcome.errors.find("the name is empty"), std::string::npos) << outcome.errors;
+        EXPECT_EQ(outcome.output, "");
+    }
+}
+
+TEST(Export, PrintsNoControlCharactersOfFileNames) {
+    const TemporaryDirectory directory;
+    const auto target = directory / "a\x1b[2Jb\nc";
+    const Outcome outcome = patina({"export", PATINA_EXAMPLE, "-o", target.string()});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(lines(outcome.output), 4U) << outcome.output;
+    EXPECT_NE(outcome.output.find("/a [2Jb c/PaintedMetal.vert.cg: "), std::string::npos) << outcome.output;
+}
+
 TEST(Usage, ShowsHelpWithExamples) {
     const Outcome outcome = patina({"export", "--help"});
     EXPECT_EQ(outcome.exitCode, 0);

@@ -125,6 +125,69 @@ TEST(ExportMany, WritesDependencyFiles) {
     }
 }
 
+// Make itself reads the rules.
+
+/// Whether Make would run the recipe of a rule file for a target, in a directory.
+bool isOutdated(const std::filesystem::path& rules, const std::string& target,
+                const std::filesystem::path& directory) {
+    // the rule has no recipe, so one is put behind it
+    writeText(directory / "Makefile", readText(rules) + "\t@echo outdated\n");
+    const Outcome outcome =
+        testing::run("make", {"--no-print-directory", "-C", directory.string(), "--", target});
+    EXPECT_EQ(outcome.exitCode, 0) << target << ": " << outcome.errors;
+    return outcome.output == "outdated\n";
+}
+
+TEST(ExportMany, WritesDependencyFilesThatMakeReads) {
+    namespace fs = std::filesystem;
+    const fs::file_time_type now = fs::file_time_type::clock::now();
+    const TemporaryDirectory directory;
+    for (const char* odd : {"plain", "a b", "a  b", "a#b", "a$b", "a%b", "a:b", "a\\b", "a\\ b", "a\\\\ b",
+                            "a\\#b", "a\\%b", "a\\:b", "a\\", "a|b", "%", "$(a)b"}) {
+        // the directory's name stands in the targets, the document's in the prerequisites
+        const auto work = directory / "work";
+        fs::create_directories(work / odd);
+        writeText(work / odd / odd, documentText(good, "Name"));
+        const Outcome exported = testing::run("sh", {"-c", R"(cd "$1" && "$0" export -q -MD -o "$2" "$2/$2")",
+                                                     PATINA_COMMAND, work.string(), odd});
+        ASSERT_EQ(exported.exitCode, 0) << exported.errors;
+        const auto rules = work / odd / "Name.d";
+        const std::string target = std::string(odd) + "/Name.bindings.xml";
+        fs::last_write_time(work / target, now + std::chrono::hours(1));
+        EXPECT_FALSE(isOutdated(rules, target, work)) << odd << ": " << readText(rules);
+        fs::last_write_time(work / odd / odd, now + std::chrono::hours(2));
+        EXPECT_TRUE(isOutdated(rules, target, work)) << odd << ": " << readText(rules);
+        fs::remove_all(work);
+    }
+}
+
+TEST(ExportMany, ReadsMaterialNamesWithPercentSigns) {
+    const TemporaryDirectory directory;
+    const std::string material = materialFile(directory, "50% grey");
+    EXPECT_EQ(exportInto(directory, {"-MD", "-q"}, {material}).exitCode, 0);
+    const std::string text = readText(directory / "out/50% grey.d");
+    EXPECT_NE(text.find("/out/50\\%\\ grey.bindings.xml: "), std::string::npos) << text;
+    EXPECT_NE(text.find("/50%\\ grey.xml \\\n"), std::string::npos) << text;
+}
+
+TEST(ExportMany, GoesOnWithTheThreadsThatThereAre) {
+    if (PATINA_TEST_SANITIZED) {
+        GTEST_SKIP() << "sanitizers need more addresses than this leaves";
+    }
+    const TemporaryDirectory directory;
+    Names words = {"-c",           "ulimit -S -s 4000000 && ulimit -S -v 2000000 && exec \"$0\" \"$@\"",
+                   PATINA_COMMAND, "export",
+                   "-j",           "64",
+                   "-o",           (directory / "out").string()};
+    for (int i = 0; i < 20; ++i) {
+        words.push_back(materialFile(directory, "M" + std::to_string(i)));
+    }
+    const Outcome outcome = testing::run("bash", words); // no thread has room for its stack
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output, "20 materials exported, 60 files changed\n");
+    EXPECT_EQ(outcome.errors, "");
+}
+
 TEST(ExportMany, RefusesWrongOptions) {
     for (const Names& options : {Names{"-j", "-1"}, Names{"-j", "many"}, Names{"-j", "1000"},
                                  Names{"--framework", "other"}, Names{"-M"}}) {

@@ -4,16 +4,47 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <functional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
+
+namespace {
+
+std::function<void(int)> onFlush; ///< what sees the descriptors that are flushed to the disk
+
+} // namespace
+
+/// Stands before the system's own.
+extern "C" int fsync(int descriptor) {
+    if (onFlush) {
+        onFlush(descriptor);
+    }
+    return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
 
 namespace patina {
 namespace {
+
+namespace fs = std::filesystem;
+
+/// Sees what is flushed while it lives.
+class FlushObserver {
+public:
+    explicit FlushObserver(std::function<void(int)> action) { onFlush = std::move(action); }
+    ~FlushObserver() { onFlush = nullptr; }
+    FlushObserver(const FlushObserver&) = delete;
+    FlushObserver& operator=(const FlushObserver&) = delete;
+};
 
 using testing::expectError;
 using testing::hostErrorOf;
@@ -32,8 +63,29 @@ TEST(DiagnosticText, PutsThePlaceFirst) {
 TEST(ReasonText, IsEnglishForWhatIsKnown) {
     EXPECT_EQ(reasonText(std::make_error_code(std::errc::no_such_file_or_directory)),
               "there is no such file or directory");
-    EXPECT_EQ(reasonText({ENOSPC, std::generic_category()}), "no space is left on the device");
-    EXPECT_EQ(reasonText({EXDEV, std::generic_category()}), "system error " + std::to_string(EXDEV));
+    const struct {
+        int error;
+        const char* text;
+    } rows[] = {
+        {ENOSPC, "no space is left on the device"},
+        {EINVAL, "the system does not allow this here"},
+        {ELOOP, "its symbolic links lead in a circle"},
+        {ENAMETOOLONG, "the name is too long"},
+        {EFBIG, "the file would become too large"},
+        {EROFS, "the file system is read-only"},
+        {EDQUOT, "the disk quota is used up"},
+        {EMFILE, "this process has too many files open"},
+        {EBUSY, "it is in use"},
+        {ETXTBSY, "it is a program that is running"},
+        {ENOEXEC, "it is no program for this system"},
+        {ENXIO, "nothing answers there"},
+        {EIO, "input/output error"},
+    };
+    for (const auto& [error, text] : rows) {
+        EXPECT_EQ(reasonText({error, std::generic_category()}), text);
+        EXPECT_EQ(reasonText({error, std::system_category()}), text);
+    }
+    EXPECT_EQ(reasonText({ENOTTY, std::generic_category()}), "system error " + std::to_string(ENOTTY));
 }
 
 TEST(FileName, MustSuitEverySystem) {
@@ -45,6 +97,21 @@ TEST(FileName, MustSuitEverySystem) {
         EXPECT_FALSE(isFileName(name)) << name;
     }
     EXPECT_FALSE(isFileName(std::string_view("a\0b", 3)));
+    EXPECT_TRUE(isFileName(std::string(200, 'a')));
+    EXPECT_FALSE(isFileName(std::string(201, 'a'))) << "an ending must fit behind it";
+}
+
+TEST(EmptyFileName, IsRefusedByName) {
+    EXPECT_EQ(hostErrorOf([] { readFile("", 1); }),
+              "error: the name of the file to read is empty; give it a name");
+    EXPECT_EQ(hostErrorOf([] { replaceFile("", "text"); }),
+              "error: the name of the file to write is empty; give it a name");
+    EXPECT_EQ(hostErrorOf([] { writeFileOrStream("", "text"); }),
+              "error: the name of the file to write is empty; give it a name");
+    EXPECT_EQ(hostErrorOf([] {
+                  writeFiles("", {{"a", "text"}});
+              }),
+              "error: the name of the directory to write to is empty; \".\" is the current one");
 }
 
 TEST(ReadFile, ReadsEveryByte) {
@@ -184,6 +251,104 @@ TEST(WriteFiles, ReplacesNothingWhenAFileCannotBeWrittenWhole) {
     }
     EXPECT_EQ(directory.names(), Names{"a"});
     EXPECT_EQ(readText(directory / "a"), "old");
+}
+
+TEST(WriteFiles, KeepsLinksAndPermissions) {
+    const TemporaryDirectory directory;
+    fs::create_directory(directory / "sub");
+    const auto file = directory.write("sub/a", "old");
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("sub/a", directory / "link");
+    fs::create_symlink("sub/b", directory / "dangling");
+    EXPECT_EQ(writeFiles(directory.path(), {{"link", "new"}, {"dangling", "made"}}), 2U);
+    EXPECT_EQ(readText(file), "new");
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(readText(directory / "sub/b"), "made");
+    EXPECT_TRUE(fs::is_symlink(directory / "link"));
+    EXPECT_TRUE(fs::is_symlink(directory / "dangling"));
+}
+
+TEST(WriteFiles, ReplacesNothingWhenATargetIsNotToBeReplaced) {
+    const TemporaryDirectory directory;
+    directory.write("a", "old");
+    fs::permissions(directory.write("protected", "old"), fs::perms::owner_read);
+    fs::create_symlink("circle", directory / "circle");
+    ASSERT_EQ(mkfifo((directory / "pipe").c_str(), S_IRUSR | S_IWUSR), 0);
+    const Names before = directory.names();
+    const std::string where = directory.path().string() + "/";
+    const struct {
+        const char* name;
+        const char* error;
+    } rows[] = {
+        {"protected", "protected: error: cannot replace this file: it is write-protected"},
+        {"circle", "circle: error: cannot write this file: its symbolic links lead in a circle"},
+        {"pipe", "pipe: error: cannot replace this file: it is no regular file"},
+    };
+    for (const auto& [name, error] : rows) {
+        EXPECT_EQ(hostErrorOf([&, target = name] {
+                      writeFiles(directory.path(), {{"a", "new"}, {target, "new"}});
+                  }),
+                  where + error);
+        EXPECT_EQ(readText(directory / "a"), "old") << name;
+        EXPECT_EQ(directory.names(), before) << name;
+    }
+    EXPECT_EQ(readText(directory / "protected"), "old");
+}
+
+TEST(WriteFiles, LeavesAProtectedFileAloneThatHasItsContent) {
+    const TemporaryDirectory directory;
+    fs::permissions(directory.write("a", "same"), fs::perms::owner_read);
+    EXPECT_EQ(writeFiles(directory.path(), {{"a", "same"}}), 0U);
+}
+
+TEST(ReplaceFile, WaitsForTheDiskBeforeItTakesThePlace) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", "old");
+    std::vector<off_t> flushed;
+    const FlushObserver observer([&](int descriptor) {
+        struct stat state = {};
+        EXPECT_EQ(fstat(descriptor, &state), 0);
+        flushed.push_back(state.st_size);
+        EXPECT_EQ(readText(file), "old");
+    });
+    replaceFile(file, "12345");
+    EXPECT_EQ(flushed, std::vector<off_t>{5}) << "all of it";
+    EXPECT_EQ(readText(file), "12345");
+    writeFiles(directory.path(), {{"a", "again"}});
+    EXPECT_EQ(flushed.size(), 1U) << "what can be made again does not wait";
+}
+
+TEST(WriteFileOrStream, WritesToWhatIsNoFile) {
+    const TemporaryDirectory directory;
+    const auto pipe = directory / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    fs::create_symlink("pipe", directory / "link");
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    writeFileOrStream(directory / "link", "text");
+    std::string text(10, '\0');
+    EXPECT_EQ(read(reader, text.data(), text.size()), 4);
+    EXPECT_EQ(text.substr(0, 4), "text");
+    close(reader);
+    EXPECT_TRUE(fs::is_fifo(pipe));
+
+    writeFileOrStream("/dev/null", "text");
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    if (fs::exists("/dev/full")) {
+        EXPECT_EQ(hostErrorOf([] { writeFileOrStream("/dev/full", "text"); }),
+                  "/dev/full: error: cannot write this file: no space is left on the device");
+    }
+}
+
+TEST(WriteFileOrStream, ReplacesFiles) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", "old");
+    writeFileOrStream(file, "new");
+    EXPECT_EQ(readText(file), "new");
+    writeFileOrStream(directory / "some/where", "made");
+    EXPECT_EQ(readText(directory / "some/where"), "made");
+    expectError(hostErrorOf([&] { writeFileOrStream(directory.path(), "text"); }), directory.path().string(),
+                {"it is a directory"});
 }
 
 // Ordering

@@ -312,23 +312,49 @@ TEST(GraphCommand, SaysWhenGraphvizIsMissing) {
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "error: cannot run \"dot\"; install Graphviz, or write the graph with --format dot "
-              "and draw it elsewhere\n");
+              "dot: error: cannot start this program: there is no such file or directory; install Graphviz, "
+              "or write the graph with --format dot and draw it elsewhere\n");
     EXPECT_EQ(directory.names(), Names{"m.xml"});
 }
 
 TEST(GraphCommand, SaysWhenGraphvizFails) {
     const TemporaryDirectory directory;
     const auto material = directory.write("m.xml", documentText(sample));
-    std::filesystem::permissions(directory.write("dot", "#!/bin/sh\necho half a picture\nexit 3\n"),
-                                 std::filesystem::perms::owner_all);
+    std::filesystem::permissions(
+        directory.write("dot", "#!/bin/sh\necho half a picture\necho ouch >&2\nexit 3\n"),
+        std::filesystem::perms::owner_all);
     const Outcome outcome = patina({"graph", material.string(), "-o", (directory / "m.svg").string()},
                                    {{"PATH", directory.path().string()}});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.errors,
-              "error: \"dot\" failed; install Graphviz, or write the graph with --format dot and "
-              "draw it elsewhere\n");
+              "ouch\ndot: error: this program failed; install Graphviz, or write the graph with --format dot "
+              "and draw it elsewhere\n");
     EXPECT_EQ(directory.names(), (Names{"dot", "m.xml"}));
+}
+
+TEST(GraphCommand, WritesToDevicesAndPipes) {
+    const TemporaryDirectory directory;
+    const std::string material = directory.write("m.xml", documentText(sample)).string();
+    const std::string graph = outputOf({"graph", material});
+    EXPECT_EQ(outputOf({"graph", material, "-o", "/dev/null"}), "");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    const std::string script =
+        "mkfifo \"$2/pipe\"; cat \"$2/pipe\" & \"$0\" graph \"$1\" -o \"$2/pipe\"; wait";
+    const Outcome piped =
+        testing::run("sh", {"-c", script, PATINA_COMMAND, material, directory.path().string()});
+    EXPECT_EQ(piped.exitCode, 0) << piped.errors;
+    EXPECT_EQ(piped.output, graph);
+    EXPECT_TRUE(std::filesystem::is_fifo(directory / "pipe"));
+}
+
+TEST(GraphCommand, WritesToStandardOutputByItsName) {
+    const TemporaryDirectory directory;
+    const std::string material = directory.write("m.xml", documentText(sample)).string();
+    // into the middle of a file
+    const std::string script = "{ echo before; \"$0\" graph \"$1\" -o /dev/stdout; echo after; }";
+    const Outcome outcome = testing::run("sh", {"-c", script, PATINA_COMMAND, material});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output, "before\n" + outputOf({"graph", material}) + "after\n");
 }
 
 TEST(GraphCommand, ReportsBadMaterials) {
@@ -381,9 +407,30 @@ TEST(Output, ThatCannotBeWrittenIsAnError) {
     if (!std::filesystem::exists("/dev/full")) {
         GTEST_SKIP() << "this system has no /dev/full";
     }
-    const Outcome outcome = testing::run("sh", {"-c", "\"$1\" nodes >/dev/full", "sh", PATINA_COMMAND});
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.errors, "error: cannot write to standard output\n");
+    const TemporaryDirectory directory;
+    const std::vector<std::string> rows[] = {
+        {"export", PATINA_EXAMPLE, "-o", directory.path().string()},
+        {"check", PATINA_EXAMPLE},
+        {"nodes"},
+        {"nodes", "--json"},
+        {"nodes", "--names"},
+        {"describe", "CoreUv"},
+        {"graph", PATINA_EXAMPLE},
+        {"graph", PATINA_EXAMPLE, "-o", "/dev/stdout"},
+        {"validate", PATINA_CORENODES, "--only", "icons"},
+        {"validate", PATINA_CORENODES, "--only", "icons", "--json"},
+        {"validate", "--list"},
+        {"--help"},
+        {"--version"},
+        {"export", "--help"},
+    };
+    for (const auto& arguments : rows) {
+        std::vector<std::string> words = {"-c", "exec \"$0\" \"$@\" >/dev/full", PATINA_COMMAND};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = testing::run("sh", words);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments[0];
+        EXPECT_EQ(outcome.errors, "error: cannot write to standard output\n") << arguments[0];
+    }
 }
 
 // Colours
@@ -429,14 +476,15 @@ TEST(Colours, BringOutMessagesOnTerminalsOnly) {
 const std::string completions = PATINA_SOURCE_DIRECTORY "/tools/patina/completions/";
 
 /// What bash offers for the last of the words, in a directory.
-std::set<std::string> bashOffers(const std::vector<std::string>& words, const std::string& directory = "/") {
+std::set<std::string> bashOffers(const std::vector<std::string>& words, const std::string& directory = "/",
+                                 const std::string& home = "/") {
     const std::string script =
         "cd \"$1\"; source \"$2\"; shift 2; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); "
         "_patina; ((${#COMPREPLY[@]} == 0)) || printf '%s\\n' \"${COMPREPLY[@]}\"";
     std::vector<std::string> arguments = {
         "--norc", "-c", script, "bash", directory, completions + "patina.bash", PATINA_COMMAND};
     arguments.insert(arguments.end(), words.begin(), words.end());
-    const Outcome outcome = testing::run("bash", arguments);
+    const Outcome outcome = testing::run("bash", arguments, {{"HOME", home}});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(outcome.errors, "");
     const Names lines = linesOf(outcome.output);
@@ -458,6 +506,7 @@ TEST(BashCompletion, OffersCommandsOptionsAndValues) {
         {{"export", "--framework", "n"}, {"none"}},
         {{"export", "-j", ""}, {}},
         {{"validate", "--t"}, {"--timeout"}},
+        {{"validate", "--only", "icon"}, {"icons"}},
         {{"nodes", ""}, {}},
         {{"frobnicate", ""}, {}},
     };
@@ -472,7 +521,45 @@ TEST(BashCompletion, OffersNodeTypes) {
     EXPECT_EQ(bashOffers({"describe", "--plugin", testPlugin("hostile_nodes"), "Throwing"}),
               (Offers{"ThrowingCode", "ThrowingBinding", "ThrowingUpdate", "ThrowingResolution",
                       "ThrowingLoad", "ThrowingConstructor"}));
-    EXPECT_EQ(bashOffers({"describe", "--plugin", "missing.so", "Core"}), Offers{}) << "and no message";
+    EXPECT_EQ(bashOffers({"describe", "--plugin", "missing.so", "CoreT"}), Offers{"CoreTexture"})
+        << "those that there are, and no message";
+}
+
+/// A home directory with a plug-in at `my plug-ins/nodes.so`, and the ways to type that.
+class TypedPlugin {
+public:
+    TypedPlugin() {
+        std::filesystem::create_directory(home_ / "my plug-ins");
+        std::filesystem::copy_file(testPlugin("hostile_nodes"), home_ / "my plug-ins/nodes.so");
+    }
+    std::string home() const { return home_.path().string(); }
+    Names ways() const {
+        return {"~/my\\ plug-ins/nodes.so", "~/'my plug-ins/nodes.so'", home() + "/my\\ plug-ins/nodes.so",
+                "'" + home() + "/my plug-ins/nodes.so'", "\"" + home() + "/my plug-ins/nodes.so\""};
+    }
+
+private:
+    TemporaryDirectory home_;
+};
+
+TEST(BashCompletion, ReadsPluginsAsTheyAreTyped) {
+    const TypedPlugin plugin;
+    for (const std::string& typed : plugin.ways()) {
+        EXPECT_EQ(bashOffers({"describe", "--plugin", typed, "Pl"}, "/", plugin.home()), Offers{"Plain"})
+            << typed;
+    }
+    EXPECT_EQ(bashOffers({"describe", "--plugin", "$(touch 'run me')", "CoreT"}, plugin.home()),
+              Offers{"CoreTexture"});
+    EXPECT_FALSE(std::filesystem::exists(plugin.home() + "/run me"));
+}
+
+TEST(BashCompletion, OffersTheChecks) {
+    const Names checks = linesOf(outputOf({"validate", "--list"}));
+    const Offers offers = bashOffers({"validate", "--only", ""});
+    EXPECT_EQ(offers.size(), checks.size());
+    for (const std::string& line : checks) {
+        EXPECT_NE(offers.count(line.substr(0, line.find(' '))), 0U) << line;
+    }
 }
 
 TEST(BashCompletion, OffersFiles) {
@@ -499,6 +586,42 @@ TEST(ZshCompletion, IsSound) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(readText(completions + "_patina").rfind("#compdef patina\n", 0), 0U);
+}
+
+/// What zsh offers for the last of the words by a function of the completion.
+Names zshOffers(const std::string& function, const Names& words, const std::string& home) {
+    const std::string script = "_arguments() { : }; _describe() { print -rl -- ${(P)4} }; source $1; "
+                               "_patina_program=$2; function=$3; shift 3; words=($@); CURRENT=$#; $function";
+    Names arguments = {"-f", "-c", script, "zsh", completions + "_patina", PATINA_COMMAND, function};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    const Outcome outcome = testing::run("zsh", arguments, {{"HOME", home}});
+    EXPECT_EQ(outcome.errors, "");
+    return linesOf(outcome.output);
+}
+
+TEST(ZshCompletion, ReadsPluginsAsTheyAreTyped) {
+    if (!isInstalled("zsh")) {
+        GTEST_SKIP() << "zsh is not installed";
+    }
+    const TypedPlugin plugin;
+    for (const std::string& typed : plugin.ways()) {
+        const Names offers =
+            zshOffers("_patina_node_types", {"describe", "--plugin", typed, "Pl"}, plugin.home());
+        EXPECT_EQ(offers.front(), "Plain") << typed;
+        EXPECT_EQ(offers.size(), coreTypes.size() + 17) << typed;
+    }
+    EXPECT_EQ(zshOffers("_patina_node_types", {"describe", "--plugin", "missing.so", "Pl"}, "/"), coreTypes);
+}
+
+TEST(ZshCompletion, OffersTheChecks) {
+    if (!isInstalled("zsh")) {
+        GTEST_SKIP() << "zsh is not installed";
+    }
+    Names names;
+    for (const std::string& line : linesOf(outputOf({"validate", "--list"}))) {
+        names.push_back(line.substr(0, line.find(' ')));
+    }
+    EXPECT_EQ(zshOffers("_patina_checks", {"validate", "--only", ""}, "/"), names);
 }
 
 // What is written about options is held against what each command's help says.

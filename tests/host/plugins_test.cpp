@@ -170,16 +170,62 @@ TEST(PluginSet, RefusesTwoPluginsWithOneType) {
     EXPECT_FALSE(plugins.offers("SecondNode"));
 }
 
-TEST(PluginSet, TakesTheFirstOfOneFileName) {
+TEST(PluginSet, LoadsAFileOnceWhateverPathLeadsToIt) {
     const TemporaryDirectory directory;
-    const std::string name = std::string("corenodes") + DynamicLibrary::extension();
-    std::filesystem::copy_file(PATINA_CORENODES, directory / name);
+    const auto link = directory / (std::string("other") + DynamicLibrary::extension());
+    std::filesystem::create_symlink(PATINA_CORENODES, link);
     PluginSet plugins;
-    plugins.add(directory / name);
+    plugins.add(link);
     plugins.add(PATINA_CORENODES);
-    plugins.add(directory / name);
+    plugins.add(std::filesystem::path(PATINA_CORENODES).parent_path() / "." /
+                std::filesystem::path(PATINA_CORENODES).filename());
     ASSERT_EQ(plugins.plugins().size(), 1U);
-    EXPECT_EQ(plugins.plugins()[0]->file(), directory / name);
+    EXPECT_EQ(plugins.plugins()[0]->file(), link);
+}
+
+TEST(PluginSet, LoadsFilesOfOneNameThatAreGiven) {
+    const TemporaryDirectory directory;
+    const auto second = directory / std::filesystem::path(PATINA_CORENODES).filename();
+    std::filesystem::copy_file(testPlugin("hostile_nodes"), second);
+    PluginSet plugins;
+    plugins.add(PATINA_CORENODES);
+    plugins.add(second);
+    ASSERT_EQ(plugins.plugins().size(), 2U);
+    EXPECT_EQ(plugins.plugins()[1]->file(), second);
+    EXPECT_TRUE(plugins.offers("Plain"));
+}
+
+TEST(PluginSet, TakesTheFirstOfOneFileNameOfTheSearchPath) {
+    const TemporaryDirectory first;
+    const TemporaryDirectory second;
+    const std::string name = std::string("nodes") + DynamicLibrary::extension();
+    std::filesystem::copy_file(PATINA_CORENODES, first / name);
+    std::filesystem::copy_file(testPlugin("hostile_nodes"), second / name);
+    PluginSet plugins;
+    plugins.addDirectory(first.path());
+    plugins.addDirectory(second.path());
+    ASSERT_EQ(plugins.plugins().size(), 1U);
+    EXPECT_EQ(plugins.plugins()[0]->file(), first / name);
+    PluginSet given;
+    given.add(second / name);
+    given.addDirectory(first.path());
+    ASSERT_EQ(given.plugins().size(), 1U) << "what is given comes before the search path";
+    EXPECT_EQ(given.plugins()[0]->file(), second / name);
+}
+
+TEST(PluginSet, FollowsTheLinksOfADirectory) {
+    const TemporaryDirectory first;
+    const TemporaryDirectory second;
+    const std::string extension = DynamicLibrary::extension();
+    std::filesystem::copy_file(PATINA_CORENODES, first / ("nodes-1.2" + extension));
+    std::filesystem::create_symlink("nodes-1.2" + extension, first / ("nodes" + extension));
+    std::filesystem::copy_file(testPlugin("second_uv"), second / ("nodes" + extension));
+    PluginSet plugins;
+    plugins.addDirectory(first.path());
+    ASSERT_EQ(plugins.plugins().size(), 1U);
+    EXPECT_EQ(plugins.plugins()[0]->file(), first / ("nodes-1.2" + extension));
+    plugins.addDirectory(second.path());
+    EXPECT_EQ(plugins.plugins().size(), 1U) << "the link's name counts too";
 }
 
 TEST(PluginSet, AddsTheModulesOfADirectoryByName) {

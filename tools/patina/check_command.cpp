@@ -44,7 +44,7 @@ int runCheck(const CheckOptions& options, const CommandLine& commandLine) {
         printReport(report);
         isSound = isSound && report.errors.empty() && (!options.warningsAreErrors || report.warnings.empty());
         if (!options.quiet) {
-            std::cout << file << ": " << counted(report.errors.size(), "error") << ", "
+            std::cout << oneLine(file) << ": " << counted(report.errors.size(), "error") << ", "
                       << counted(report.warnings.size(), "warning") << '\n';
         }
     }
@@ -59,7 +59,8 @@ void addCheckCommand(CommandLine& commandLine) {
         commandLine.parser.add_subcommand("check", "Report everything that is wrong with materials.");
     command->add_option("materials", options->materials, "material documents, XML files")
         ->required()
-        ->type_name("MATERIAL.xml");
+        ->type_name("MATERIAL.xml")
+        ->check(notEmpty());
     addPluginOption(*command, commandLine);
     command->add_flag("--werror", options->warningsAreErrors, "let warnings fail the check too");
     command->add_flag("-q,--quiet", options->quiet, "print nothing but warnings and errors");

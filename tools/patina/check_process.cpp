@@ -120,6 +120,8 @@ std::string endText(const ChildOutcome& outcome, const Report& report, std::chro
     switch (outcome.end) {
     case ChildOutcome::End::TimedOut:
         return joinText({"still running after ", std::to_string(timeLimit.count()), " s"});
+    case ChildOutcome::End::TooMuchOutput:
+        return "found more than a report can hold";
     case ChildOutcome::End::Signalled:
         return joinText({"crashed (", signalText(outcome.code), ")", when});
     case ChildOutcome::End::Exited:
@@ -135,8 +137,8 @@ std::string endText(const ChildOutcome& outcome, const Report& report, std::chro
 
 CheckResult makeCheck(const std::filesystem::path& program, const PluginCheck& check,
                       const std::filesystem::path& plugin, std::chrono::seconds timeLimit) {
-    const ChildOutcome outcome =
-        runChild(program, {"validate", runCheckOption, check.name, "--", plugin.string()}, timeLimit);
+    const ChildOutcome outcome = runChild(
+        program, {"validate", runCheckOption, check.name, "--", plugin.string()}, {.timeLimit = timeLimit});
     Report report = readReport(outcome.output);
     const std::string end = endText(outcome, report, timeLimit);
     if (!end.empty()) {

@@ -3,7 +3,6 @@
 #include "tools/patina/terminal.h"
 
 #include <exception>
-#include <iostream>
 #include <new>
 
 namespace patina::tool {
@@ -15,7 +14,8 @@ void addPluginOption(CLI::App& command, CommandLine& commandLine) {
             "a plug-in to load; may be given repeatedly, and comes before those of PATINA_PLUGIN_PATH and "
             "those installed with patina")
         ->type_name("FILE")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->check(notEmpty());
 }
 
 PluginSet loadPlugins(const CommandLine& commandLine) {
@@ -41,11 +41,8 @@ Material loadMaterial(const std::filesystem::path& document, const PluginSet& pl
     }
 }
 
-void printOutput(std::string_view text) {
-    std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!std::cout.flush()) {
-        throw HostError({}, "cannot write to standard output");
-    }
+CLI::Validator notEmpty() {
+    return {[](const std::string& name) { return std::string(name.empty() ? "the name is empty" : ""); }, ""};
 }
 
 void printWarnings(const Warnings& warnings) {

@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace patina::tool {
@@ -29,7 +28,7 @@ struct CommandLine {
 };
 
 // The subcommands, one in each source file (`nodes` and `describe` share theirs). A failure arrives at the
-// top as an exception.
+// top as an exception. What they print goes to std::cout, where the top looks whether it arrived.
 
 void addCheckCommand(CommandLine& commandLine);
 void addExportCommand(CommandLine& commandLine);
@@ -47,8 +46,8 @@ PluginSet loadPlugins(const CommandLine& commandLine);
 /// Reads a document and makes its material live. Prints the warnings, even where it throws HostError.
 Material loadMaterial(const std::filesystem::path& document, const PluginSet& plugins);
 
-/// Writes a text to standard output, to its end. Throws HostError when that cannot be.
-void printOutput(std::string_view text);
+/// Refuses an empty name of a file or directory, which an unset variable of a shell gives.
+CLI::Validator notEmpty();
 
 /// Prints warnings to standard error, a line each.
 void printWarnings(const Warnings& warnings);

@@ -36,19 +36,19 @@ struct Job {
     std::string error; ///< the line for the user, or empty
 };
 
+void printFile(const std::filesystem::path& file, std::size_t count, const std::string& noun) {
+    std::cout << "  " << oneLine(file.string()) << ": " << counted(count, noun) << '\n';
+}
+
 void printSummary(const ExportedMaterial& exported, const std::filesystem::path& directory) {
     std::cout << exported.name << ": " << counted(exported.nodeCount, "node") << ", "
               << counted(exported.connectionCount, "connection") << ", "
-              << counted(exported.interpolantCount, "interpolant register") << "\n"
-              << "  " << (directory / exported.vertexProgram.name).string() << ": "
-              << counted(exported.vertexFunctionCount, "call") << "\n"
-              << "  " << (directory / exported.fragmentProgram.name).string() << ": "
-              << counted(exported.fragmentFunctionCount, "call") << "\n"
-              << "  " << (directory / exported.bindings.name).string() << ": "
-              << counted(exported.bindingCount, "binding") << "\n";
+              << counted(exported.interpolantCount, "interpolant register") << '\n';
+    printFile(directory / exported.vertexProgram.name, exported.vertexFunctionCount, "call");
+    printFile(directory / exported.fragmentProgram.name, exported.fragmentFunctionCount, "call");
+    printFile(directory / exported.bindings.name, exported.bindingCount, "binding");
     if (exported.bindingsJson) {
-        std::cout << "  " << (directory / exported.bindingsJson->name).string() << ": "
-                  << counted(exported.bindingCount, "binding") << "\n";
+        printFile(directory / exported.bindingsJson->name, exported.bindingCount, "binding");
     }
 }
 
@@ -144,9 +144,11 @@ void addExportCommand(CommandLine& commandLine) {
         commandLine.parser.add_subcommand("export", "Write the shaders and bindings of materials.");
     command->add_option("materials", options->materials, "material documents, XML files")
         ->required()
-        ->type_name("MATERIAL.xml");
+        ->type_name("MATERIAL.xml")
+        ->check(notEmpty());
     command->add_option("-o,--output", options->directory, "where to write; made when missing")
-        ->type_name("DIRECTORY");
+        ->type_name("DIRECTORY")
+        ->check(notEmpty());
     addPluginOption(*command, commandLine);
     command
         ->add_option("-j,--jobs", options->threadCount,

@@ -1,11 +1,14 @@
+#include "host/child_process.h"
 #include "host/files.h"
 #include "host/generate.h"
 #include "host/graphviz.h"
 #include "host/resolve.h"
 #include "tools/patina/command.h"
-#include "tools/patina/filter_process.h"
+#include "tools/patina/terminal.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 #include <string>
 
@@ -37,18 +40,40 @@ std::string graphText(const GraphOptions& options, const PluginSet& plugins) {
     return options.shader ? shaderGraphText(material) : printMaterialGraph(material);
 }
 
-std::string toSvg(const std::string& dot) {
-    return runFilter("dot", {"-Tsvg", "-q"}, dot,
-                     "install Graphviz, or write the graph with --format dot and draw it elsewhere");
+constexpr const char* program = "dot";
+constexpr std::size_t svgLimit = std::size_t{1024} * 1024 * 1024;
+
+/// What Graphviz's program draws, when it is there and succeeds.
+std::string drawn(const std::string& dot) {
+    const ChildOutcome outcome = runChild(program, {"-Tsvg", "-q"}, {.input = dot, .outputLimit = svgLimit});
+    std::cerr << outcome.errors;
+    if (outcome.end == ChildOutcome::End::TooMuchOutput) {
+        throw HostError({program, 0}, "this program's drawing is larger than 1 GiB");
+    }
+    if (outcome.end != ChildOutcome::End::Exited || outcome.code != 0) {
+        throw HostError({program, 0}, "this program failed");
+    }
+    return outcome.output;
 }
 
-void write(const std::string& text, const std::filesystem::path& file) {
-    if (file.empty()) {
-        printOutput(text);
-        return;
+std::string toSvg(const std::string& dot) {
+    try {
+        return drawn(dot);
+    } catch (const HostError& failure) {
+        throw HostError(failure,
+                        "install Graphviz, or write the graph with --format dot and draw it elsewhere");
     }
-    const std::filesystem::path directory = file.parent_path();
-    writeFiles(directory.empty() ? "." : directory, {{file.filename().string(), text}});
+}
+
+/// Opening /dev/stdout anew would begin a file that it leads to from its start.
+bool isStandardOutput(const std::string& file) { return file.empty() || file == "/dev/stdout"; }
+
+void write(const std::string& text, const std::string& file) {
+    if (isStandardOutput(file)) {
+        std::cout << text;
+    } else {
+        writeFileOrStream(file, text);
+    }
 }
 
 int runGraph(const GraphOptions& options, const CommandLine& commandLine) {
@@ -66,7 +91,8 @@ void addGraphCommand(CommandLine& commandLine) {
         commandLine.parser.add_subcommand("graph", "Draw a material or the shader that it becomes.");
     command->add_option("material", options->material, "the material document, an XML file")
         ->required()
-        ->type_name("MATERIAL.xml");
+        ->type_name("MATERIAL.xml")
+        ->check(notEmpty());
     command->add_flag("--shader", options->shader,
                       "draw the two programs: functions, parameters, types and interpolants");
     command
@@ -75,7 +101,8 @@ void addGraphCommand(CommandLine& commandLine) {
         ->check(CLI::IsMember({"dot", "svg"}))
         ->type_name("FORMAT");
     command->add_option("-o,--output", options->output, "the file to write; standard output when not given")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
     addPluginOption(*command, commandLine);
     command->footer(
         "DOT is the language of Graphviz; SVG is drawn by its program dot, which must be installed.\n"

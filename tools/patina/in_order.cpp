@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -27,8 +28,13 @@ void prepareAndFinishInOrder(std::size_t count, std::size_t threadCount,
         }
     };
     std::vector<std::thread> helpers;
-    for (std::size_t i = 1; i < std::min(threadCount, count); ++i) {
-        helpers.emplace_back(work);
+    const std::size_t wanted = std::min(threadCount, count);
+    helpers.reserve(wanted);
+    try {
+        for (std::size_t i = 1; i < wanted; ++i) {
+            helpers.emplace_back(work);
+        }
+    } catch (const std::exception&) { // the system gives no more: fewer do the same
     }
     work();
     for (std::thread& helper : helpers) {

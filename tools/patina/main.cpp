@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <iostream>
 #include <new>
 #include <string>
 #include <system_error>
@@ -26,6 +27,18 @@ std::vector<std::string> withLongOptions(int argc, char** argv) {
     return arguments;
 }
 
+/// What is wrong with the name of a command, when anything is; the parser would only ask for one.
+std::string complaintAbout(const std::string& name, const CLI::App& parser) {
+    std::string commands;
+    for (const CLI::App* command : parser.get_subcommands({})) {
+        if (command->get_name() == name) {
+            return {};
+        }
+        commands += (commands.empty() ? "" : ", ") + command->get_name();
+    }
+    return "there is no command \"" + name + "\"; the commands are " + commands;
+}
+
 int run(int argc, char** argv) {
     patina::tool::CommandLine commandLine{
         .parser = CLI::App("Patina: material graphs to Cg shaders and bindings.", "patina"),
@@ -39,6 +52,11 @@ int run(int argc, char** argv) {
     patina::tool::addDescribeCommand(commandLine);
     patina::tool::addGraphCommand(commandLine);
     patina::tool::addValidateCommand(commandLine);
+    const std::string complaint = argc > 1 && *argv[1] != '-' ? complaintAbout(argv[1], parser) : "";
+    if (!complaint.empty()) {
+        patina::tool::printDiagnostic(patina::diagnosticText({}, "error", complaint));
+        return patina::tool::wrongUsage;
+    }
     try {
         parser.parse(withLongOptions(argc, argv));
     } catch (const CLI::ParseError& error) {
@@ -47,9 +65,7 @@ int run(int argc, char** argv) {
     return commandLine.run();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int runGuarded(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {
@@ -58,4 +74,15 @@ int main(int argc, char** argv) {
         patina::tool::printDiagnostic(patina::tool::errorLine());
     }
     return patina::tool::failure;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int exitCode = runGuarded(argc, argv);
+    if (!std::cout.flush()) {
+        std::fputs("error: cannot write to standard output\n", stderr);
+        return patina::tool::failure;
+    }
+    return exitCode;
 }

@@ -107,7 +107,7 @@ std::string titleText(const NodeTypeSummary& type) {
 std::string headText(const NodeSummary& summary) {
     return tableText({{"Category", summary.type.category},
                       {"Offered", offeredText(summary.type)},
-                      {"Plug-in", summary.type.plugin},
+                      {"Plug-in", oneLine(summary.type.plugin)},
                       {"Version", std::to_string(summary.version)},
                       {"Caption", summary.appearance.caption},
                       {"Body colour", colourText(summary.bodyColour)},
@@ -343,7 +343,8 @@ std::string listText(const std::vector<Summary>& summaries) {
 std::string nodeTable(const std::vector<NodeTypeSummary>& types) {
     std::vector<Row> rows = {{"TYPE", "NAME", "CATEGORY", "OFFERED", "PLUG-IN"}};
     for (const NodeTypeSummary& type : types) {
-        rows.push_back({type.typeName, type.displayName, type.category, offeredText(type), type.plugin});
+        rows.push_back(
+            {type.typeName, type.displayName, type.category, offeredText(type), oneLine(type.plugin)});
     }
     std::vector<std::string> lines = columns(rows, "");
     lines.front() = heading(lines.front());

@@ -2,6 +2,7 @@
 #include "tools/patina/command.h"
 #include "tools/patina/node_listing.h"
 
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,9 +28,9 @@ int runNodes(const NodesOptions& options, const CommandLine& commandLine) {
         for (const NodeTypeSummary& type : types) {
             names += type.typeName + "\n";
         }
-        printOutput(names);
+        std::cout << names;
     } else {
-        printOutput(options.json ? nodeTableJson(types) : nodeTable(types));
+        std::cout << (options.json ? nodeTableJson(types) : nodeTable(types));
     }
     return success;
 }
@@ -40,7 +41,7 @@ int runDescribe(const DescribeOptions& options, const CommandLine& commandLine) 
     for (const std::string& type : options.types) {
         summaries.push_back(summariseNode(plugins, type));
     }
-    printOutput(options.json ? descriptionJson(summaries) : descriptionText(summaries));
+    std::cout << (options.json ? descriptionJson(summaries) : descriptionText(summaries));
     return success;
 }
 

@@ -1,5 +1,6 @@
 #include "tools/patina/terminal.h"
 
+#include "host/diagnostic.h"
 #include "nodemodel/text.h"
 
 #include <array>
@@ -91,7 +92,7 @@ Progress::~Progress() { clear(); }
 void Progress::show(std::size_t done, std::string_view name) {
     if (isShown_) {
         clear();
-        std::cerr << joinText({"[", std::to_string(done), "/", std::to_string(total_), "] ", name})
+        std::cerr << joinText({"[", std::to_string(done), "/", std::to_string(total_), "] ", oneLine(name)})
                   << std::flush;
     }
 }

@@ -153,7 +153,7 @@ int validate(const ValidateOptions& options, const CommandLine& commandLine) {
     ordered_json json = {{"plugins", ordered_json::array()}};
     for (const std::string& plugin : options.plugins) {
         if (!options.json) {
-            std::cout << plugin << '\n' << std::flush;
+            std::cout << oneLine(plugin) << '\n' << std::flush;
         }
         const std::vector<NamedResult> results = checkPlugin(plugin, options, commandLine);
         const bool passed = std::none_of(results.begin(), results.end(),
@@ -188,8 +188,9 @@ void addValidateCommand(CommandLine& commandLine) {
     constexpr unsigned longestTimeLimit = 24 * 60 * 60;
     const auto options = std::make_shared<ValidateOptions>();
     CLI::App* command = commandLine.parser.add_subcommand("validate", "Check plug-ins for mistakes.");
-    CLI::Option* plugins =
-        command->add_option("plugin", options->plugins, "the plug-ins to check")->type_name("PLUGIN");
+    CLI::Option* plugins = command->add_option("plugin", options->plugins, "the plug-ins to check")
+                               ->type_name("PLUGIN")
+                               ->check(notEmpty());
     command->add_option("--only", options->only, "make only this check; may be given repeatedly")
         ->type_name("NAME")
         ->allow_extra_args(false)

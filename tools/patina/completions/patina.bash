@@ -1,15 +1,53 @@
 # Completion of patina's command line for bash.
 
+# A word of the command line as the shell reads it, but that nothing in it is run: variables and other people's
+# home directories stay as they are written.
+_patina_unquoted() {
+    local word=$1 quote='' text='' letter i
+    if [[ $word == '~' || $word == '~/'* ]]; then
+        text=$HOME
+        word=${word:1}
+    fi
+    for ((i = 0; i < ${#word}; ++i)); do
+        letter=${word:i:1}
+        case $quote$letter in
+            "''" | '""') quote='' ;;
+            "'" | '"') quote=$letter ;;
+            \\)
+                ((++i))
+                text+=${word:i:1} ;;
+            '"\')
+                [[ ${word:i + 1:1} == [\"\\\$\`] ]] && ((++i))
+                text+=${word:i:1} ;;
+            *) text+=$letter ;;
+        esac
+    done
+    printf '%s\n' "$text"
+}
+
+_patina_run() {
+    "$(_patina_unquoted "${COMP_WORDS[0]}")" "$@" 2>/dev/null
+}
+
+# The checks that plug-ins go through.
+_patina_checks() {
+    local name rest
+    while read -r name rest; do
+        printf '%s\n' "$name"
+    done < <(_patina_run validate --list)
+}
+
 # The node types that the command knows with the plug-ins that the line names.
 _patina_node_types() {
     local -a plugins=()
     local i
     for ((i = 1; i < COMP_CWORD - 1; ++i)); do
         if [[ ${COMP_WORDS[i]} == --plugin ]]; then
-            plugins+=(--plugin "${COMP_WORDS[i + 1]}")
+            plugins+=(--plugin "$(_patina_unquoted "${COMP_WORDS[i + 1]}")")
         fi
     done
-    "${COMP_WORDS[0]}" nodes --names "${plugins[@]}" 2>/dev/null
+    # without a plug-in that cannot be loaded, or is still being typed, there are the installed ones
+    _patina_run nodes --names "${plugins[@]}" || _patina_run nodes --names
 }
 
 # Files whose names match a pattern, and directories.
@@ -42,7 +80,8 @@ _patina() {
         *' --plugin') _patina_files '*.so'; return ;;
         'export --framework') _patina_words 'patina none'; return ;;
         'graph --format') _patina_words 'dot svg'; return ;;
-        'export -j' | 'export --jobs' | 'validate --only' | 'validate --timeout') return ;;
+        'validate --only') _patina_words "$(_patina_checks)"; return ;;
+        'export -j' | 'export --jobs' | 'validate --timeout') return ;;
     esac
 
     if [[ $word == -* ]]; then
