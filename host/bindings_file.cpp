@@ -71,7 +71,7 @@ void addBindingsOf(const Material& material, std::size_t index, BindingCollectio
     });
     for (std::size_t i = before; i < collection.bindings.size(); ++i) {
         const auto [first, isNew] = itemByName.try_emplace(collection.bindings[i]->name, index);
-        if (!isNew) {
+        if (!isNew && isNameKnown(material, index) && isNameKnown(material, first->second)) {
             throw HostError(
                 {material.file, item.line},
                 joinText({nodeTitle(item), ": its binding has the name of that of ",

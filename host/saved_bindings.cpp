@@ -145,10 +145,16 @@ SavedBindings savedIn(const Material& material) {
     return saved;
 }
 
-bool isPlaceholders(const Material& material, const SavedBinding& binding) {
-    return std::any_of(material.items.begin(), material.items.end(), [&](const MaterialItem& item) {
-        return item.placeholder && item.node->name() == binding.name;
-    });
+/// Whether the binding may be one of a node that cannot present it.
+bool isMissingNodes(const Material& material, const SavedBinding& binding) {
+    for (std::size_t i = 0; i < material.items.size(); ++i) {
+        const MaterialItem& item = material.items[i];
+        const bool presents = !item.placeholder && !item.faulty;
+        if (!isNameKnown(material, i) || (!presents && item.node->name() == binding.name)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Sets the changes on a binding fresh from the graph. Throws HostError that ends with the ending.
@@ -189,7 +195,8 @@ SavedBindings readBindings(const std::filesystem::path& file) {
     return parseBindings(text, file.string());
 }
 
-void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings) {
+void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings,
+                        Errors* errors) {
     const SavedBindings saved = savedIn(material);
     std::unordered_map<std::string, Binding*> byName;
     for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
@@ -197,14 +204,13 @@ void restoreSavedValues(const Material& material, const BindingCollection& bindi
     }
     for (const SavedBinding& earlier : saved.bindings) {
         const Annotations changes = changesOf(earlier);
-        if (changes.empty()) {
+        if (changes.empty() || !attempt(errors, [&] { requireUnderstood(saved.file, earlier); })) {
             continue;
         }
-        requireUnderstood(saved.file, earlier);
         const auto found = byName.find(earlier.name);
         if (found != byName.end() && bindingKindName(*found->second) == earlier.kind) {
-            restore(saved, earlier, changes, *found->second, "");
-        } else if (!isPlaceholders(material, earlier)) {
+            attempt(errors, [&] { restore(saved, earlier, changes, *found->second, ""); });
+        } else if (!isMissingNodes(material, earlier)) {
             warnings.push_back({{saved.file, earlier.line},
                                 joinText({"the material has no ", earlier.kind, " binding \"", earlier.name,
                                           "\", and what is saved for it has no effect: ", listOf(changes)})});

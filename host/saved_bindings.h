@@ -37,9 +37,12 @@ SavedBindings parseBindings(std::string_view text, const std::string& file);
 
 /// Sets on bindings fresh from the graph what the material's document says that the artist changed, by name
 /// and kind. A default that was changed wins over the graph's; anything else does where the graph sets
-/// nothing. Warns of changes to bindings that no node presents, other than a placeholder.
-/// Throws HostError, saying where, for a change that means nothing, and when a binding refuses it.
-void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings);
+/// nothing. Warns of changes to bindings that no node presents, other than a placeholder or one
+/// of which errors were reported.
+/// Throws HostError, saying where, for a change that means nothing, and when a binding refuses it. With
+/// `errors`, goes on with the next binding and puts them there.
+void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings,
+                        Errors* errors = nullptr);
 
 /// Does the same with what the artist changed in the earlier file. Warns of changes to bindings that are
 /// gone. Throws HostError, saying where, when a binding refuses its annotations.
