@@ -98,7 +98,7 @@ private:
 
     void requireOwn(std::size_t index, ItemByName& owners, const std::string& name, std::string_view what) {
         const auto [owner, isNew] = owners.try_emplace(name, index);
-        if (isNew) {
+        if (isNew || !isNameKnown(material_, index) || !isNameKnown(material_, owner->second)) {
             return;
         }
         const MaterialItem& item = material_.items[index];
@@ -119,8 +119,7 @@ private:
         if (unwritable != annotations.end() || !isDocumentText(binding.group)) {
             fail(item, {"the ", unwritable != annotations.end() ? unwritable->first : std::string("group"),
                         " of its binding is no text in UTF-8, or has control characters; report this to the "
-                        "author of its "
-                        "plug-in"});
+                        "author of its plug-in"});
         }
     }
 

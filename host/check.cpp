@@ -36,10 +36,13 @@ public:
             if (item.placeholder) {
                 continue;
             }
-            reviewName(item);
-            if (used_[index]) {
+            // what a faulty node shows may not be what is meant
+            if (!item.faulty) {
+                reviewName(item);
+            }
+            if (used_[index] && !item.faulty) {
                 reviewInputs(item);
-            } else {
+            } else if (!used_[index]) {
                 warn(item, {"nothing that leaves the material needs this node; connect it or remove it"});
             }
         }
@@ -139,38 +142,26 @@ private:
     std::vector<bool> used_;
 };
 
-/// Runs the steps of an export as far as each has what it needs.
+/// Runs the steps of an export with what each of them has.
 void findErrors(Material& material, Errors& errors, Warnings& warnings) {
     resolveMaterial(material, &errors);
     const GeneratedGraph graph = generateGraph(material, &errors);
     const BindingCollection bindings = collectBindings(material, &errors);
-    attempt(&errors, [&] { restoreSavedValues(material, bindings, warnings); });
-    if (!errors.empty()) {
-        return;
-    }
+    restoreSavedValues(material, bindings, warnings, &errors);
     const Dataflow flow = joinGraph(material, graph, &errors);
-    if (!errors.empty()) {
-        return;
-    }
     verifyCode(material, flow, &errors);
-    const StagedShader stages = placeInStages(material, flow, &errors);
+    Errors ofStages;
+    const StagedShader stages = placeInStages(material, flow, &ofStages);
     nameShader(material, flow, stages, &errors);
-    if (errors.empty()) {
+    if (ofStages.empty()) {
         attempt(&errors, [&] { assignRegisters(material, flow, stages); });
     }
+    errors.insert(errors.end(), ofStages.begin(), ofStages.end());
 }
 
 bool isEarlier(const SourcePosition& left, const SourcePosition& right) { return left.line < right.line; }
 
-} // namespace
-
-CheckReport checkMaterial(const MaterialDocument& document, const PluginSet& plugins) {
-    CheckReport report;
-    attempt(&report.errors, [&] {
-        Material material = buildMaterial(document, plugins, report.warnings, &report.errors);
-        Reviewer(material, plugins, report.warnings).review();
-        findErrors(material, report.errors, report.warnings);
-    });
+void sortByLine(CheckReport& report) {
     std::stable_sort(report.errors.begin(), report.errors.end(),
                      [](const HostError& left, const HostError& right) {
                          return isEarlier(left.position(), right.position());
@@ -178,6 +169,27 @@ CheckReport checkMaterial(const MaterialDocument& document, const PluginSet& plu
     std::stable_sort(
         report.warnings.begin(), report.warnings.end(),
         [](const Warning& left, const Warning& right) { return isEarlier(left.position, right.position); });
+}
+
+void check(const MaterialDocument& document, const PluginSet& plugins, CheckReport& report) {
+    Material material = buildMaterial(document, plugins, report.warnings, &report.errors);
+    Reviewer(material, plugins, report.warnings).review();
+    findErrors(material, report.errors, report.warnings);
+}
+
+} // namespace
+
+CheckReport checkMaterial(const MaterialDocument& document, const PluginSet& plugins) {
+    CheckReport report;
+    attempt(&report.errors, [&] { check(document, plugins, report); });
+    sortByLine(report);
+    return report;
+}
+
+CheckReport checkFile(const std::filesystem::path& file, const PluginSet& plugins) {
+    CheckReport report;
+    attempt(&report.errors, [&] { check(readMaterial(file, &report.errors), plugins, report); });
+    sortByLine(report);
     return report;
 }
 

@@ -4,6 +4,8 @@
 #include "host/document.h"
 #include "host/plugins.h"
 
+#include <filesystem>
+
 namespace patina {
 
 /// Everything that is to be said of a material.
@@ -17,5 +19,8 @@ struct CheckReport {
 /// bindings that have no name of their own, and saved ones that no node presents. Writes nothing.
 /// [thread-safe]
 CheckReport checkMaterial(const MaterialDocument& document, const PluginSet& plugins);
+
+/// The same with a file, whose own errors it reports too. [thread-safe]
+CheckReport checkFile(const std::filesystem::path& file, const PluginSet& plugins);
 
 } // namespace patina

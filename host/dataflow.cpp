@@ -4,9 +4,9 @@
 #include "nodemodel/text.h"
 
 #include <algorithm>
-#include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <unordered_map>
@@ -16,8 +16,6 @@ namespace patina {
 using namespace detail;
 
 namespace {
-
-constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
 
 std::optional<std::size_t> findPort(const std::vector<GeneratorPort>& ports, const std::string& name) {
     const auto found = std::find_if(ports.begin(), ports.end(),
@@ -39,11 +37,8 @@ public:
         joinInnerEdges();
         joinConnections();
         selectOutputs();
-        if (errors_ != nullptr && !errors_->empty()) {
-            return {};
-        }
         passInterfaces();
-        Dataflow needed;
+        Dataflow needed = withoutSources();
         attempt(errors_, [&] { needed = keepNeeded(); });
         return needed;
     }
@@ -53,12 +48,38 @@ private:
         throw HostError({material_.file, line}, joinText(pieces));
     }
 
+    static Dataflow withoutSources() {
+        Dataflow flow;
+        flow.colour.node = noSource;
+        flow.alpha.node = noSource;
+        return flow;
+    }
+
+    /// Whether the item shows what is meant, so that an error at it does not only follow from another.
+    bool isCertain(std::size_t item) const {
+        return !material_.items[item].faulty && !graph_.incomplete[item];
+    }
+
+    bool areAllCertain() const {
+        for (std::size_t item = 0; item < material_.items.size(); ++item) {
+            if (!isCertain(item)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// Where errors belong that come of how two items are joined.
+    Errors* errorsBetween(std::size_t source, std::size_t destination) {
+        return errors_ == nullptr || (isCertain(source) && isCertain(destination)) ? errors_ : &ignored_;
+    }
+
     const MaterialItem& ownerOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
 
     std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
         const std::size_t index = flow_.nodes.size();
         flow_.nodes.push_back({generated, owner,
-                               std::vector<ValueSource>(generated->inputs.size(), ValueSource{nowhere, 0}),
+                               std::vector<ValueSource>(generated->inputs.size(), ValueSource{noSource, 0}),
                                false});
         return index;
     }
@@ -77,8 +98,12 @@ private:
             const std::size_t head = indexByNode_.at(edge->head.lock().get());
             const auto output = findPort(flow_.nodes[tail].generated->outputs, edge->tailPort);
             const auto input = findPort(flow_.nodes[head].generated->inputs, edge->headPort);
-            if (output && input) {
-                attempt(errors_, [&] { feed(head, *input, {tail, *output}); });
+            if (!output || !input) {
+                continue;
+            }
+            Errors* errors = errorsBetween(flow_.nodes[tail].owner, flow_.nodes[head].owner);
+            if (!attempt(errors, [&] { feed(head, *input, {tail, *output}); })) {
+                excused_.insert({head, *input});
             }
         }
     }
@@ -88,7 +113,7 @@ private:
         // by value: a conversion adds a node
         const std::shared_ptr<GeneratorNode> generated = flow_.nodes[head].generated;
         const ValueSource earlier = flow_.nodes[head].inputs[input];
-        if (earlier.node != nowhere) {
+        if (earlier.node != noSource) {
             fail(item.line, {nodeTitle(item), ": this feeds \"", generated->inputs[input].name, "\" of ",
                              describe(*generated), ", and so does ", nodeTitle(ownerOf(earlier.node)),
                              "; only one of them can"});
@@ -129,16 +154,37 @@ private:
 
     void joinConnections() {
         for (const MaterialConnection& connection : material_.connections) {
-            attempt(errors_, [&] { joinConnection(connection); });
+            Errors* errors = errorsBetween(connection.source, connection.destination);
+            if (!attempt(errors, [&] { joinConnection(connection); })) {
+                excuseConsumers(connection);
+            }
         }
+    }
+
+    /// Their lack of a source follows from an error that is reported.
+    void excuseConsumers(const MaterialConnection& connection) {
+        const auto link = graph_.generator.portLinks.find(connection.record);
+        if (link == graph_.generator.portLinks.end()) {
+            return;
+        }
+        for (const PortLinkEnd& end : link->second.consumers) {
+            attempt(&ignored_, [&] {
+                const ValueSource consumer = consumerOf(end, connection);
+                excused_.insert({consumer.node, consumer.port});
+            });
+        }
+    }
+
+    ValueSource consumerOf(const PortLinkEnd& end, const MaterialConnection& connection) const {
+        return endOf(
+            end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
+            material_.items[connection.destination], connection.line);
     }
 
     void joinConnection(const MaterialConnection& connection) {
         const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
         for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
-            const ValueSource consumer = endOf(
-                end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
-                material_.items[connection.destination], connection.line);
+            const ValueSource consumer = consumerOf(end, connection);
             const ShaderType type = flow_.nodes[consumer.node].generated->inputs[consumer.port].type;
             const ValueSource value = convert(producer, type, [&](std::string_view reason) {
                 fail(connection.line, {nodeTitle(material_.items[connection.source]), ", output \"",
@@ -158,20 +204,21 @@ private:
         if (from == type) {
             return value;
         }
-        const auto [found, isNew] = conversions_.try_emplace({value.node, value.port, typeText(type)},
-                                                             ValueSource{flow_.nodes.size(), 0});
-        if (isNew) {
-            std::shared_ptr<GeneratorNode> conversion;
-            try {
-                conversion = makePromoteAndSplat(from, type);
-            } catch (const ShaderError& error) {
-                refuse(error.what());
-            }
-            const std::size_t node = enter(conversion, flow_.nodes[value.node].owner);
-            flow_.nodes[node].inputs[0] = value;
-            flow_.nodes[node].conversion = true;
+        const auto key = std::make_tuple(value.node, value.port, typeText(type));
+        const auto found = conversions_.find(key);
+        if (found != conversions_.end()) {
+            return found->second;
         }
-        return found->second;
+        std::shared_ptr<GeneratorNode> conversion;
+        try {
+            conversion = makePromoteAndSplat(from, type);
+        } catch (const ShaderError& error) {
+            refuse(error.what());
+        }
+        const std::size_t node = enter(conversion, flow_.nodes[value.node].owner);
+        flow_.nodes[node].inputs[0] = value;
+        flow_.nodes[node].conversion = true;
+        return conversions_.emplace(key, ValueSource{node, 0}).first->second;
     }
 
     ValueSource selectOutput(const MaterialOutput& output, bool isVector) const {
@@ -193,14 +240,31 @@ private:
         bool hasColour = false;
         for (const MaterialOutput& output : material_.outputs) {
             hasColour = hasColour || output.name == "colour";
-            attempt(errors_, [&] { selectNamed(output); });
+            attempt(errorsBetween(output.source, output.source), [&] { selectNamed(output); });
+            // what an output that is refused should have shown is looked at all the same
+            attempt(&ignored_, [&] {
+                roots_.push_back(producerOf(output.record, output.source, output.line));
+                hasColourRoot_ = hasColourRoot_ || output.name == "colour";
+            });
         }
-        if (!hasColour) {
+        if (!hasColour && !isColourRefused()) {
             attempt(errors_, [&] {
                 fail(material_.line,
                      {"this material has no \"colour\" output; connect one with an <output> element"});
             });
         }
+    }
+
+    /// Whether an output that is left out of the material was, or may have been, its colour.
+    bool isColourRefused() const {
+        const MaterialDocument& document = material_.document;
+        const auto isColour = [](const DocumentOutput& output) { return output.name == "colour"; };
+        const auto mayBeColour = [&](const DocumentOutput& output) {
+            return isColour(output) || output.name.empty();
+        };
+        return errors_ != nullptr &&
+               (std::any_of(document.outputs.begin(), document.outputs.end(), isColour) ||
+                std::any_of(document.leftOut.outputs.begin(), document.leftOut.outputs.end(), mayBeColour));
     }
 
     void selectNamed(const MaterialOutput& output) {
@@ -221,9 +285,9 @@ private:
 
     /// What an interface parameter stands for: the value written to it, or itself when there is none.
     ValueSource written(ValueSource value) const {
-        for (std::size_t steps = 0; value.node != nowhere && isInterface(value.node); ++steps) {
+        for (std::size_t steps = 0; value.node != noSource && isInterface(value.node); ++steps) {
             const ValueSource& source = flow_.nodes[value.node].inputs.front();
-            if (source.node == nowhere || steps == flow_.nodes.size()) {
+            if (source.node == noSource || steps == flow_.nodes.size()) {
                 break;
             }
             value = source;
@@ -242,6 +306,8 @@ private:
         if (flow_.hasAlpha) {
             flow_.alpha = written(flow_.alpha);
         }
+        std::transform(roots_.begin(), roots_.end(), roots_.begin(),
+                       [&](const ValueSource& root) { return written(root); });
         for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
             const GeneratorNode& generated = *flow_.nodes[node].generated;
             if (generated.kind == NodeKind::RegisterParameter && !generated.inputs.empty()) {
@@ -255,8 +321,10 @@ private:
         const std::vector<bool> needed = findNeeded();
         Dependencies sources(flow_.nodes.size());
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
-            for (std::size_t input = 0; needed[i] && input < flow_.nodes[i].inputs.size(); ++input) {
-                sources[i].push_back(flow_.nodes[i].inputs[input].node);
+            for (const ValueSource& input : flow_.nodes[i].inputs) {
+                if (needed[i] && input.node != noSource && needed[input.node]) {
+                    sources[i].push_back(input.node);
+                }
             }
         }
         // connections were checked for cycles, and conversions add none; only a plug-in's own edges can
@@ -267,10 +335,10 @@ private:
                  {nodeTitle(item), ": the code of this node depends on itself; report this to the author "
                                    "of its plug-in"});
         }
-        Dataflow result;
-        std::vector<std::size_t> position(flow_.nodes.size(), nowhere);
+        Dataflow result = withoutSources();
+        std::vector<std::size_t> position(flow_.nodes.size(), noSource);
         const auto moved = [&](const ValueSource& source) {
-            return ValueSource{position[source.node], source.port};
+            return source.node == noSource ? source : ValueSource{position[source.node], source.port};
         };
         for (const std::size_t index : order.order) {
             if (!needed[index]) {
@@ -285,9 +353,7 @@ private:
         }
         result.colour = moved(flow_.colour);
         result.hasAlpha = flow_.hasAlpha;
-        if (flow_.hasAlpha) {
-            result.alpha = moved(flow_.alpha);
-        }
+        result.alpha = moved(flow_.alpha);
         for (const std::size_t sink : flow_.sinks) {
             result.sinks.push_back(position[sink]);
         }
@@ -297,9 +363,8 @@ private:
     std::vector<bool> findNeeded() const {
         std::vector<bool> needed(flow_.nodes.size(), false);
         std::vector<std::size_t> pending = flow_.sinks;
-        pending.push_back(flow_.colour.node);
-        if (flow_.hasAlpha) {
-            pending.push_back(flow_.alpha.node);
+        for (const ValueSource& root : roots_) {
+            pending.push_back(root.node);
         }
         while (!pending.empty()) {
             const std::size_t node = pending.back();
@@ -309,31 +374,43 @@ private:
             }
             needed[node] = true;
             for (std::size_t input = 0; input < flow_.nodes[node].inputs.size(); ++input) {
-                pending.push_back(requireSource(node, input).node);
+                const bool isFed = attempt(errors_, [&] { requireSource(node, input); });
+                if (isFed && flow_.nodes[node].inputs[input].node != noSource) {
+                    pending.push_back(flow_.nodes[node].inputs[input].node);
+                }
             }
+        }
+        for (std::size_t node = 0; node < needed.size(); ++node) {
+            // whoever should read an interface parameter that is left now has no source
+            needed[node] = (needed[node] || !hasColourRoot_) && !isInterface(node);
         }
         return needed;
     }
 
-    const ValueSource& requireSource(std::size_t node, std::size_t input) const {
+    void requireSource(std::size_t node, std::size_t input) const {
         const DataflowNode& entry = flow_.nodes[node];
         const MaterialItem& item = ownerOf(node);
-        if (entry.generated->kind == NodeKind::InterfaceParameter) {
-            fail(item.line, {nodeTitle(item), ": this reads ", describe(*entry.generated),
-                             ", and no node writes it; add one that does"});
-        }
-        if (entry.inputs[input].node == nowhere) {
+        const bool isExcused = excused_.count({node, input}) != 0 || !isCertain(entry.owner);
+        if (isInterface(node)) { // one that is written has given way to what is written
+            if (!isExcused && areAllCertain()) {
+                fail(item.line, {nodeTitle(item), ": this reads ", describe(*entry.generated),
+                                 ", and no node writes it; add one that does"});
+            }
+        } else if (entry.inputs[input].node == noSource && !isExcused) {
             fail(item.line,
                  {nodeTitle(item), ": nothing feeds \"", entry.generated->inputs[input].name, "\" of ",
                   describe(*entry.generated), "; report this to the author of its plug-in"});
         }
-        return entry.inputs[input];
     }
 
     const Material& material_;
     const GeneratedGraph& graph_;
     Errors* errors_;
-    Dataflow flow_;
+    Errors ignored_; ///< only follow from errors that were reported
+    Dataflow flow_ = withoutSources();
+    std::vector<ValueSource> roots_; ///< of the outputs
+    bool hasColourRoot_ = false;
+    std::set<std::pair<std::size_t, std::size_t>> excused_; ///< inputs, by node, that may lack a source
     std::unordered_map<const GeneratorNode*, std::size_t> indexByNode_;
     std::map<std::tuple<std::size_t, std::size_t, std::string>, ValueSource> conversions_;
 };

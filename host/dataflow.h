@@ -4,10 +4,14 @@
 #include "host/material.h"
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <vector>
 
 namespace patina {
+
+/// The node of a source that is missing.
+inline constexpr std::size_t noSource = std::numeric_limits<std::size_t>::max();
 
 /// An output of a node of the dataflow.
 struct ValueSource {
@@ -45,7 +49,9 @@ struct Dataflow {
 ///
 /// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, for
 /// missing, unknown and misshapen outputs, and for interface parameters that nobody or more than one writes.
-/// With `errors`, goes on with the next connection or output and puts them there; there is no dataflow then.
+/// With `errors`, goes on with the next connection or output and puts them there, but for what only follows
+/// from nodes that are faulty or whose code is incomplete. Sources may be missing then, of inputs, the colour
+/// and alpha; without a colour output, every node counts as needed.
 Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr);
 
 } // namespace patina

@@ -1,6 +1,5 @@
 #include "host/document.h"
 
-#include "host/diagnostic.h"
 #include "host/document_xml.h"
 #include "host/files.h"
 #include "nodemodel/text.h"
@@ -18,7 +17,7 @@ namespace {
 /// Reads the elements of one document. A method of each kind of element; all throw HostError.
 class DocumentReader {
 public:
-    explicit DocumentReader(const std::string& file) { document_.file = file; }
+    DocumentReader(const std::string& file, Errors* errors) : errors_(errors) { document_.file = file; }
 
     MaterialDocument read(std::string_view text) {
         const XmlPointer<xmlDoc> xml = parseXml(text, document_.file, "a material document");
@@ -26,13 +25,13 @@ public:
         readRoot(root);
         for (xmlNode* child = root->children; child != nullptr; child = child->next) {
             if (isElement(child, "node")) {
-                readNode(child);
+                readNode(child, nodeCount_++);
             } else if (isElement(child, "connection")) {
-                readConnection(child);
+                readConnection(child, connectionCount_++);
             } else if (isElement(child, "output")) {
-                readOutput(child);
+                readOutput(child, outputCount_++);
             } else if (isElement(child, "binding")) {
-                readBinding(child);
+                attempt(errors_, [&] { readBinding(child, bindingCount_++); });
             }
             // elements of others are left alone
         }
@@ -53,9 +52,17 @@ private:
         return *std::move(value);
     }
 
-    template <typename Item>
-    static int nextOrigin(const std::vector<Item>& items) {
-        return static_cast<int>(items.size());
+    /// Whether an element has them all.
+    bool hasAttributes(const xmlNode* element, std::initializer_list<const char*> attributes) const {
+        return attempt(errors_, [&] {
+            for (const char* attribute : attributes) {
+                require(element, attribute);
+            }
+        });
+    }
+
+    static std::string textOf(const xmlNode* element, const char* attribute) {
+        return attributeOf(element, attribute).value_or("");
     }
 
     void readRoot(const xmlNode* root) {
@@ -73,18 +80,38 @@ private:
             fail(lineOf(root),
                  {"this is a material document of version \"", version, "\", and this host reads version 1"});
         }
+        attempt(errors_, [&] { readName(root); });
+    }
+
+    void readName(const xmlNode* root) {
         document_.name = require(root, "name");
         if (!isFileName(document_.name)) {
             fail(lineOf(root), {"the material's name \"", document_.name, "\" cannot be the name of a file"});
         }
     }
 
-    void readNode(const xmlNode* element) {
+    void readNode(const xmlNode* element, int origin) {
         DocumentNode node;
         node.line = lineOf(element);
-        node.origin = nextOrigin(document_.nodes);
-        node.id = require(element, "id");
-        node.type = require(element, "type");
+        node.origin = origin;
+        node.id = textOf(element, "id");
+        node.type = textOf(element, "type");
+        const bool isSound = attempt(errors_, [&] { readIdentity(element, node); });
+        const bool isWhole = readProperties(element, node);
+        if (!isSound || !isWhole) {
+            document_.leftOut.doubtful.push_back(node.id);
+        }
+        if (isSound) {
+            document_.nodes.push_back(std::move(node));
+        } else {
+            document_.leftOut.nodes.push_back(std::move(node));
+        }
+    }
+
+    void readIdentity(const xmlNode* element, DocumentNode& node) {
+        for (const char* attribute : {"id", "type"}) {
+            require(element, attribute);
+        }
         if (node.id.empty()) {
             fail(node.line, {"this node has an empty id"});
         }
@@ -92,18 +119,26 @@ private:
             fail(node.line, {"there is another node with the id \"", node.id, "\""});
         }
         node.version = readVersion(element);
+    }
+
+    /// Gives whether it could read them all.
+    bool readProperties(const xmlNode* element, DocumentNode& node) const {
         std::set<std::string> names;
+        bool isWhole = true;
         for (xmlNode* child = element->children; child != nullptr; child = child->next) {
             if (isElement(child, "property")) {
-                node.properties.push_back(readProperty(child));
-                const DocumentProperty& property = node.properties.back();
-                if (!names.insert(property.name).second) {
-                    fail(property.line,
-                         {"node \"", node.id, "\": property \"", property.name, "\" is set twice"});
-                }
+                isWhole = attempt(errors_, [&] { addProperty(child, node, names); }) && isWhole;
             }
         }
-        document_.nodes.push_back(std::move(node));
+        return isWhole;
+    }
+
+    void addProperty(const xmlNode* element, DocumentNode& node, std::set<std::string>& names) const {
+        DocumentProperty property = readProperty(element);
+        if (!names.insert(property.name).second) {
+            fail(property.line, {"node \"", node.id, "\": property \"", property.name, "\" is set twice"});
+        }
+        node.properties.push_back(std::move(property));
     }
 
     std::int32_t readVersion(const xmlNode* element) const {
@@ -133,31 +168,33 @@ private:
         return property;
     }
 
-    void readConnection(const xmlNode* element) {
+    void readConnection(const xmlNode* element, int origin) {
         DocumentConnection connection;
         connection.line = lineOf(element);
-        connection.origin = nextOrigin(document_.connections);
-        connection.source = require(element, "source");
-        connection.output = require(element, "output");
-        connection.destination = require(element, "destination");
-        connection.input = require(element, "input");
-        document_.connections.push_back(std::move(connection));
+        connection.origin = origin;
+        connection.source = textOf(element, "source");
+        connection.output = textOf(element, "output");
+        connection.destination = textOf(element, "destination");
+        connection.input = textOf(element, "input");
+        const bool isWhole = hasAttributes(element, {"source", "output", "destination", "input"});
+        (isWhole ? document_.connections : document_.leftOut.connections).push_back(std::move(connection));
     }
 
-    void readOutput(const xmlNode* element) {
+    void readOutput(const xmlNode* element, int origin) {
         DocumentOutput output;
         output.line = lineOf(element);
-        output.origin = nextOrigin(document_.outputs);
-        output.name = require(element, "name");
-        output.source = require(element, "source");
-        output.port = require(element, "port");
-        document_.outputs.push_back(std::move(output));
+        output.origin = origin;
+        output.name = textOf(element, "name");
+        output.source = textOf(element, "source");
+        output.port = textOf(element, "port");
+        const bool isWhole = hasAttributes(element, {"name", "source", "port"});
+        (isWhole ? document_.outputs : document_.leftOut.outputs).push_back(std::move(output));
     }
 
-    void readBinding(const xmlNode* element) {
+    void readBinding(const xmlNode* element, int origin) {
         DocumentBinding binding;
         binding.line = lineOf(element);
-        binding.origin = nextOrigin(document_.bindings);
+        binding.origin = origin;
         binding.name = require(element, "tag");
         binding.kind = require(element, "kind");
         if (!tags_.insert(binding.name).second) {
@@ -177,13 +214,18 @@ private:
         document_.bindings.push_back(std::move(binding));
     }
 
+    Errors* errors_;
     MaterialDocument document_;
+    int nodeCount_ = 0;
+    int connectionCount_ = 0;
+    int outputCount_ = 0;
+    int bindingCount_ = 0;
     std::set<std::string> ids_;
     std::set<std::string> tags_;
 };
 
-MaterialDocument parseOwned(std::string text, const std::string& file) {
-    MaterialDocument document = DocumentReader(file).read(text);
+MaterialDocument parseOwned(std::string text, const std::string& file, Errors* errors) {
+    MaterialDocument document = DocumentReader(file, errors).read(text);
     document.source = std::move(text);
     return document;
 }
@@ -259,13 +301,14 @@ bool isDocumentText(std::string_view text) {
     return true;
 }
 
-MaterialDocument parseMaterial(std::string_view text, const std::string& file) {
+MaterialDocument parseMaterial(std::string_view text, const std::string& file, Errors* errors) {
     // a text that is too large is refused before it is copied
-    return text.size() > xmlSizeLimit ? DocumentReader(file).read(text) : parseOwned(std::string(text), file);
+    return text.size() > xmlSizeLimit ? DocumentReader(file, errors).read(text)
+                                      : parseOwned(std::string(text), file, errors);
 }
 
-MaterialDocument readMaterial(const std::filesystem::path& file) {
-    return parseOwned(readFile(file, xmlSizeLimit), file.string());
+MaterialDocument readMaterial(const std::filesystem::path& file, Errors* errors) {
+    return parseOwned(readFile(file, xmlSizeLimit), file.string(), errors);
 }
 
 } // namespace patina

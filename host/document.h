@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/diagnostic.h"
 #include "nodemodel/property.h"
 
 #include <cstdint>
@@ -15,8 +16,8 @@ namespace patina {
 //
 // Everything here is plain data, to be changed at will and written back by document_writer.h. `line` and
 // `origin` say where a thing stands in the document's source: a copy of it that is changed keeps them, and a
-// new thing has none. Equality looks at what a document means, and so neither at them, nor at file and
-// source.
+// new thing has none. Equality looks at what a document means, and so neither at them, nor at file, source
+// and what was left out.
 
 /// Of a thing that does not stand in the source.
 inline constexpr int noOrigin = -1;
@@ -76,6 +77,15 @@ struct DocumentBinding {
     friend bool operator==(const DocumentBinding& left, const DocumentBinding& right);
 };
 
+/// What reading with a list of errors went without, so that no later step misses it. Attributes that could
+/// not be read are empty.
+struct DocumentGaps {
+    std::vector<DocumentNode> nodes;   ///< with the properties that could be read
+    std::vector<std::string> doubtful; ///< ids of nodes of which anything was left out
+    std::vector<DocumentConnection> connections;
+    std::vector<DocumentOutput> outputs;
+};
+
 struct MaterialDocument {
     std::string file; ///< as messages name it
     int line = 1;     ///< of the root element
@@ -85,6 +95,7 @@ struct MaterialDocument {
     std::vector<DocumentOutput> outputs;
     std::vector<DocumentBinding> bindings;
     std::string source; ///< the bytes that it was read from; empty when it is new
+    DocumentGaps leftOut;
 
     friend bool operator==(const MaterialDocument& left, const MaterialDocument& right);
 };
@@ -96,9 +107,13 @@ bool isDocumentText(std::string_view text);
 /// comes back. Nothing but the file itself is read, whatever it says; one of more than 512 MiB, or whose
 /// elements nest deeper than 200, is refused. Throws HostError, with the line, when the file cannot be read,
 /// is not well-formed, or is no such document.
-MaterialDocument readMaterial(const std::filesystem::path& file);
+///
+/// With `errors`, puts there what is wrong with an element or property, leaves that out, and goes on; only a
+/// file that is no material document of version 1 at all ends it then. A document with gaps is for looking
+/// at: written back, it would lose what was left out.
+MaterialDocument readMaterial(const std::filesystem::path& file, Errors* errors = nullptr);
 
 /// The same from text; `file` is only what messages name.
-MaterialDocument parseMaterial(std::string_view text, const std::string& file);
+MaterialDocument parseMaterial(std::string_view text, const std::string& file, Errors* errors = nullptr);
 
 } // namespace patina

@@ -7,11 +7,13 @@ namespace patina {
 GeneratedGraph generateGraph(const Material& material, Errors* errors) {
     GeneratedGraph result;
     result.generator.graph->interfaceProviders.push_back(makeFrameworkValues());
+    result.incomplete.resize(material.items.size(), false);
     const auto generate = [&](std::size_t index) {
         const MaterialItem& item = material.items[index];
-        attempt(errors, [&] {
-            onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
-        });
+        result.incomplete[index] =
+            isStandIn(item) || !attempt(errors, [&] {
+                onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
+            });
         result.owners.resize(result.generator.graph->nodes.size(), index);
     };
     // what a missing node type breaks elsewhere would only hide the reason

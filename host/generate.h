@@ -12,6 +12,7 @@ namespace patina {
 struct GeneratedGraph {
     GraphGenerator generator;
     std::vector<std::size_t> owners; ///< for each node of the graph, the item that emitted it
+    std::vector<bool> incomplete;    ///< for each item, whether some of its code is missing
 };
 
 /// Has every node of a resolved material emit its code, in document order.

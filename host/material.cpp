@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <list>
 #include <map>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -42,6 +43,7 @@ public:
 
     Material build() {
         createNodes();
+        standInForNodes();
         restoreProperties();
         updateInReferenceOrder();
         connectNodes();
@@ -68,9 +70,10 @@ private:
             const bool isMade = attempt(errors_, [&] { item.node = createNode(item, saved); });
             if (!isMade) {
                 item.placeholder = true;
+                item.faulty = true;
                 item.node = createNode(item, saved);
             }
-            if (item.placeholder && saved.type != placeholderType) {
+            if (item.placeholder && !item.faulty && saved.type != placeholderType) {
                 warnings_.push_back({{document_.file, saved.line},
                                      joinText({"no plug-in offers the type \"", saved.type, "\" of node \"",
                                                saved.id, "\"; a placeholder stands in for it"})});
@@ -90,36 +93,151 @@ private:
         }
     }
 
-    std::size_t requireNode(const std::string& id, int line) const {
+    std::optional<std::size_t> findNode(const std::string& id) const {
         const auto found = indexById_.find(id);
-        if (found == indexById_.end()) {
+        return found == indexById_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    std::size_t requireNode(const std::string& id, int line) const {
+        const std::optional<std::size_t> index = findNode(id);
+        if (!index) {
             fail(line, {"there is no node with the id \"", id, "\""});
         }
-        return found->second;
+        return *index;
+    }
+
+    void standInForNodes() {
+        if (errors_ == nullptr) {
+            return;
+        }
+        for (const DocumentNode& saved : document_.leftOut.nodes) {
+            const std::size_t index = addStandIn(saved);
+            if (!saved.id.empty()) {
+                indexById_.try_emplace(saved.id, index);
+            }
+        }
+        for (const std::string& id : document_.leftOut.doubtful) {
+            if (const auto index = findNode(id)) {
+                material_.items[*index].faulty = true;
+            }
+        }
+    }
+
+    std::size_t addStandIn(const DocumentNode& saved) {
+        MaterialItem item;
+        item.id = saved.id;
+        item.line = saved.line;
+        item.placeholder = true;
+        item.faulty = true;
+        item.node = createNode(item, saved);
+        material_.items.push_back(std::move(item));
+        return material_.items.size() - 1;
+    }
+
+    /// The item at the lost end of connections. One has only outputs or only inputs, so that it closes no
+    /// cycles.
+    std::size_t lostEnd(std::optional<std::size_t>& index) {
+        if (!index) {
+            DocumentNode nothing;
+            nothing.line = document_.line;
+            index = addStandIn(nothing);
+        }
+        return *index;
+    }
+
+    /// What a connection that was refused would have joined is not to be missed at either end.
+    void standInFor(const DocumentConnection& saved) {
+        standInForReader(saved.source, saved.output, saved.line);
+        const auto destination = findNode(saved.destination);
+        if (destination) {
+            const MaterialNode& node = *material_.items[*destination].node;
+            const int port = node.findInputPortIndex(saved.input);
+            if (port >= 0 && !node.inputs[static_cast<std::size_t>(port)].connected) {
+                join(lostEnd(lostSource_), {}, *destination, saved.input, saved.line);
+            }
+        }
+    }
+
+    void standInForReader(const std::string& id, const std::string& port, int line) {
+        if (const auto source = findNode(id)) {
+            join(*source, port, lostEnd(lostReader_), {}, line);
+        }
+    }
+
+    void join(std::size_t source, const std::string& output, std::size_t destination,
+              const std::string& input, int line) {
+        MaterialNode& sourceNode = *material_.items[source].node;
+        MaterialNode& destinationNode = *material_.items[destination].node;
+        const auto record =
+            makeRecord(material_.items[source].node, output, material_.items[destination].node, input);
+        linkSource(sourceNode, record);
+        linkDestination(destinationNode, record);
+        material_.connections.push_back({record, source, destination, line});
     }
 
     void restoreProperties() {
-        const NodeOfId nodeOfId = [this](const std::string& id, int line) {
-            return material_.items[requireNode(id, line)].node;
-        };
         for (std::size_t i = 0; i < document_.nodes.size(); ++i) {
-            const DocumentNode& saved = document_.nodes[i];
-            const MaterialItem& item = material_.items[i];
-            const std::shared_ptr<PropertySet> set = makeSavedSet(saved.type, saved.version);
-            for (const DocumentProperty& property : saved.properties) {
-                attempt(errors_, [&] { addSaved(*set, saved, property, item, nodeOfId); });
-            }
-            attempt(errors_, [&] { load(item, saved, set); });
+            restore(material_.items[i], document_.nodes[i]);
+        }
+        for (std::size_t i = document_.nodes.size(); i < material_.items.size(); ++i) {
+            restore(material_.items[i], document_.leftOut.nodes[i - document_.nodes.size()]);
         }
     }
 
-    void load(const MaterialItem& item, const DocumentNode& saved, const std::shared_ptr<PropertySet>& set) {
+    void restore(MaterialItem& item, const DocumentNode& saved) {
+        const NodeOfId nodeOfId = [&](const std::string& id, int line) {
+            const MaterialItem& referred = material_.items[requireNode(id, line)];
+            if (isStandIn(referred)) {
+                item.faulty = true;
+                return std::shared_ptr<MaterialNode>();
+            }
+            return referred.node;
+        };
+        const std::shared_ptr<PropertySet> set = makeSavedSet(saved.type, saved.version);
+        for (const DocumentProperty& property : saved.properties) {
+            if (item.placeholder) {
+                addUnderstood(*set, saved, property, item, nodeOfId);
+            } else if (!attempt(errors_, [&] { addSaved(*set, saved, property, item, nodeOfId); })) {
+                item.faulty = true;
+            }
+        }
+        load(item, saved, set);
+    }
+
+    /// A refusal of a saved property, or of the whole set.
+    struct Refusal {
+        int line = 0;
+        std::string text;
+    };
+
+    void load(MaterialItem& item, const DocumentNode& saved, const std::shared_ptr<PropertySet>& set) {
+        const std::optional<std::string> reason = loadInto(item, set);
+        if (!reason) {
+            return;
+        }
+        item.faulty = true;
+        std::vector<Refusal> refusals;
+        const std::shared_ptr<PropertySet> rest = withoutRefused(item, saved, *set, refusals);
+        if (refusals.empty()) {
+            refusals.push_back({saved.line, *reason});
+        } else if (const auto second = loadInto(item, rest)) {
+            refusals.push_back({saved.line, *second});
+        }
+        for (const Refusal& refusal : refusals) {
+            attempt(errors_, [&] { fail(refusal.line, {nodeTitle(item), ": ", refusal.text}); });
+        }
+    }
+
+    /// Gives why the node refused, if it did.
+    static std::optional<std::string> loadInto(const MaterialItem& item,
+                                               const std::shared_ptr<PropertySet>& set) {
         try {
             item.node->loadProperties(set);
+            return std::nullopt;
         } catch (const std::bad_alloc&) {
             throw;
         } catch (...) {
-            fail(lineOfRefused(saved, item, *set), {nodeTitle(item), ": ", currentExceptionText()});
+            return currentExceptionText();
         }
     }
 
@@ -132,7 +250,7 @@ private:
             }
             return;
         }
-        if (!item.placeholder && item.node->properties->byName.count(saved.name) == 0) {
+        if (item.node->properties->byName.count(saved.name) == 0) {
             warnings_.push_back({{document_.file, saved.line},
                                  joinText({"node \"", node.id, "\": type \"", node.type,
                                            "\" has no property \"", saved.name, "\"; it is ignored"})});
@@ -140,24 +258,46 @@ private:
         set.add(savedProperty(document_.file, node.id, saved, nodeOfId));
     }
 
-    /// The line of the saved property that the node did not take, or of the node when it refused the whole
-    /// set.
-    static int lineOfRefused(const DocumentNode& saved, const MaterialItem& item, const PropertySet& set) {
-        if (set.version <= item.node->properties->version) {
-            for (const DocumentProperty& property : saved.properties) {
-                const auto target = item.node->properties->byName.find(property.name);
-                if (target == item.node->properties->byName.end()) {
-                    continue;
+    /// A placeholder has but the properties of every node. Whatever else is saved, or of another form, means
+    /// something to the missing type only; the document keeps it.
+    void addUnderstood(PropertySet& set, const DocumentNode& node, const DocumentProperty& saved,
+                       const MaterialItem& item, const NodeOfId& nodeOfId) const {
+        const auto target = item.node->properties->byName.find(saved.name);
+        const bool isUnderstood = saved.name != typePropertyName &&
+                                  target != item.node->properties->byName.end() &&
+                                  target->second->kind == saved.kind;
+        if (isUnderstood) {
+            Errors ignored;
+            attempt(&ignored, [&] { set.add(savedProperty(document_.file, node.id, saved, nodeOfId)); });
+        }
+    }
+
+    /// The saved properties that the node can take, and why it refuses the others: none when it refused the
+    /// whole set.
+    static std::shared_ptr<PropertySet> withoutRefused(const MaterialItem& item, const DocumentNode& saved,
+                                                       const PropertySet& set,
+                                                       std::vector<Refusal>& refusals) {
+        auto rest = makeSavedSet(saved.type, saved.version);
+        const PropertySet& own = *item.node->properties;
+        if (set.version > own.version) {
+            return rest;
+        }
+        for (const DocumentProperty& property : saved.properties) {
+            const auto value = set.byName.find(property.name);
+            const auto target = own.byName.find(property.name);
+            if (property.name == typePropertyName || value == set.byName.end()) {
+                continue;
+            }
+            try {
+                if (target != own.byName.end()) {
+                    Property(*target->second).copyFrom(*value->second);
                 }
-                try {
-                    Property probe(*target->second);
-                    probe.copyFrom(*set.find(property.name));
-                } catch (const ShaderError&) {
-                    return property.line;
-                }
+                rest->add(value->second);
+            } catch (const ShaderError& error) {
+                refusals.push_back({property.line, error.what()});
             }
         }
-        return saved.line;
+        return rest;
     }
 
     void updateInReferenceOrder() {
@@ -166,10 +306,12 @@ private:
         while (!order.cycle.empty()) {
             attempt(errors_, [&] { failAtReferenceCycle(material_, order.cycle); });
             clearReferences(*material_.items[order.cycle.front()].node);
+            material_.items[order.cycle.front()].faulty = true;
             order = orderByDependencies(referencesOf(material_, indexByNode));
         }
         for (const std::size_t index : order.order) {
-            attempt(errors_, [&] { updateItem(material_, material_.items[index]); });
+            MaterialItem& item = material_.items[index];
+            item.faulty = !attempt(errors_, [&] { updateItem(material_, item); }) || item.faulty;
         }
     }
 
@@ -178,8 +320,34 @@ private:
     void connectNodes() {
         ConnectedInputs connectedInputs;
         for (const DocumentConnection& saved : document_.connections) {
-            attempt(errors_, [&] { connectNode(saved, connectedInputs); });
+            const bool isDoubtful =
+                lacksOutput(saved.source, saved.output) || lacksInput(saved.destination, saved.input);
+            if (isDoubtful || !attempt(errors_, [&] { connectNode(saved, connectedInputs); })) {
+                standInFor(saved);
+            }
         }
+        if (errors_ != nullptr) {
+            for (const DocumentConnection& saved : document_.leftOut.connections) {
+                standInFor(saved);
+            }
+        }
+    }
+
+    /// Whether a node might have the port if it were not for the errors reported of it.
+    /// @{
+    bool lacksOutput(const std::string& id, const std::string& port) const {
+        const auto index = findNode(id);
+        return index && isFaultyNode(*index) && material_.items[*index].node->findOutputPortIndex(port) < 0;
+    }
+
+    bool lacksInput(const std::string& id, const std::string& port) const {
+        const auto index = findNode(id);
+        return index && isFaultyNode(*index) && material_.items[*index].node->findInputPortIndex(port) < 0;
+    }
+    /// @}
+
+    bool isFaultyNode(std::size_t index) const {
+        return material_.items[index].faulty && !material_.items[index].placeholder;
     }
 
     void connectNode(const DocumentConnection& saved, ConnectedInputs& connectedInputs) {
@@ -207,7 +375,15 @@ private:
     void connectOutputs() {
         std::set<std::string> names;
         for (const DocumentOutput& saved : document_.outputs) {
-            attempt(errors_, [&] { connectOutput(saved, names); });
+            if (lacksOutput(saved.source, saved.port) ||
+                !attempt(errors_, [&] { connectOutput(saved, names); })) {
+                standInForReader(saved.source, saved.port, saved.line);
+            }
+        }
+        if (errors_ != nullptr) {
+            for (const DocumentOutput& saved : document_.leftOut.outputs) {
+                standInForReader(saved.source, saved.port, saved.line);
+            }
         }
     }
 
@@ -238,14 +414,18 @@ private:
 
     void dropConnections(std::size_t source, std::size_t destination) {
         auto& connections = material_.connections;
-        for (auto connection = connections.begin(); connection != connections.end();) {
-            if (connection->source == source && connection->destination == destination) {
-                dropLink(material_.items[source].node->outputLinks, connection->record);
-                dropLink(material_.items[destination].node->inputLinks, connection->record);
-                connection = connections.erase(connection);
-            } else {
-                ++connection;
-            }
+        const auto first =
+            std::stable_partition(connections.begin(), connections.end(), [&](const auto& connection) {
+                return connection.source != source || connection.destination != destination;
+            });
+        const std::vector<MaterialConnection> dropped(first, connections.end());
+        connections.erase(first, connections.end());
+        for (const MaterialConnection& connection : dropped) {
+            const NodeConnection& record = *connection.record;
+            dropLink(material_.items[source].node->outputLinks, connection.record);
+            dropLink(material_.items[destination].node->inputLinks, connection.record);
+            join(source, record.sourcePort, lostEnd(lostReader_), {}, connection.line);
+            join(lostEnd(lostSource_), {}, destination, record.destinationPort, connection.line);
         }
     }
 
@@ -255,6 +435,8 @@ private:
     Material material_;
     const MaterialDocument& document_ = material_.document;
     std::unordered_map<std::string, std::size_t> indexById_;
+    std::optional<std::size_t> lostSource_; ///< item that stands for the sources that are missing
+    std::optional<std::size_t> lostReader_; ///< and for the readers
 };
 
 } // namespace
@@ -287,6 +469,19 @@ bool hasPlaceholder(const Material& material) {
 
 std::string nodeTitle(const MaterialItem& item) {
     return joinText({"node \"", item.id, "\" (\"", item.node->name(), "\")"});
+}
+
+bool isNameKnown(const Material& material, std::size_t item) {
+    const std::vector<DocumentNode>& nodes = material.document.nodes;
+    const std::vector<DocumentNode>& others = material.document.leftOut.nodes;
+    if (!material.items[item].faulty || item >= nodes.size() + others.size()) {
+        return true;
+    }
+    const DocumentNode& saved = item < nodes.size() ? nodes[item] : others[item - nodes.size()];
+    const MaterialNode& node = *material.items[item].node;
+    return std::any_of(saved.properties.begin(), saved.properties.end(), [&](const auto& property) {
+        return property.name == node.nameProperty->name && property.value == node.name();
+    });
 }
 
 Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings,

@@ -37,9 +37,14 @@ struct MaterialItem {
     std::string id;
     std::shared_ptr<MaterialNode> node;
     bool placeholder = false; ///< stands for a type that no plug-in offers
+    bool faulty = false;      ///< errors were reported of it already: what it shows may not be what is meant
     int line = 0;
     std::vector<OverriddenProperty> overridden; ///< for the host's edits
 };
+
+/// Whether an item only stands where an error was reported: for a node that could not be made, or for the
+/// lost end of a connection.
+inline bool isStandIn(const MaterialItem& item) { return item.placeholder && item.faulty; }
 
 /// A connection between two nodes of a live material.
 struct MaterialConnection {
@@ -89,7 +94,11 @@ struct Material {
 /// Throws HostError, naming line and node, for a value that does not parse, an unknown id or port, an input
 /// that is connected twice, a cycle of connections or of references, and whatever a node refuses. With
 /// `errors`, goes on without what is wrong and puts them there; only a placeholder that no plug-in offers
-/// ends it then. Such a material is for looking at: its document keeps what it goes without.
+/// ends it then. Such a material is for looking at: its document keeps what it goes without, nodes that bear
+/// errors are marked, and further items and connections stand in for what is missing, so that nothing later
+/// takes its absence for an error too. What a document has left out is seen to with `errors` only.
+///
+/// A placeholder takes what it understands of the saved properties, and no value makes it fail.
 Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings,
                        Errors* errors = nullptr);
 
@@ -98,6 +107,9 @@ bool hasPlaceholder(const Material& material);
 
 /// How messages name a node: `node "id" ("Name")`.
 std::string nodeTitle(const MaterialItem& item);
+
+/// Whether an item goes by the name that its author gave it; one of which errors were reported may not.
+bool isNameKnown(const Material& material, std::size_t item);
 
 /// Runs an action on behalf of a node, and turns what the node's code throws into a HostError at `line` that
 /// names the node. HostError itself and std::bad_alloc pass.

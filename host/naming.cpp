@@ -112,7 +112,8 @@ private:
             case NodeKind::Function:
             case NodeKind::InterpolantParameter:
                 for (const GeneratorPort& port : node.generated->outputs) {
-                    const std::string stem = node.conversion ? valueName(node.inputs[0]) : itemOf(i).id;
+                    const bool isNamedAfterSource = node.conversion && node.inputs[0].node != noSource;
+                    const std::string stem = isNamedAfterSource ? valueName(node.inputs[0]) : itemOf(i).id;
                     const std::string suffix = node.conversion ? typeText(port.type) : port.name;
                     names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
                 }

@@ -89,9 +89,9 @@ void assumeScalars(std::vector<Port>& outputs) {
     }
 }
 
-void resolveComponentCounts(const Material& material, const Links& links, Errors* errors) {
+void resolveComponentCounts(Material& material, const Links& links, Errors* errors) {
     for (const std::size_t index : material.downstream) {
-        const MaterialItem& item = material.items[index];
+        MaterialItem& item = material.items[index];
         for (const MaterialConnection* connection : links.incoming[index]) {
             Port& input = inputOf(material, *connection);
             if (!input.componentCountFixed) {
@@ -104,14 +104,15 @@ void resolveComponentCounts(const Material& material, const Links& links, Errors
             checkConflict(material, item, links.incoming[index]);
         });
         if (!isResolved) {
+            item.faulty = true;
             assumeScalars(item.node->outputs);
         }
     }
 }
 
-void resolvePrecisions(const Material& material, const Links& links, Errors* errors) {
+void resolvePrecisions(Material& material, const Links& links, Errors* errors) {
     for (auto index = material.downstream.rbegin(); index != material.downstream.rend(); ++index) {
-        const MaterialItem& item = material.items[*index];
+        MaterialItem& item = material.items[*index];
         for (const MaterialConnection* connection : links.outgoing[*index]) {
             Port& output = outputOf(material, *connection);
             if (output.precisionFixed) {
@@ -124,8 +125,9 @@ void resolvePrecisions(const Material& material, const Links& links, Errors* err
                 output.precisionKnown = true;
             }
         }
-        attempt(errors,
-                [&] { onBehalfOf(material, item, item.line, [&] { item.node->resolvePrecision(); }); });
+        const bool isResolved = attempt(
+            errors, [&] { onBehalfOf(material, item, item.line, [&] { item.node->resolvePrecision(); }); });
+        item.faulty = item.faulty || !isResolved;
     }
 }
 

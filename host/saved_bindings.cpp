@@ -160,6 +160,12 @@ SavedBindings savedIn(const Material& material) {
     return saved;
 }
 
+/// Whether a binding that no node presents may be one of a node that cannot present it now.
+bool mayComeBack(const Material& material) {
+    return std::any_of(material.items.begin(), material.items.end(),
+                       [](const MaterialItem& item) { return item.placeholder || item.faulty; });
+}
+
 /// Sets the changes on a binding fresh from the graph. Throws HostError that ends with the ending.
 void restore(const SavedBindings& saved, const SavedBinding& earlier, Annotations changes, Binding& binding,
              std::string_view ending) {
@@ -199,7 +205,8 @@ SavedBindings readBindings(const std::filesystem::path& file) {
     return parseBindings(text, file.string());
 }
 
-void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings) {
+void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings,
+                        Errors* errors) {
     const SavedBindings saved = savedIn(material);
     std::unordered_map<std::string, Binding*> byName;
     for (const std::shared_ptr<Binding>& binding : bindings.bindings) {
@@ -207,14 +214,13 @@ void restoreSavedValues(const Material& material, const BindingCollection& bindi
     }
     for (const SavedBinding& earlier : saved.bindings) {
         const Annotations changes = changesOf(earlier);
-        if (changes.empty()) {
+        if (changes.empty() || !attempt(errors, [&] { requireUnderstood(saved.file, earlier); })) {
             continue;
         }
-        requireUnderstood(saved.file, earlier);
         const auto found = byName.find(earlier.name);
         if (found != byName.end() && bindingKindName(*found->second) == earlier.kind) {
-            restore(saved, earlier, changes, *found->second, "");
-        } else if (!hasPlaceholder(material)) {
+            attempt(errors, [&] { restore(saved, earlier, changes, *found->second, ""); });
+        } else if (!mayComeBack(material)) {
             warnings.push_back({{saved.file, earlier.line},
                                 joinText({"the material has no ", earlier.kind, " binding \"", earlier.name,
                                           "\", and what is saved for it has no effect: ", listOf(changes)})});

@@ -36,9 +36,11 @@ SavedBindings readBindings(const std::filesystem::path& file);
 SavedBindings parseBindings(std::string_view text, const std::string& file);
 
 /// Sets on bindings fresh from the graph what the material's document says that the artist changed, by name
-/// and kind. Warns of changes to bindings that no node presents, unless it may be one whose type is missing.
-/// Throws HostError, saying where, for a change that means nothing, and when a binding refuses it.
-void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings);
+/// and kind. Warns of changes to bindings that no node presents, unless it may be one whose type is missing
+/// or of which errors were reported. Throws HostError, saying where, for a change that means nothing, and
+/// when a binding refuses it. With `errors`, goes on with the next binding and puts them there.
+void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings,
+                        Errors* errors = nullptr);
 
 /// Does the same with what the artist changed in the earlier file. Warns of changes to bindings that are
 /// gone. Throws HostError, saying where, when a binding refuses its annotations.

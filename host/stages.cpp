@@ -69,6 +69,9 @@ private:
     }
 
     void demandByFragment(const ValueSource& value) {
+        if (value.node == noSource) {
+            return;
+        }
         demands_[value.node].byFragment = true;
         demands_[value.node].portsByFragment[value.port] = true;
     }
@@ -78,7 +81,7 @@ private:
             if (byFragment) {
                 demandByFragment(input);
             }
-            if (vertexReader != nobody && !demands_[input.node].byVertex()) {
+            if (vertexReader != nobody && input.node != noSource && !demands_[input.node].byVertex()) {
                 demands_[input.node].vertexReader = vertexReader;
             }
         }

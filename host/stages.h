@@ -48,7 +48,8 @@ struct StagedShader {
 /// Throws HostError, naming the nodes, when the vertex program needs what only the fragment program can
 /// compute, when there are too few interpolant registers, and when nodes claim a register that does not
 /// exist, that belongs to the framework, or that another node claims for something else. With `errors`, goes
-/// on with the next node and puts them there; the division is incomplete then.
+/// on with the next node and puts them there; the division is incomplete then, as it is where the dataflow
+/// lacks sources.
 StagedShader placeInStages(const Material& material, const Dataflow& flow, Errors* errors = nullptr);
 
 } // namespace patina

@@ -56,6 +56,23 @@ TEST(Check, ReportsEveryProblemOfEveryMaterialByLine) {
                   ":1: error: cannot read this file: there is no such file or directory\n");
 }
 
+TEST(Check, GoesOnAfterABadElement) {
+    const TemporaryDirectory directory;
+    const std::string bad = directory
+                                .write("bad.xml", documentText("<node id=\"n\"/>\n" + sound +
+                                                               connection("n", "any", "c", "nope") +
+                                                               "<output name=\"alpha\" source=\"c\"/>\n"
+                                                               "<binding tag=\"B\" kind=\"fog\"/>\n"))
+                                .string();
+    const Outcome outcome = patina({"check", bad});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.output, bad + ": 4 errors, 0 warnings\n");
+    EXPECT_EQ(outcome.errors, bad + ":2: error: the <node> element has no \"type\" attribute\n" + bad +
+                                  ":5: error: node \"c\" (\"Tint\") has no input \"nope\"; it has none\n" +
+                                  bad + ":6: error: the <output> element has no \"port\" attribute\n" + bad +
+                                  ":7: error: binding \"B\" is of the unknown kind \"fog\"\n");
+}
+
 TEST(Check, LetsWarningsPassUnlessAsked) {
     const TemporaryDirectory directory;
     const std::string material = directory.write("m.xml", documentText(doubtful)).string();

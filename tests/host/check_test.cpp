@@ -86,7 +86,7 @@ TEST(CheckMaterial, ReportsEveryCycleOnce) {
 }
 
 TEST(CheckMaterial, ReportsWhatOnlyTheShaderShows) {
-    // two names that Cg has taken, found when everything before is sound
+    // two names that Cg has taken, beside an error that is found earlier
     const CheckReport report = checkMaterial(
         parsed(node("a", "CoreConstant", named("half")) + node("b", "CoreConstant", named("lerp")) +
                maths("m", "Multiply") + connection("a", "read", "m", "in_value1") +
@@ -94,18 +94,12 @@ TEST(CheckMaterial, ReportsWhatOnlyTheShaderShows) {
                output("shine", "m", "out_value")),
         corePlugins());
     EXPECT_EQ(errorsOf(report),
-              Lines{"sample.xml:8: error: there is no output \"shine\" to a material; the outputs are "
-                    "\"colour\" and \"alpha\""});
-    const CheckReport names = checkMaterial(
-        parsed(node("a", "CoreConstant", named("half")) + node("b", "CoreConstant", named("lerp")) +
-               maths("m", "Multiply") + connection("a", "read", "m", "in_value1") +
-               connection("b", "read", "m", "in_value2") + output("colour", "m", "out_value")),
-        corePlugins());
-    EXPECT_EQ(errorsOf(names),
               (Lines{"sample.xml:2: error: node \"a\" (\"half\"): the name \"half\" is reserved in Cg or by "
                      "the shader framework; rename the node",
                      "sample.xml:3: error: node \"b\" (\"lerp\"): the name \"lerp\" is reserved in Cg or by "
-                     "the shader framework; rename the node"}));
+                     "the shader framework; rename the node",
+                     "sample.xml:8: error: there is no output \"shine\" to a material; the outputs are "
+                     "\"colour\" and \"alpha\""}));
 }
 
 TEST(CheckMaterial, ReportsEveryNodeWithConstantsThatAreNoNumbers) {
@@ -148,6 +142,158 @@ TEST(CheckMaterial, FailsOnlyWhereNothingCanStandIn) {
     const CheckReport report = checkMaterial(parsed(node("a", "Strange")), PluginSet());
     ASSERT_EQ(report.errors.size(), 1U);
     testing::expectErrorAt(report.errors[0].what(), 2, {"\"Strange\"", "load the Core plug-in"});
+}
+
+// Several errors at once
+
+TEST(CheckMaterial, ReportsTheErrorsOfAllSteps) {
+    const std::string nodes =
+        node("a", "CoreConstant", named("Tint")) + node("b", "CoreConstant", named("Tint")) +
+        node("c", "CoreConstant", named("float")) + maths("m", "Multiply") + maths("n", "Multiply") +
+        connection("a", "read", "m", "in_value1") + connection("b", "read", "m", "in_value2") +
+        connection("m", "out_value", "n", "in_value1") + connection("c", "read", "n", "in_value2");
+    const Lines expected = {
+        "sample.xml:1: error: this material has no \"colour\" output; connect one with an <output> element",
+        "sample.xml:3: error: node \"b\" (\"Tint\"): its binding has the name of that of node \"a\" "
+        "(\"Tint\"); rename one of the nodes",
+        "sample.xml:4: error: node \"c\" (\"float\"): the name \"float\" is reserved in Cg or by the shader "
+        "framework; rename the node",
+        "sample.xml:11: error: there is no output \"fog\" to a material; the outputs are \"colour\" and "
+        "\"alpha\""};
+    EXPECT_EQ(errorsOf(checkMaterial(parsed(nodes + output("fog", "n", "out_value")), corePlugins())),
+              expected);
+    // which nodes the missing output will need is not known
+    EXPECT_EQ(errorsOf(checkMaterial(parsed(nodes + output("fog", "a", "read")), corePlugins())), expected);
+}
+
+TEST(CheckMaterial, ReportsErrorsOfTheShaderBesideAFailingNode) {
+    const CheckReport report = checkMaterial(
+        parsed(node("t", "CoreTexture", named("Paint")) + node("c", "CoreConstant", named("float")) +
+               node("x", "Strange") + maths("m", "Lerp") + connection("t", "out_colour", "m", "in_value1") +
+               connection("c", "read", "m", "in_value2") + connection("x", "any", "m", "in_blend") +
+               output("colour", "m", "out_value")),
+        corePlugins());
+    EXPECT_EQ(
+        errorsOf(report),
+        (Lines{"sample.xml:2: error: node \"t\" (\"Paint\"): node \"Paint\" (CoreTexture): please attach "
+               "a texture coordinate before exporting",
+               "sample.xml:3: error: node \"c\" (\"float\"): the name \"float\" is reserved in Cg or "
+               "by the shader framework; rename the node",
+               "sample.xml:4: error: node \"x\" (\"Default\"): cannot export as the node \"Default\" "
+               "cannot be properly created. Please either get the DLL that can load this node or "
+               "replace with alternatives."}));
+}
+
+CheckReport checkText(const std::string& body) {
+    const testing::TemporaryDirectory directory;
+    const auto file = directory.write("m.xml", testing::documentText(body));
+    CheckReport report = checkFile(file, corePlugins());
+    for (HostError& error : report.errors) {
+        error = HostError({"m.xml", error.position().line}, error.text());
+    }
+    for (Warning& warning : report.warnings) {
+        warning.position.file = "m.xml";
+    }
+    return report;
+}
+
+TEST(CheckFile, MissesNothingThatAnErrorTookAway) {
+    const std::string coordinate = node("uv", "CoreUv", named("map1"));
+    const std::string texture =
+        node("t", "CoreTexture", named("Paint")) + output("colour", "t", "out_colour");
+    const struct {
+        std::string body;
+        std::string error;
+    } rows[] = {
+        // the texture would be without a coordinate, or the coordinate without a reader
+        {"<node id=\"uv\"/>\n" + texture + connection("uv", "read", "t", "in_uv"),
+         "m.xml:2: error: the <node> element has no \"type\" attribute"},
+        {"<node id=\"uv\" type=\"CoreUv\" version=\"new\"/>\n" + texture +
+             connection("uv", "read", "t", "in_uv"),
+         "m.xml:2: error: \"new\" is no version number"},
+        {coordinate + texture + "<connection source=\"uv\" destination=\"t\" input=\"in_uv\"/>\n",
+         "m.xml:5: error: the <connection> element has no \"output\" attribute"},
+        {coordinate + texture + connection("uv", "nope", "t", "in_uv"),
+         "m.xml:5: error: node \"uv\" (\"map1\") has no output \"nope\"; it has \"read\""},
+        {texture + connection("ghost", "read", "t", "in_uv"),
+         "m.xml:4: error: there is no node with the id \"ghost\""},
+        // the colour would be missing
+        {node("c", "CoreConstant", named("Tint")) + output("colour", "c", "nope"),
+         "m.xml:3: error: node \"c\" (\"Tint\") has no output \"nope\"; it has \"read\""},
+        {output("colour", "ghost", "read"), "m.xml:2: error: there is no node with the id \"ghost\""},
+        {node("c", "CoreConstant", named("Tint")) + "<output source=\"c\" port=\"read\"/>\n",
+         "m.xml:3: error: the <output> element has no \"name\" attribute"},
+        {"<node id=\"c\"/>\n" + output("colour", "c", "read"),
+         "m.xml:2: error: the <node> element has no \"type\" attribute"},
+        // the second node has the port
+        {node("c", "CoreConstant", named("Tint")) + node("c", "CoreMaths") +
+             output("colour", "c", "out_value"),
+         "m.xml:3: error: there is another node with the id \"c\""},
+        // the function has the input
+        {node("m", "CoreMaths", property("Function", "enum", "Lerrp")) +
+             node("c", "CoreConstant", named("Tint")) + connection("c", "read", "m", "in_blend") +
+             output("colour", "m", "out_value"),
+         "m.xml:2: error: node \"m\" (\"Maths\"): cannot copy property \"Function\" as enum \"Lerrp\" is not "
+         "a known enum value"},
+        {node("m", "CoreMaths", "<property name=\"Function\" kind=\"choice\" value=\"Lerp\"/>") +
+             node("c", "CoreConstant", named("Tint")) + connection("c", "read", "m", "in_blend") +
+             output("colour", "m", "out_value"),
+         "m.xml:2: error: property \"Function\" is of the unknown kind \"choice\"; the kinds are bool, "
+         "integer, float, string, colour, enum and node"},
+        // the node would go by the name of its type, as the other does
+        {node("a", "CoreConstant", property("Name", "string", "Constant")) +
+             node("b", "CoreConstant", property("Name", "text", "Gloss")) + maths("m", "Multiply") +
+             connection("a", "read", "m", "in_value1") + connection("b", "read", "m", "in_value2") +
+             output("colour", "m", "out_value"),
+         "m.xml:3: error: property \"Name\" is of the unknown kind \"text\"; the kinds are bool, integer, "
+         "float, string, colour, enum and node"},
+        // the reference would be to a node of another type
+        {"<node id=\"r\"/>\n" + coordinate + node("t", "CoreTexture", property("Reference", "node", "r")) +
+             connection("uv", "read", "t", "in_uv") + output("colour", "t", "out_colour"),
+         "m.xml:2: error: the <node> element has no \"type\" attribute"},
+        // the cycle's inputs would lack their source
+        {maths("a", "Invert") + maths("b", "Invert") + connection("a", "out_value", "b", "in_value1") +
+             connection("b", "out_value", "a", "in_value1") + output("colour", "b", "out_value"),
+         "m.xml:3: error: the connections form a cycle: node \"b\" (\"Maths\") -> node \"a\" (\"Maths\") -> "
+         "node \"b\" (\"Maths\")"},
+        // the inputs' widths would not convert either
+        {coordinate +
+             node("c", "CoreConstant",
+                  named("Tint") + property("Constant Type", "enum", "Vector") +
+                      property("Component Count", "integer", "3")) +
+             maths("m", "Multiply") + connection("uv", "read", "m", "in_value1") +
+             connection("c", "read", "m", "in_value2") + output("colour", "m", "out_value"),
+         "m.xml:6: error: node \"m\" (\"Maths\"): its inputs \"in_value1\" (2 components, from node \"uv\" "
+         "(\"map1\")) and \"in_value2\" (3 components, from node \"c\" (\"Tint\")) have different widths; "
+         "make them equal, or make one a scalar"},
+    };
+    for (const auto& [body, error] : rows) {
+        const CheckReport report = checkText(body);
+        EXPECT_EQ(errorsOf(report), Lines{error}) << body;
+        for (const std::string& warning : warningsOf(report)) {
+            EXPECT_NE(warning.find("its binding is called \"Constant\""), std::string::npos) << warning;
+        }
+    }
+}
+
+TEST(CheckFile, ReportsRefusedSavedBindingsTogether) {
+    const CheckReport report =
+        checkText(node("c", "CoreConstant", named("Tint")) + output("colour", "c", "read") +
+                  "<binding tag=\"Tint\" kind=\"float\" default=\"bright\"/>\n"
+                  "<binding tag=\"Paint\" kind=\"texture\" uiunittype=\"inches\"/>\n");
+    EXPECT_EQ(errorsOf(report),
+              (Lines{"m.xml:4: error: binding \"Tint\": the default \"bright\" is no list of finite numbers",
+                     "m.xml:5: error: binding \"Paint\": \"inches\" is no unit type; they are raw, linear, "
+                     "angular and srgbcolour"}));
+}
+
+TEST(CheckFile, ReportsOneErrorOfWhatIsNoMaterial) {
+    const testing::TemporaryDirectory directory;
+    for (const char* text : {"", "<material version=\"1\" name=\"A\">", "<shader/>"}) {
+        const CheckReport report = checkFile(directory.write("m.xml", text), corePlugins());
+        EXPECT_EQ(report.errors.size(), 1U) << text;
+        EXPECT_TRUE(report.warnings.empty()) << text;
+    }
 }
 
 } // namespace

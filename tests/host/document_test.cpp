@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace patina {
 namespace {
@@ -322,6 +323,119 @@ TEST(ReadMaterial, NamesTheFileInItsMessages) {
                 {"a part of the path is not a directory"});
     const auto good = directory.write("good.xml", documentText(""));
     EXPECT_EQ(readMaterial(good).file, good.string());
+}
+
+using Lines = std::vector<std::string>;
+
+Lines linesOf(const Errors& errors) {
+    Lines lines;
+    for (const HostError& error : errors) {
+        lines.emplace_back(error.what());
+    }
+    return lines;
+}
+
+TEST(ParseMaterialWithErrors, ReportsEveryBadElementAndGoesOn) {
+    Errors errors;
+    const MaterialDocument document =
+        parseMaterial("<material version=\"1\" name=\"a/b\">\n"
+                      "<node type=\"T\"><property name=\"P\" kind=\"bool\"/></node>\n"
+                      "<node id=\"\" type=\"T\"/>\n"
+                      "<node id=\"typeless\"/>\n"
+                      "<node id=\"new\" type=\"T\" version=\"x\"/>\n"
+                      "<node id=\"a\" type=\"T\">\n"
+                      "<property name=\"One\" kind=\"bool\" value=\"Yes\"/>\n"
+                      "<property name=\"Two\" kind=\"int\" value=\"1\"/>\n"
+                      "<property name=\"One\" kind=\"bool\" value=\"No\"/>\n"
+                      "<property name=\"Three\" kind=\"integer\" value=\"3\"/>\n"
+                      "</node>\n"
+                      "<node id=\"a\" type=\"U\"/>\n"
+                      "<node id=\"b\" type=\"U\"/>\n"
+                      "<connection source=\"a\" destination=\"b\" input=\"i\"/>\n"
+                      "<connection source=\"a\" output=\"o\" destination=\"b\" input=\"i\"/>\n"
+                      "<output source=\"a\" port=\"p\"/>\n"
+                      "<output name=\"colour\" source=\"a\" port=\"p\"/>\n"
+                      "<binding tag=\"T\" kind=\"fog\"/>\n"
+                      "<binding tag=\"B\" kind=\"float\"/>\n"
+                      "<binding tag=\"B\" kind=\"float\"/>\n"
+                      "<binding kind=\"float\"/>\n"
+                      "</material>\n",
+                      sampleFile, &errors);
+    EXPECT_EQ(linesOf(errors),
+              (Lines{"sample.xml:1: error: the material's name \"a/b\" cannot be the name of a file",
+                     "sample.xml:2: error: the <node> element has no \"id\" attribute",
+                     "sample.xml:2: error: the <property> element has no \"value\" attribute",
+                     "sample.xml:3: error: this node has an empty id",
+                     "sample.xml:4: error: the <node> element has no \"type\" attribute",
+                     "sample.xml:5: error: \"x\" is no version number",
+                     "sample.xml:8: error: property \"Two\" is of the unknown kind \"int\"; the kinds are "
+                     "bool, integer, float, string, colour, enum and node",
+                     "sample.xml:9: error: node \"a\": property \"One\" is set twice",
+                     "sample.xml:12: error: there is another node with the id \"a\"",
+                     "sample.xml:14: error: the <connection> element has no \"output\" attribute",
+                     "sample.xml:16: error: the <output> element has no \"name\" attribute",
+                     "sample.xml:18: error: binding \"T\" is of the unknown kind \"fog\"",
+                     "sample.xml:20: error: there is another binding with the tag \"B\"",
+                     "sample.xml:21: error: the <binding> element has no \"tag\" attribute"}));
+    ASSERT_EQ(document.nodes.size(), 2U);
+    EXPECT_EQ(document.nodes[0].id, "a");
+    EXPECT_EQ(document.nodes[0].type, "T");
+    EXPECT_EQ(document.nodes[0].origin, 4); // of all <node> elements, with those left out
+    EXPECT_EQ(document.nodes[1].id, "b");
+    EXPECT_EQ(document.nodes[1].origin, 6);
+    ASSERT_EQ(document.nodes[0].properties.size(), 2U);
+    EXPECT_EQ(document.nodes[0].properties[0].value, "Yes");
+    EXPECT_EQ(document.nodes[0].properties[1].name, "Three");
+    ASSERT_EQ(document.connections.size(), 1U);
+    EXPECT_EQ(document.connections[0].line, 15);
+    EXPECT_EQ(document.connections[0].origin, 1);
+    ASSERT_EQ(document.outputs.size(), 1U);
+    EXPECT_EQ(document.outputs[0].origin, 1);
+    ASSERT_EQ(document.bindings.size(), 1U);
+    EXPECT_EQ(document.bindings[0].line, 19);
+    EXPECT_EQ(document.bindings[0].origin, 1);
+}
+
+TEST(ParseMaterialWithErrors, RemembersWhatItLeftOut) {
+    Errors errors;
+    const MaterialDocument document = parseMaterial(
+        documentText("<node id=\"typeless\"><property name=\"Name\" kind=\"string\" value=\"N\"/></node>\n"
+                     "<node id=\"a\" type=\"T\"><property name=\"P\"/></node>\n"
+                     "<connection source=\"a\" destination=\"b\" input=\"i\"/>\n"
+                     "<output name=\"colour\" port=\"p\"/>\n"),
+        sampleFile, &errors);
+    EXPECT_EQ(errors.size(), 4U);
+    ASSERT_EQ(document.leftOut.nodes.size(), 1U);
+    EXPECT_EQ(document.leftOut.nodes[0].id, "typeless");
+    EXPECT_EQ(document.leftOut.nodes[0].type, "");
+    ASSERT_EQ(document.leftOut.nodes[0].properties.size(), 1U);
+    EXPECT_EQ(document.leftOut.nodes[0].properties[0].value, "N");
+    EXPECT_EQ(document.leftOut.doubtful, (Lines{"typeless", "a"}));
+    ASSERT_EQ(document.leftOut.connections.size(), 1U);
+    EXPECT_EQ(document.leftOut.connections[0].source, "a");
+    EXPECT_EQ(document.leftOut.connections[0].output, "");
+    EXPECT_EQ(document.leftOut.connections[0].input, "i");
+    ASSERT_EQ(document.leftOut.outputs.size(), 1U);
+    EXPECT_EQ(document.leftOut.outputs[0].name, "colour");
+}
+
+TEST(ParseMaterialWithErrors, EndsAtWhatIsNoMaterialDocument) {
+    for (const std::string text :
+         {"", "<material version=\"1\" name=\"A\">", "<shader/>", "<material xmlns=\"urn:x\"/>",
+          "<material version=\"2\" name=\"A\"/>", "<material name=\"A\"/>"}) {
+        Errors errors;
+        EXPECT_NE(hostErrorOf([&] { parseMaterial(text, sampleFile, &errors); }), testing::noError) << text;
+        EXPECT_TRUE(errors.empty()) << text;
+    }
+}
+
+TEST(ParseMaterialWithErrors, FindsNothingInASoundDocument) {
+    const std::string text =
+        documentText(testing::node("a", "T", testing::property("P", "bool", "Yes")) +
+                     testing::connection("a", "o", "a", "i") + testing::output("colour", "a", "o"));
+    Errors errors;
+    EXPECT_EQ(parseMaterial(text, sampleFile, &errors), parseMaterial(text, sampleFile));
+    EXPECT_TRUE(errors.empty());
 }
 
 } // namespace

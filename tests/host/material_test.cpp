@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace patina {
 namespace {
@@ -189,6 +190,63 @@ TEST(BuildMaterial, ChecksASavedType) {
     expectErrorAt(buildError("\n" + node("a", "CoreUv", property("Type", "enum", "CoreUv"))), 3, {"Type"});
 }
 
+/// What a building that goes on after errors finds, as lines.
+std::vector<std::string> buildErrors(const std::string& body, Material& material) {
+    Warnings warnings;
+    Errors errors;
+    material = buildMaterial(testing::parsed(body), testing::corePlugins(), warnings, &errors);
+    std::vector<std::string> lines;
+    for (const HostError& error : errors) {
+        lines.emplace_back(error.what());
+    }
+    return lines;
+}
+
+TEST(BuildMaterial, ReportsEveryRefusedPropertyAndLoadsTheRest) {
+    Material material;
+    EXPECT_EQ(
+        buildErrors("<node id=\"m\" type=\"CoreMaths\">\n" + property("Function", "enum", "Cross") + "\n" +
+                        property("PositionX", "float", "7") + "\n" +
+                        property("Execution Level", "enum", "Pixel") + "\n" +
+                        property("PositionY", "integer", "8") + "\n" + property("Name", "string", "Mix") +
+                        "\n" + property("BindingIndex", "integer", "9") + "\n</node>\n",
+                    material),
+        (std::vector<std::string>{
+            "sample.xml:3: error: node \"m\" (\"Mix\"): cannot copy property \"Function\" as enum \"Cross\" "
+            "is not a known enum value",
+            "sample.xml:5: error: node \"m\" (\"Mix\"): cannot copy property \"Execution Level\" as enum "
+            "\"Pixel\" is not a known enum value",
+            "sample.xml:6: error: node \"m\" (\"Mix\"): cannot copy property \"PositionY\" from property "
+            "with non-matching type"}));
+    EXPECT_EQ(propertyOf(material, 0, "PositionX").getFloat(), 7.0F);
+    EXPECT_EQ(propertyOf(material, 0, "BindingIndex").getInteger(), 9);
+    EXPECT_EQ(material.items[0].node->name(), "Mix");
+    EXPECT_TRUE(material.items[0].faulty);
+}
+
+TEST(BuildMaterial, PointsAtTheRefusedPropertyBehindOneThatDoesNotParse) {
+    Material material;
+    EXPECT_EQ(
+        buildErrors("<node id=\"m\" type=\"CoreMaths\">\n" + property("PositionX", "float", "far") + "\n" +
+                        property("Function", "enum", "Cross") + "\n</node>\n",
+                    material),
+        (std::vector<std::string>{
+            "sample.xml:3: error: node \"m\": property \"PositionX\": \"far\" is not a decimal number that "
+            "a float can hold",
+            "sample.xml:4: error: node \"m\" (\"Maths\"): cannot copy property \"Function\" as enum "
+            "\"Cross\" is not a known enum value"}));
+}
+
+TEST(BuildMaterial, ReportsANewerPropertySetOnce) {
+    Material material;
+    EXPECT_EQ(buildErrors("<node id=\"a\" type=\"CoreMaths\" version=\"1\">\n" +
+                              property("Function", "enum", "Cross") + "</node>\n",
+                          material),
+              std::vector<std::string>{"sample.xml:2: error: node \"a\" (\"Maths\"): Cannot convert "
+                                       "\"CoreMaths\" version 1 properties into version 0 properties. Are "
+                                       "you running with an old DLL?"});
+}
+
 // References
 
 TEST(BuildMaterial, UpdatesANodeAfterThoseItRefersTo) {
@@ -275,6 +333,30 @@ TEST(BuildMaterial, LetsAPlaceholderStandInForUnknownTypes) {
         "This node has been created as a placeholder because a node of type \"StudioFur\" could not be "
         "created. You need to either reload this material using the correct plug-in DLLs or replace this "
         "node with alternatives.");
+}
+
+TEST(BuildMaterial, OpensANodeOfAnUnknownTypeWhateverIsSaved) {
+    const std::string text = testing::documentText(
+        node("f", "StudioFur",
+             property("Length", "float", "1e99") + property("Name", "enum", "Rim") +
+                 property("PositionX", "integer", "3") + property("PositionY", "float", "2.5") +
+                 property("BindingIndex", "integer", "many") + property("Skin", "node", "ghost") +
+                 property("Type", "enum", "Other") + property("BindingGroup", "string", "Hair")));
+    Warnings warnings;
+    const Material material =
+        buildMaterial(parseMaterial(text, testing::sampleFile), testing::corePlugins(), warnings);
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_EQ(diagnosticText(warnings[0].position, "warning", warnings[0].text),
+              "sample.xml:2: warning: no plug-in offers the type \"StudioFur\" of node \"f\"; a placeholder "
+              "stands in for it");
+    EXPECT_EQ(material.items.at(0).node->typeName(), "StudioFur");
+    EXPECT_EQ(material.items[0].node->name(), "Default");
+    EXPECT_EQ(propertyOf(material, 0, "PositionX").getFloat(), 0.0F);
+    EXPECT_EQ(propertyOf(material, 0, "PositionY").getFloat(), 2.5F);
+    EXPECT_EQ(propertyOf(material, 0, "BindingIndex").getInteger(), 0);
+    EXPECT_EQ(propertyOf(material, 0, "BindingGroup").getString(), "Hair");
+    EXPECT_FALSE(material.items[0].faulty);
+    EXPECT_EQ(printMaterial(material.document), text);
 }
 
 TEST(BuildMaterial, FailsAnExportWithThePlaceholdersMessage) {

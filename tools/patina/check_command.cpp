@@ -1,5 +1,4 @@
 #include "host/check.h"
-#include "host/document.h"
 #include "tools/patina/command.h"
 #include "tools/patina/terminal.h"
 
@@ -28,12 +27,6 @@ void printReport(const CheckReport& report) {
         printDiagnostic(error.what());
     }
     printWarnings({warning, report.warnings.end()});
-}
-
-CheckReport checkFile(const std::string& file, const PluginSet& plugins) {
-    CheckReport report;
-    attempt(&report.errors, [&] { report = checkMaterial(readMaterial(file), plugins); });
-    return report;
 }
 
 int runCheck(const CheckOptions& options, const CommandLine& commandLine) {
