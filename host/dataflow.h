@@ -46,6 +46,7 @@ struct Dataflow {
 /// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, for
 /// missing, unknown and misshapen outputs, and for interface parameters that nobody or more than one writes.
 /// With `errors`, goes on with the next connection or output and puts them there; there is no dataflow then.
+/// Threads: as the material, one thread at a time.
 Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr);
 
 } // namespace patina

@@ -8,8 +8,10 @@
 
 namespace patina {
 
-/// Whether a text can name a file on every system: not empty, no separators, no control characters, not "."
-/// or "..".
+// [thread-safe], as long as no two threads write the same file.
+
+/// Whether a text can name a file on every system: not empty, not "." or "..", without control characters and
+/// without / \ : * ? " < > |
 bool isFileName(std::string_view text);
 
 /// The bytes of a document. Throws HostError, at line 1, when it cannot be read or is larger than `sizeLimit`

@@ -8,7 +8,7 @@ namespace patina {
 /// from destinations back to sources. What an earlier resolution found is forgotten first.
 ///
 /// Throws HostError when the inputs of a node have different widths, naming both sources. With `errors`, goes
-/// on with the next node and puts them there.
+/// on with the next node and puts them there. Threads: as the material, one thread at a time.
 void resolveMaterial(Material& material, Errors* errors = nullptr);
 
 } // namespace patina
