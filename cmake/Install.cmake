@@ -23,7 +23,10 @@ install(FILES docs/patina.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES tools/patina/completions/patina.bash
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
   RENAME patina)
-install(FILES tools/patina/completions/_patina DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES tools/patina/completions/_patina DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+
+# laid out like the tree, so that the documents' links lead somewhere in both
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES bench/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN "*.1" EXCLUDE)
-install(DIRECTORY examples/materials DESTINATION ${CMAKE_INSTALL_DATADIR}/patina/examples)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN build EXCLUDE)

@@ -23,7 +23,7 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION non-free/graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS graphviz)
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, libxml2-dev")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, g++, libxml2-dev, nettle-dev")
 
 configure_file(${PROJECT_SOURCE_DIR}/packaging/debian/changelog.in
   ${PROJECT_BINARY_DIR}/packaging/debian/changelog @ONLY)

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <memory>
-#include <string>
 
 namespace patina {
 

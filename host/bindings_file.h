@@ -12,6 +12,8 @@
 
 namespace patina {
 
+// Threads: as the material and its bindings, one thread at a time.
+
 /// The stages as a bindings file names them.
 inline constexpr const char* vertexStageName = "vertex";
 inline constexpr const char* fragmentStageName = "fragment";
@@ -61,12 +63,11 @@ ExportedProgram describeProgram(const std::string& stage, const OutputFile& prog
 std::vector<ExportedBinding> describeBindings(const BindingCollection& bindings, const Dataflow& flow,
                                               const RegisterAssignment& registers);
 
-/// The annotations of a binding as a bindings file has them: also an artist's key that
-/// was emptied, and behind them, as
-/// "exported_" and the key, what the graph set. Throws what the binding throws.
+/// The annotations of a binding as a bindings file has them: also an artist's key that was emptied, and
+/// behind them, as "exported_" and the key, what the graph set. Throws what the binding throws.
 Annotations fileAnnotations(const ExportedBinding& exported);
 
-/// The file as an XML document; docs/bindings-file.md describes it.
+/// The file as an XML document; docs/bindings-file.md describes it. Throws what the bindings throw.
 std::string printBindings(const BindingsFile& file);
 
 } // namespace patina

@@ -52,6 +52,7 @@ struct Dataflow {
 /// With `errors`, goes on with the next connection or output and puts them there, but for what only follows
 /// from nodes that are faulty or whose code is incomplete. Sources may be missing then, of inputs, the colour
 /// and alpha; without a colour output, every node counts as needed.
+/// Threads: as the material, one thread at a time.
 Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr);
 
 } // namespace patina

@@ -9,6 +9,8 @@
 
 namespace patina {
 
+// Errors and warnings. The functions are thread-safe; copies of a HostError may be used in different threads.
+
 /// A place in a file; line 0 stands for the file as a whole.
 struct SourcePosition {
     std::string file;

@@ -17,7 +17,8 @@ namespace patina {
 // Everything here is plain data, to be changed at will and written back by document_writer.h. `line` and
 // `origin` say where a thing stands in the document's source: a copy of it that is changed keeps them, and a
 // new thing has none. Equality looks at what a document means, and so neither at them, nor at file, source
-// and what was left out.
+// and what was left out. Threads: one document may be read by many threads at once; the functions are
+// thread-safe.
 
 /// Of a thing that does not stand in the source.
 inline constexpr int noOrigin = -1;

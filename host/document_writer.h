@@ -19,11 +19,12 @@ namespace patina {
 ///
 /// Throws HostError, naming the node and property, for what no document can hold: a text with characters that
 /// XML or the document's encoding does not allow, a material's name that names no file, an id that is empty,
-/// and an id, property or tag that is there twice.
+/// and an id, property or tag that is there twice. [thread-safe]
 std::string printMaterial(const MaterialDocument& document);
 
 /// Prints a document into a file, which is replaced whole or, when HostError is thrown, not touched; see
 /// replaceFile. What became of the file since it was read does not count.
+/// [thread-safe]
 void writeMaterial(const MaterialDocument& document, const std::filesystem::path& file);
 
 } // namespace patina

@@ -11,6 +11,7 @@
 namespace patina::detail {
 
 // The XML of material documents: what their reader and their writer share.
+// Threads: as xml.h for the trees, each in one thread at a time; the rest is thread-safe.
 
 /// Whether a node of the tree is an element of that name in no namespace, as all elements of material
 /// documents are.

@@ -5,6 +5,7 @@
 namespace patina {
 
 /// A dynamically loaded module; unloads it when destroyed.
+/// Threads: load from one thread at a time; find and extension are thread-safe.
 class DynamicLibrary {
 public:
     /// Throws HostError when the module cannot be loaded.

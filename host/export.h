@@ -10,9 +10,11 @@
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace patina {
+
+// Threads: any number may export at once, each its own material; two that write into one directory write
+// different files. A PluginSet may be shared once all plug-ins are added.
 
 /// What an export does beside what it always does.
 struct ExportOptions {
@@ -49,7 +51,8 @@ ExportedMaterial prepareExport(const std::filesystem::path& document, const std:
                                const PluginSet& plugins, Warnings& warnings,
                                const ExportOptions& options = {});
 
-/// Writes what was prepared into the directory, all files or none; see writeFiles. Throws HostError.
+/// Writes what was prepared into the directory, all files or none, and gives the number of files that
+/// changed; see writeFiles. Throws HostError.
 std::size_t writeExport(const ExportedMaterial& exported, const std::filesystem::path& directory);
 
 /// prepareExport and writeExport in one.

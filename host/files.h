@@ -8,8 +8,10 @@
 
 namespace patina {
 
+// [thread-safe], as long as no two threads write the same file.
+
 /// Whether a text can name a file on every system, with an ending behind it: neither empty nor longer than
-/// 200 bytes, not "." or "..", and without control characters and any of `/ \ : * ? " < > |`. [thread-safe]
+/// 200 bytes, not "." or "..", and without control characters and any of `/ \ : * ? " < > |`.
 bool isFileName(std::string_view text);
 
 /// The bytes of a document. Throws HostError, at line 1, when it cannot be read or is larger than `sizeLimit`

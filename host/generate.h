@@ -18,6 +18,7 @@ struct GeneratedGraph {
 /// Has every node of a resolved material emit its code, in document order.
 /// Throws HostError, naming the node, when one cannot: first of all for a placeholder. With `errors`, goes on
 /// with the next node and puts them there; the graph is incomplete then.
+/// Threads: as the material, one thread at a time.
 GeneratedGraph generateGraph(const Material& material, Errors* errors = nullptr);
 
 } // namespace patina

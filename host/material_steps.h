@@ -11,7 +11,8 @@
 
 namespace patina::detail {
 
-// The steps of which both building and editing a material consist.
+// The steps of which both building and editing a material consist. Threads: as the material, one thread at a
+// time.
 
 inline constexpr const char* placeholderType = "CoreDefault";
 inline constexpr const char* typePropertyName = "Type";

@@ -24,6 +24,7 @@ struct ShaderNames {
 ///
 /// Throws HostError, naming the nodes, when a parameter has a reserved name, or when two parameters of one
 /// name differ in kind or type. With `errors`, goes on with the next parameter and puts them there.
+/// Threads: as the material, one thread at a time.
 ShaderNames nameShader(const Material& material, const Dataflow& flow, const StagedShader& shader,
                        Errors* errors = nullptr);
 

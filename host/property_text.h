@@ -10,6 +10,7 @@
 namespace patina::detail {
 
 // Values of properties as documents write them. Nothing here looks at the locale of the process.
+// Threads: as the property's node, one thread at a time.
 
 /// Gives the node of an id, for a property in that line; throws HostError when there is none.
 using NodeOfId = std::function<std::shared_ptr<MaterialNode>(const std::string& id, int line)>;

@@ -9,6 +9,7 @@ namespace patina {
 ///
 /// Throws HostError when the inputs of a node have different widths, naming both sources. With `errors`, goes
 /// on with the next node, puts them there, and marks the node as faulty.
+/// Threads: as the material, one thread at a time.
 void resolveMaterial(Material& material, Errors* errors = nullptr);
 
 } // namespace patina

@@ -14,6 +14,8 @@ namespace patina {
 
 // What was saved of bindings: in the material's document, and in the bindings file of an earlier export. Both
 // tell what the artist changed in the same way: it is whatever differs from what they say was exported.
+//
+// Threads: reading is thread-safe; the rest is as the material and its bindings, one thread at a time.
 
 /// A binding as it stands in the file.
 struct SavedBinding {

@@ -49,7 +49,7 @@ struct StagedShader {
 /// compute, when there are too few interpolant registers, and when nodes claim a register that does not
 /// exist, that belongs to the framework, or that another node claims for something else. With `errors`, goes
 /// on with the next node and puts them there; the division is incomplete then, as it is where the dataflow
-/// lacks sources.
+/// lacks sources. Threads: as the material, one thread at a time.
 StagedShader placeInStages(const Material& material, const Dataflow& flow, Errors* errors = nullptr);
 
 } // namespace patina

@@ -7,7 +7,7 @@ namespace patina {
 
 /// Refuses generated code that no compiler takes, while it is known whose code it is: the constants `inf` and
 /// `nan`, which come of a division by a setting that is zero. Throws HostError, naming the node;
-/// with `errors`, puts one there for each such node.
+/// with `errors`, puts one there for each such node. Threads: as the material, one thread at a time.
 void verifyCode(const Material& material, const Dataflow& flow, Errors* errors = nullptr);
 
 } // namespace patina

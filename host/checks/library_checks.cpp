@@ -1,7 +1,6 @@
 #include "host/checks/checks.h"
 
 #include "host/xpm.h"
-#include "nodemodel/text.h"
 
 #include <algorithm>
 #include <set>

@@ -4,6 +4,7 @@
 #include "bindings/bindings.h"
 #include "host/dependency_order.h"
 #include "host/document.h"
+#include "host/framework_values.h"
 #include "host/xml.h"
 #include "nodemodel/text.h"
 #include "shadergraph/shadergraph.h"
@@ -34,6 +35,7 @@ public:
         node_->resolveComponentCounts();
         pushPrecision(*node_, demand);
         node_->resolvePrecision();
+        generator_.graph->interfaceProviders.push_back(makeFrameworkValues());
         refused_ = isRefused([&] { node_->generateCode(generator_); });
     }
 

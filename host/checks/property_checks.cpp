@@ -1,12 +1,9 @@
 #include "host/checks/checks.h"
 
-#include "nodemodel/text.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
-#include <map>
 
 namespace patina::detail {
 

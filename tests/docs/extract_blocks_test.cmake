@@ -9,7 +9,7 @@ function(extract text)
   file(WRITE ${document} "${text}")
   execute_process(
     COMMAND ${CMAKE_COMMAND} -DDOCUMENT=${document} -DDIRECTORY=${directory}
-      -P ${CMAKE_CURRENT_LIST_DIR}/extract_blocks.cmake
+      ${ARGN} -P ${CMAKE_CURRENT_LIST_DIR}/extract_blocks.cmake
     RESULT_VARIABLE result ERROR_VARIABLE errors)
   set(result ${result} PARENT_SCOPE)
   set(errors "${errors}" PARENT_SCOPE)
@@ -49,7 +49,7 @@ int a[] = { 1, 2 }; // ${x} @y@ "quoted" \n \\ ;
 	indented( "]]" );
 ```
 text
-```text
+```text untested: because
 left alone
 ```
 ```xml file=sub/b.xml
@@ -76,11 +76,50 @@ one;two
 ```sh
 printf three > word
 ```
-```console
-$ false
+```sh untested: it fails
+false
 ```
 ]])
 expect_file(word "three")
+
+# files can be shown, and parts of them
+expect_accepted([[
+```json file=list.json
+{
+  "list": [
+    {
+      "a": 1
+    },
+    2
+  ]
+}
+```
+```sh
+cp list.json copy.json
+```
+```json same=copy.json
+{
+  "list": [
+    {
+      "a": 1
+    },
+    2
+  ]
+}
+```
+```json within=copy.json
+{
+  "a": 1
+}
+```
+]])
+
+# the reader has files already
+file(WRITE ${WORK_DIRECTORY}/root/sub/word "four\n")
+extract("```text same=sub/word\nfour\n```\n" -DROOT=${WORK_DIRECTORY}/root)
+if(NOT result EQUAL 0)
+  message(SEND_ERROR "the root is not copied:\n${errors}")
+endif()
 
 # nothing stays from an earlier run
 expect_accepted("```text file=other\n```\n")
@@ -95,4 +134,13 @@ expect_refused(2 "no commands come before this output" "\n```text output\none\n`
 expect_refused(5 "this block does not end" "```sh\ntrue\n```\n\n```sh\ntrue\n")
 expect_refused(1 "\"../a\" is no file below the directory" "```text file=../a\n```\n")
 expect_refused(1 "\"/a\" is no file below the directory" "```text file=/a\n```\n")
-expect_refused(1 "nothing here is to be written or run" "# Title\n\n```text\na\n```\n")
+expect_refused(2 "there is no file \"a\"" "\n```text same=a\na\n```\n")
+expect_refused(1 "\"../a\" is no file below the directory" "```text within=../a\n```\n")
+expect_refused(4 "\"a\" holds something else: one" "```text file=a\none\n```\n```text same=a\none\n\n```\n")
+expect_refused(4 "this is not in \"a\"" "```text file=a\none\n```\n```text within=a\nne\n```\n")
+expect_refused(3 "nothing says what becomes of this block" "# Title\n\n```text\na\n```\n")
+expect_refused(1 "nothing says what becomes of this block" "```\na\n```\n")
+expect_refused(1 "nothing says what becomes of this block" "```sh untested: \na\n```\n")
+expect_refused(3 "an indented block" "Title\n\n    a\n\n```sh\ntrue\n```\n")
+expect_refused(6 "an indented block" "```sh\ntrue\n```\nTitle\n\n    a\n")
+expect_refused(1 "there is no block here" "# Title\n")

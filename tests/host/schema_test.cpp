@@ -95,6 +95,24 @@ TEST(Schema, AgreesWithTheReader) {
     }
 }
 
+struct OutputRow {
+    const char* name;
+    int verdict;
+};
+
+constexpr OutputRow outputs[] = {
+    {"colour", valid}, {"alpha", valid}, {"color", invalid}, {"Colour", invalid}, {"", invalid},
+};
+
+// The reader leaves it to an export to refuse other outputs.
+TEST(Schema, TakesTheOutputsThatMaterialsHave) {
+    const TemporaryDirectory directory;
+    for (const auto& [name, verdict] : outputs) {
+        const std::string output = std::string("<output name=\"") + name + "\" source=\"a\" port=\"p\"/>";
+        EXPECT_EQ(validate(directory.write("a.xml", testing::documentText(output))), verdict) << name;
+    }
+}
+
 struct ValueRow {
     const char* kind;
     const char* value;

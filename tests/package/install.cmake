@@ -11,8 +11,9 @@ foreach(file
     share/doc/patina/README.md
     share/doc/patina/docs/material-document.md
     share/man/man1/patina.1
-    share/patina/examples/materials/painted_metal.xml
-    share/zsh/vendor-completions/_patina)
+    share/doc/patina/examples/materials/painted_metal.xml
+    share/doc/patina/examples/plugin/CMakeLists.txt
+    share/zsh/site-functions/_patina)
   if(NOT EXISTS ${PREFIX}/${file})
     message(FATAL_ERROR "${file} was not installed")
   endif()

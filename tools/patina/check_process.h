@@ -9,6 +9,8 @@
 
 namespace patina::tool {
 
+// Threads: makeCheck is thread-safe; reportCheck is for a process that does nothing else.
+
 /// Something that a check found wrong.
 struct CheckFinding {
     std::string nodeType; ///< empty: the plug-in as a whole

@@ -14,6 +14,8 @@
 
 namespace patina::tool {
 
+// Threads: errorLine and counted are thread-safe; all else is for one thread at a time.
+
 // Exit codes.
 inline constexpr int success = 0;
 inline constexpr int failure = 1;    ///< an error in the input
