@@ -297,9 +297,10 @@ TEST(Usage, ShowsHelpWithExamples) {
 
 TEST(Plugins, ComeFromThreePlaces) {
     const TemporaryDirectory directory;
-    const auto material = directory.write("m.xml", documentText(node("p", "Plain") + maths("m", "Invert") +
-                                                                connection("p", "out", "m", "in_value1") +
-                                                                output("colour", "m", "out_value")));
+    const auto material =
+        directory.write("m.xml", documentText(node("p", "Plain") + maths("m", "Invert") +
+                                              connection("p", "out_value", "m", "in_value1") +
+                                              output("colour", "m", "out_value")));
     const std::vector<std::string> arguments = {"export", material.string(), "-q", "-o",
                                                 directory.path().string()};
     EXPECT_EQ(patina(arguments).exitCode, 1) << "a placeholder";
@@ -337,8 +338,8 @@ TEST(Plugins, WhoseNodesThrowDoNotCrashTheCommand) {
     for (const char* type : {"ThrowingCode", "ThrowingBinding", "ThrowingUpdate", "ThrowingResolution",
                              "ThrowingLoad", "ThrowingConstructor"}) {
         const TemporaryDirectory directory;
-        const auto material =
-            directory.write("m.xml", documentText("\n" + node("h", type) + output("colour", "h", "out")));
+        const auto material = directory.write(
+            "m.xml", documentText("\n" + node("h", type) + output("colour", "h", "out_value")));
         const Outcome outcome = patina({"export", material.string(), "-o", directory.path().string(),
                                         "--plugin", testPlugin("hostile_nodes")});
         EXPECT_EQ(outcome.exitCode, 1) << type;

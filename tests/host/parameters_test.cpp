@@ -24,13 +24,14 @@ constexpr ShaderType float2 = {ComponentType::Float, 2, 1, 1};
 constexpr ShaderType float3 = {ComponentType::Float, 3, 1, 1};
 constexpr ShaderType float4 = {ComponentType::Float, 4, 1, 1};
 
-/// A node whose code is the test's; its output "out" has three components.
+/// A node whose code is the test's; its output "result" has three components.
 class CodeNode : public MaterialNode {
 public:
-    using Code = std::function<Handle(GraphGenerator&)>; ///< gives the node with the port "out", or nothing
+    using Code =
+        std::function<Handle(GraphGenerator&)>; ///< gives the node with the port "result", or nothing
 
     explicit CodeNode(Code code) : MaterialNode("Code"), code_(std::move(code)) {
-        outputs.emplace_back("out");
+        outputs.emplace_back("result");
         outputs.back().setComponentCount(3);
         outputs.back().setPrecision(2);
     }
@@ -44,7 +45,7 @@ private:
     Code code_;
 };
 
-/// A material of nodes "a", "b" and so on, in lines from 10, whose last one's "out" is the colour.
+/// A material of nodes "a", "b" and so on, in lines from 10, whose last one's "result" is the colour.
 class Sample {
 public:
     explicit Sample(const std::vector<CodeNode::Code>& codes) {
@@ -64,7 +65,7 @@ public:
         output.name = "colour";
         output.source = material_.items.size() - 1;
         output.record = std::make_shared<NodeConnection>();
-        output.record->sourcePort = "out";
+        output.record->sourcePort = "result";
         material_.items.back().node->outputLinks.push_back(output.record);
         material_.outputs.push_back(output);
     }
@@ -87,14 +88,14 @@ Handle emitFunction(GraphGenerator& generator, const std::vector<Handle>& inputs
                     ExecutionLevel level = ExecutionLevel::Automatic, const std::string& name = "f") {
     FunctionBuilder builder;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        builder.addInput(inputs[i]->type, "in" + std::to_string(i));
+        builder.addInput(inputs[i]->type, "value" + std::to_string(i));
     }
-    builder.addOutput(output, "out");
-    builder.appendCode("\tout = 0.5;\n");
+    builder.addOutput(output, "result");
+    builder.appendCode("\tresult = 0.5;\n");
     const Handle function = builder.makeNode(level, name);
     generator.addNode(function);
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        generator.connect(inputs[i], "read", function, "in" + std::to_string(i));
+        generator.connect(inputs[i], "read", function, "value" + std::to_string(i));
     }
     return function;
 }
@@ -125,7 +126,7 @@ CodeNode::Code writer(const std::function<Handle()>& make, const ShaderType& typ
                       ExecutionLevel level = ExecutionLevel::Automatic) {
     return [=](GraphGenerator& generator) {
         const Handle value = emitFunction(generator, {}, type, level, "source");
-        generator.connect(value, "out", submit(generator, make()), "write");
+        generator.connect(value, "result", submit(generator, make()), "write");
         return Handle();
     };
 }
@@ -145,11 +146,11 @@ TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
 	out float4 colour : COLOR0 )
 {
-	float3 a_out;
-	source( a_out );
-	float3 b_out;
-	f( a_out, b_out );
-	colour = float4( b_out, 1.0 );
+	float3 a_result;
+	source( a_result );
+	float3 b_result;
+	f( a_result, b_result );
+	colour = float4( b_result, 1.0 );
 }
 )");
     // the reader may come first
@@ -157,9 +158,9 @@ TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
 	out float4 colour : COLOR0 )
 {
-	float3 c_out;
-	f( c_out );
-	colour = float4( c_out, 1.0 );
+	float3 c_result;
+	f( c_result );
+	colour = float4( c_result, 1.0 );
 }
 )");
 }
@@ -167,9 +168,9 @@ TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
 TEST(InterfaceParameters, ConvertWhatIsWrittenToThem) {
     const ExportedMaterial shader = Sample({writer(lamp, float1), reader(lamp)}).shader();
     EXPECT_NE(shader.fragmentProgram.content.find("\tfloat3 a_out_value;\n"
-                                                  "\tpromoteAndSplat( a_out, a_out_value );\n"
-                                                  "\tfloat3 b_out;\n"
-                                                  "\tf( a_out_value, b_out );\n"),
+                                                  "\tpromoteAndSplat( a_result, a_out_value );\n"
+                                                  "\tfloat3 b_result;\n"
+                                                  "\tf( a_out_value, b_result );\n"),
               std::string::npos)
         << shader.fragmentProgram.content;
 }
@@ -233,7 +234,7 @@ TEST(InterpolantParameters, AreComputedPerVertex) {
         const Handle value = emitFunction(generator, {uv}, float3, ExecutionLevel::Automatic, "source");
         const Handle crossing =
             submit(generator, makeParameterNode(NodeKind::InterpolantParameter, {}, float3));
-        generator.connect(value, "out", crossing, "write");
+        generator.connect(value, "result", crossing, "write");
         return emitFunction(generator, {crossing}, float3);
     };
     const ExportedMaterial shader = Sample({interpolated}).shader();
@@ -244,9 +245,9 @@ TEST(InterpolantParameters, AreComputedPerVertex) {
 	out float3 interpolant0 : TEXCOORD0 )
 {
 	clipPosition = QelTransformPosition( position );
-	float3 a_out;
-	source( map1, a_out );
-	float3 a_read = a_out;
+	float3 a_result;
+	source( map1, a_result );
+	float3 a_read = a_result;
 	interpolant0.xyz = a_read;
 }
 )");
@@ -255,9 +256,9 @@ TEST(InterpolantParameters, AreComputedPerVertex) {
 	out float4 colour : COLOR0 )
 {
 	float3 a_read = interpolant0.xyz;
-	float3 a_out_2;
-	f( a_read, a_out_2 );
-	colour = float4( a_out_2, 1.0 );
+	float3 a_result_2;
+	f( a_read, a_result_2 );
+	colour = float4( a_result_2, 1.0 );
 }
 )");
 }
@@ -267,7 +268,7 @@ TEST(InterpolantParameters, RefuseFragmentValues) {
         const Handle value = emitFunction(generator, {}, float3, ExecutionLevel::Fragment, "source");
         const Handle crossing =
             submit(generator, makeParameterNode(NodeKind::InterpolantParameter, {}, float3));
-        generator.connect(value, "out", crossing, "write");
+        generator.connect(value, "result", crossing, "write");
         return emitFunction(generator, {crossing}, float3);
     };
     expectError(Sample({wrong}).error(), "sample.xml:10", {"node \"a\" (\"Code\")", "runs per fragment"});
@@ -284,11 +285,11 @@ TEST(RegisterParameters, AreReadInTheirStage) {
         FunctionBuilder builder;
         builder.addInput(float3, "a");
         builder.addInput(float3, "b");
-        builder.addOutput(float3, "out");
-        builder.appendCode("\tout = a + b;\n");
+        builder.addOutput(float3, "result");
+        builder.appendCode("\tresult = a + b;\n");
         const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Automatic, "add"));
-        generator.connect(scaled, "out", last, "a");
-        generator.connect(sum, "out", last, "b");
+        generator.connect(scaled, "result", last, "a");
+        generator.connect(sum, "result", last, "b");
         return last;
     };
     const ExportedMaterial shader = Sample({both}).shader();
@@ -302,9 +303,9 @@ TEST(RegisterParameters, AreReadInTheirStage) {
 	float2 extra : ATTR5 )
 {
 	clipPosition = QelTransformPosition( position );
-	float3 a_out;
-	scale( extra, strength, a_out );
-	interpolant0.xyz = a_out;
+	float3 a_result;
+	scale( extra, strength, a_result );
+	interpolant0.xyz = a_result;
 }
 )");
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
@@ -312,12 +313,12 @@ TEST(RegisterParameters, AreReadInTheirStage) {
 	out float4 colour : COLOR0,
 	float2 WPOS : WPOS )
 {
-	float3 a_out = interpolant0.xyz;
-	float3 a_out_2;
-	f( WPOS, a_out_2 );
-	float3 a_out_3;
-	add( a_out, a_out_2, a_out_3 );
-	colour = float4( a_out_3, 1.0 );
+	float3 a_result = interpolant0.xyz;
+	float3 a_result_2;
+	f( WPOS, a_result_2 );
+	float3 a_result_3;
+	add( a_result, a_result_2, a_result_3 );
+	colour = float4( a_result_3, 1.0 );
 }
 )");
 }
@@ -333,21 +334,21 @@ TEST(RegisterParameters, AreWrittenWithoutAnyOtherReader) {
 	out float PSIZE : PSIZE )
 {
 	clipPosition = QelTransformPosition( position );
-	float b_out;
-	source( b_out );
-	PSIZE = b_out;
+	float b_result;
+	source( b_result );
+	PSIZE = b_result;
 }
 )");
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
 	out float4 colour : COLOR0,
 	out float depth : DEPTH )
 {
-	float a_out;
-	source( a_out );
-	float3 c_out;
-	f( c_out );
-	colour = float4( c_out, 1.0 );
-	depth = a_out;
+	float a_result;
+	source( a_result );
+	float3 c_result;
+	f( c_result );
+	colour = float4( c_result, 1.0 );
+	depth = a_result;
 }
 )");
 }
@@ -363,9 +364,9 @@ TEST(RegisterParameters, AreSharedByReadersOfOneType) {
 	out float4 colour : COLOR0,
 	float2 WPOS : WPOS )
 {
-	float3 a_out;
-	f( WPOS, WPOS, a_out );
-	colour = float4( a_out, 1.0 );
+	float3 a_result;
+	f( WPOS, WPOS, a_result );
+	colour = float4( a_result, 1.0 );
 }
 )");
 }
@@ -374,11 +375,11 @@ TEST(RegisterParameters, LeaveNoRoomForPackedInterpolants) {
     const auto crossing = [](GraphGenerator& generator) {
         const Handle vertex = emitFunction(generator, {}, float4, ExecutionLevel::Vertex, "source");
         FunctionBuilder builder;
-        builder.addInput(float4, "in");
-        builder.addOutput(float3, "out");
-        builder.appendCode("\tout = in.xyz;\n");
+        builder.addInput(float4, "value");
+        builder.addOutput(float3, "result");
+        builder.appendCode("\tresult = value.xyz;\n");
         const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Fragment, "f"));
-        generator.connect(vertex, "out", last, "in");
+        generator.connect(vertex, "result", last, "value");
         return last;
     };
     const ExportedMaterial shader =
@@ -390,12 +391,12 @@ TEST(RegisterParameters, LeaveNoRoomForPackedInterpolants) {
 	out float2 mine : TEXCOORD0 )
 {
 	clipPosition = QelTransformPosition( position );
-	float2 a_out;
-	source( a_out );
-	float4 b_out;
-	source_2( b_out );
-	interpolant0.xyzw = b_out;
-	mine = a_out;
+	float2 a_result;
+	source( a_result );
+	float4 b_result;
+	source_2( b_result );
+	interpolant0.xyzw = b_result;
+	mine = a_result;
 }
 )");
 }
@@ -451,11 +452,11 @@ TEST(InnerEdges, OfTypesThatDoNotConvertAreRefused) {
     const auto wrong = [](GraphGenerator& generator) {
         const Handle pair = submit(generator, makeUniformParameter("pair", float2));
         FunctionBuilder builder;
-        builder.addInput(float3, "in");
-        builder.addOutput(float3, "out");
+        builder.addInput(float3, "value");
+        builder.addOutput(float3, "result");
         const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Automatic, "last"));
         // the graph itself takes every edge
-        generator.graph->connect(pair, "read", last, "in");
+        generator.graph->connect(pair, "read", last, "value");
         return last;
     };
     expectError(
