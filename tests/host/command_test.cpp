@@ -68,8 +68,8 @@ TEST(Export, WritesThreeFiles) {
     EXPECT_EQ(outcome.errors, "");
     EXPECT_NE(outcome.output.find("Rusty"), std::string::npos) << outcome.output;
     EXPECT_EQ(stateOf(target).size(), 3U);
-    EXPECT_EQ(readText(target / "Rusty.vert.cg").rfind("// Rusty, vertex program.", 0), 0U);
-    EXPECT_EQ(readText(target / "Rusty.frag.cg").rfind("// Rusty, fragment program.", 0), 0U);
+    EXPECT_EQ(readText(target / "Rusty.vert.cg").rfind("// Vertex program.", 0), 0U);
+    EXPECT_EQ(readText(target / "Rusty.frag.cg").rfind("// Fragment program.", 0), 0U);
     EXPECT_EQ(readText(target / "Rusty.bindings.xml"),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<bindings version=\"1\" material=\"Rusty\">\n"

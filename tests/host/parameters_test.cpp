@@ -200,7 +200,7 @@ TEST(FrameworkValues, GiveTheObjectPositionOnce) {
         return emitFunction(generator, {submit(generator, interfaceOf("objectPosition", float3))}, float3);
     };
     const ExportedMaterial shader = Sample({read, read}).shader();
-    EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
+    EXPECT_EQ(shader.vertexProgram.content, R"(// Vertex program. Written by patina.
 
 // node "a" ("Code")
 void objectPositionCode( float4 in_position, out float3 out_position )
@@ -490,7 +490,7 @@ TEST(PrintOptions, TheFrameworkIsLeftOut) {
     ExportOptions options;
     options.print.framework = false;
     const ExportedMaterial shader = exportMaterial(material, options);
-    EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
+    EXPECT_EQ(shader.vertexProgram.content, R"(// Vertex program. Written by patina.
 
 void main(
 	float4 position : ATTR0,

@@ -38,8 +38,8 @@ float4 QelTransformPosition( float4 position )
 }
 )";
 
-const std::string vertexHeader = "// Sample, vertex program. Written by patina.\n" + vertexFramework;
-const std::string fragmentHeader = "// Sample, fragment program. Written by patina.\n" + framework;
+const std::string vertexHeader = "// Vertex program. Written by patina.\n" + vertexFramework;
+const std::string fragmentHeader = "// Fragment program. Written by patina.\n" + framework;
 
 void expectPrograms(const std::string& body, const std::string& vertex, const std::string& fragment) {
     const ExportedMaterial material = exported(body);
