@@ -194,6 +194,134 @@ TEST(InterfaceParameters, MayNotFeedThemselves) {
     expectError(Sample({back}).error(), "sample.xml:10", {"node \"a\" (\"Code\")", "interface parameter"});
 }
 
+TEST(InterfaceParameters, NameAllThatFeedThemselves) {
+    const auto passed = [](const char* from, const char* to) {
+        return [=](GraphGenerator& generator) {
+            const Handle value =
+                emitFunction(generator, {submit(generator, interfaceOf(from, float3))}, float3);
+            generator.connect(value, "result", submit(generator, interfaceOf(to, float3)), "write");
+            return value;
+        };
+    };
+    EXPECT_EQ(
+        Sample({passed("lamp", "mirror"), passed("mirror", "lamp")}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): this needs its own value, through node \"b\" "
+        "(\"Code\") and interface parameter \"lamp\" (float3,flags=0) and interface parameter \"mirror\" "
+        "(float3,flags=0); take one of them out of the cycle");
+    EXPECT_EQ(Sample({passed("lamp", "lamp")}).error(),
+              "sample.xml:10: error: node \"a\" (\"Code\"): the code of this node depends on itself through "
+              "interface parameter \"lamp\" (float3,flags=0); report this to the author of its plug-in");
+}
+
+/// Gives what it was made with for "lamp", and nothing else.
+class LampProvider : public InterfaceProvider {
+public:
+    explicit LampProvider(std::function<Handle(Graph&)> make) : make_(std::move(make)) {}
+    Handle provideInterfaceNode(const std::string& name, std::int32_t flags, Graph& graph) override {
+        return name == "lamp" && flags == 0 ? make_(graph) : nullptr;
+    }
+
+private:
+    std::function<Handle(Graph&)> make_;
+};
+
+/// Reads the lamp, and brings a provider along for it.
+CodeNode::Code readerWith(std::function<Handle(Graph&)> make) {
+    return [make = std::move(make)](GraphGenerator& generator) {
+        generator.graph->interfaceProviders.push_back(std::make_shared<LampProvider>(make));
+        return emitFunction(generator, {submit(generator, lamp())}, float3);
+    };
+}
+
+TEST(InterfaceParameters, ThatNobodyWritesAreAskedOfTheProviders) {
+    const ExportedMaterial shader =
+        Sample({readerWith([](Graph&) { return makeUniformParameter("lampColour", float1); })}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0 )
+{
+	float3 lampColour_float3;
+	promoteAndSplat( lampColour, lampColour_float3 );
+	float3 a_result;
+	f( lampColour_float3, a_result );
+	colour = float4( a_result, 1.0 );
+}
+)");
+    EXPECT_NE(shader.fragmentProgram.content.find("\nuniform float lampColour : register( c0 );\n"),
+              std::string::npos)
+        << shader.fragmentProgram.content;
+}
+
+TEST(InterfaceParameters, ThatANodeWritesAreNotAskedFor) {
+    const auto provided = readerWith([](Graph&) -> Handle { throw ShaderError("asked in vain"); });
+    EXPECT_EQ(Sample({writer(lamp, float3), provided}).error(), noError);
+    EXPECT_EQ(Sample({provided}).error(), "sample.xml:10: error: node \"a\" (\"Code\"): asked in vain");
+}
+
+TEST(InterfaceParameters, AreReadFromOneAnother) {
+    // what the provider gives for the lamp reads what the framework gives
+    const auto provide = [](Graph& graph) {
+        const Handle position = interfaceOf("objectPosition", float3);
+        graph.insertNode(position);
+        FunctionBuilder builder;
+        builder.addInput(float3, "value");
+        builder.addOutput(float3, "read");
+        builder.appendCode("\tread = 2.0*value;\n");
+        const Handle function = builder.makeNode(ExecutionLevel::Vertex, "twice");
+        graph.insertNode(function);
+        graph.connect(position, "read", function, "value");
+        return function;
+    };
+    EXPECT_EQ(mainOf(Sample({readerWith(provide)}).shader().vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out_position;
+	objectPositionCode( position, a_out_position );
+	float3 a_read;
+	twice( a_out_position, a_read );
+	interpolant0.xyz = a_read;
+}
+)");
+}
+
+TEST(InterfaceParameters, NeedAValueOfTheirProvider) {
+    EXPECT_EQ(
+        Sample({readerWith([](Graph&) { return registerOf(5, 0, float1); })}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): this reads interface parameter \"lamp\" "
+        "(float3,flags=0), for which a provider gives Cg register parameter PSIZE (float), which has no "
+        "value; report this to the author of its plug-in");
+    expectError(Sample({readerWith([](Graph&) { return makeUniformParameter("pair", float2); })}).error(),
+                "sample.xml:10",
+                {"node \"a\" (\"Code\")", "uniform parameter \"pair\" (float2)", "\"lamp\""});
+    // a second parameter of the name, which nobody writes either
+    expectError(Sample({readerWith([](Graph&) { return lamp(); })}).error(), "sample.xml:10",
+                {"node \"a\" (\"Code\")", "interface parameter \"lamp\"", "no node writes"});
+}
+
+TEST(FrameworkValues, AreThereInAnyOrderOfTheDocument) {
+    const auto plain = reader([] { return interfaceOf("objectPosition", float3); });
+    const auto asking = [](GraphGenerator& generator) {
+        generator.graph->findInterfaceNode("objectPosition", 0, float3);
+        return emitFunction(generator, {submit(generator, interfaceOf("objectPosition", float3))}, float3);
+    };
+    const std::string expected = R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out_position;
+	objectPositionCode( position, a_out_position );
+	interpolant0.xyz = a_out_position;
+}
+)";
+    EXPECT_EQ(mainOf(Sample({plain}).shader().vertexProgram), expected);
+    EXPECT_EQ(mainOf(Sample({asking, plain}).shader().vertexProgram), expected);
+    EXPECT_EQ(mainOf(Sample({plain, asking}).shader().vertexProgram), expected);
+}
+
 TEST(FrameworkValues, GiveTheObjectPositionOnce) {
     const auto read = [](GraphGenerator& generator) {
         generator.graph->findInterfaceNode("objectPosition", 0, float3);
@@ -462,6 +590,47 @@ TEST(InnerEdges, OfTypesThatDoNotConvertAreRefused) {
     expectError(
         Sample({wrong}).error(), "sample.xml:10",
         {"node \"a\" (\"Code\")", "uniform parameter \"pair\" (float2)", "function \"last\" (1/1/*)"});
+}
+
+TEST(InnerEdges, OfAnInputThatIsConnectedAreRefused) {
+    class FedNode : public MaterialNode {
+    public:
+        FedNode() : MaterialNode("Fed") {
+            inputs.emplace_back("value0");
+            outputs.emplace_back("result");
+            outputs.back().setComponentCount(3);
+        }
+        void generateCode(GraphGenerator& generator) override {
+            const Handle inner = submit(generator, makeUniformParameter("inner", float3));
+            attachLinks(generator, emitFunction(generator, {inner}, float3));
+        }
+    };
+    Material material;
+    material.file = "sample.xml";
+    const auto add = [&](const std::string& id, std::shared_ptr<MaterialNode> node) {
+        MaterialItem item;
+        item.id = id;
+        item.node = std::move(node);
+        item.line = static_cast<int>(10 + material.items.size());
+        material.downstream.push_back(material.items.size());
+        material.items.push_back(item);
+    };
+    add("a", std::make_shared<CodeNode>(emitColour));
+    add("b", std::make_shared<FedNode>());
+    MaterialConnection connection;
+    connection.source = 0;
+    connection.destination = 1;
+    connection.line = 20;
+    connection.record = std::make_shared<NodeConnection>();
+    connection.record->sourcePort = "result";
+    connection.record->destinationPort = "value0";
+    material.items[0].node->outputLinks.push_back(connection.record);
+    material.items[1].node->inputLinks.push_back(connection.record);
+    material.connections.push_back(connection);
+    EXPECT_EQ(
+        hostErrorOf([&] { joinGraph(material, generateGraph(material)); }),
+        "sample.xml:20: error: node \"b\" (\"Fed\"), input \"value0\": this connection feeds \"value0\" of "
+        "function \"f\" (1/1/*), and so does the code of node \"b\" (\"Fed\"); only one of them can");
 }
 
 TEST(PrintOptions, AnnotationsNameTheTypes) {
