@@ -569,6 +569,107 @@ TEST(RegisterParameters, AreNotClaimedTwice) {
                 {"Cg register parameter WPOS (float4)", "node \"a\"", "Cg register parameter WPOS (float2)"});
 }
 
+TEST(RegisterParameters, ThatInterpolateNeedAWriter) {
+    const auto texcoord = [](std::int32_t number) {
+        return reader([=] { return registerOf(registers::fragmentInterpolant, number, float2); });
+    };
+    const auto written = [](const ShaderType& type) {
+        return writer([=] { return registerOf(registers::vertexInterpolant, 3, type, "mine"); }, type);
+    };
+    EXPECT_EQ(
+        Sample({texcoord(3)}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): this reads Cg register parameter TEXCOORD3 (float2), "
+        "and no node writes \"TEXCOORD3\" per vertex; add one that does, or read an interpolant parameter");
+    expectError(Sample({written(float2), texcoord(4)}).error(), "sample.xml:11",
+                {"node \"b\" (\"Code\")", "TEXCOORD4"});
+    EXPECT_EQ(
+        Sample({written(float3), texcoord(3)}).error(),
+        "sample.xml:11: error: node \"b\" (\"Code\"): this reads Cg register parameter TEXCOORD3 (float2), "
+        "and node \"a\" (\"Code\") writes it as float3; both must have one type");
+    const ExportedMaterial shader = Sample({written(float2), texcoord(3)}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0,
+	float2 TEXCOORD3 : TEXCOORD3 )
+{
+	float3 b_result;
+	f( TEXCOORD3, b_result );
+	colour = float4( b_result, 1.0 );
+}
+)");
+}
+
+TEST(RegisterParameters, CrossOnceForAllReaders) {
+    const auto extra = [] { return registerOf(registers::vertexAttribute, 5, float4, "extra"); };
+    const ExportedMaterial shader = Sample({[&](GraphGenerator& generator) {
+                                        const Handle first = submit(generator, extra());
+                                        const Handle second = submit(generator, extra());
+                                        return emitFunction(generator, {first, second}, float3);
+                                    }}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	float4 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0 )
+{
+	float4 extra = interpolant0.xyzw;
+	float3 a_result;
+	f( extra, extra, a_result );
+	colour = float4( a_result, 1.0 );
+}
+)");
+}
+
+TEST(VaryingParameters, CrossOnceForAllReaders) {
+    const ExportedMaterial shader =
+        Sample({[](GraphGenerator& generator) {
+            const Handle first = submit(generator, makeVaryingParameter("normal", float3));
+            const Handle second = submit(generator, makeVaryingParameter("normal", float3));
+            return emitFunction(generator, {first, second}, float3);
+        }}).shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	float3 normal : ATTR1,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	interpolant0.xyz = normal;
+}
+)");
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	float3 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0 )
+{
+	float3 normal = interpolant0.xyz;
+	float3 a_result;
+	f( normal, normal, a_result );
+	colour = float4( a_result, 1.0 );
+}
+)");
+}
+
+TEST(VaryingParameters, OfThePositionsRegisterAreThePosition) {
+    const auto position = [](const std::string& name) {
+        return makeParameterNode(NodeKind::VaryingParameter, name, float4, 0,
+                                 {registers::vertexAttribute, 0});
+    };
+    const ExportedMaterial shader =
+        Sample({[&](GraphGenerator& generator) {
+            const Handle first = submit(generator, position("objPos"));
+            const Handle second = submit(generator, position("place"));
+            return emitFunction(generator, {first, second}, float3, ExecutionLevel::Vertex);
+        }}).shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 objPos : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( objPos );
+	float3 a_result;
+	f( objPos, objPos, a_result );
+	interpolant0.xyz = a_result;
+}
+)");
+}
+
 TEST(RegisterParameters, OfTheFragmentProgramStayThere) {
     expectError(Sample({reader([] { return registerOf(10, 0, float2); }, ExecutionLevel::Vertex)}).error(),
                 "sample.xml:10",
