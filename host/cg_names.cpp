@@ -12,13 +12,15 @@ namespace {
 // each list in byte order, for binary search
 
 constexpr std::string_view keywords[] = {
+    "AttribArray",
     "asm",
     "asm_fragment",
     "auto",
     "break",
     "case",
     "catch",
-    "char",
+    "cfloat",
+    "cint",
     "class",
     "column_major",
     "compile",
@@ -30,7 +32,6 @@ constexpr std::string_view keywords[] = {
     "delete",
     "discard",
     "do",
-    "double",
     "dword",
     "dynamic_cast",
     "else",
@@ -48,7 +49,6 @@ constexpr std::string_view keywords[] = {
     "inline",
     "inout",
     "interface",
-    "long",
     "main",
     "matrix",
     "mutable",
@@ -68,14 +68,8 @@ constexpr std::string_view keywords[] = {
     "return",
     "row_major",
     "sampler",
-    "sampler1D",
-    "sampler2D",
-    "sampler3D",
-    "samplerCUBE",
-    "samplerRECT",
     "sampler_state",
     "shared",
-    "short",
     "signed",
     "sizeof",
     "static",
@@ -131,15 +125,18 @@ constexpr std::string_view standardFunctions[] = {
     "cross",
     "ddx",
     "ddy",
+    "debug",
     "degrees",
     "determinant",
     "distance",
     "dot",
+    "emitVertex",
     "exp",
     "exp2",
     "faceforward",
     "findLSB",
     "findMSB",
+    "flatAttrib",
     "floatToIntBits",
     "floatToRawIntBits",
     "floor",
@@ -164,10 +161,15 @@ constexpr std::string_view standardFunctions[] = {
     "modf",
     "mul",
     "normalize",
+    "pack_2half",
+    "pack_2ushort",
+    "pack_4byte",
+    "pack_4ubyte",
     "pow",
     "radians",
     "reflect",
     "refract",
+    "restartStrip",
     "round",
     "rsqrt",
     "saturate",
@@ -182,13 +184,22 @@ constexpr std::string_view standardFunctions[] = {
     "tanh",
     "transpose",
     "trunc",
+    "unpack_2half",
+    "unpack_2ushort",
+    "unpack_4byte",
+    "unpack_4ubyte",
 };
 
 static_assert(std::is_sorted(std::begin(keywords), std::end(keywords)));
 static_assert(std::is_sorted(std::begin(standardFunctions), std::end(standardFunctions)));
 
 /// Scalar types; each is the beginning of vector and matrix types too.
-constexpr std::array<std::string_view, 5> scalarTypes = {"bool", "fixed", "float", "half", "int"};
+constexpr std::array<std::string_view, 10> scalarTypes = {"bool", "char", "double", "fixed", "float",
+                                                          "half", "int",  "long",   "short", "uint"};
+
+/// What samplers and the functions that read them are named after.
+constexpr std::array<std::string_view, 12> textureKinds = {
+    "1D", "1DARRAY", "2D", "2DARRAY", "2DMS", "2DMSARRAY", "3D", "BUF", "CUBE", "CUBEARRAY", "RBUF", "RECT"};
 
 bool isDimension(char letter) { return letter >= '1' && letter <= '4'; }
 
@@ -204,17 +215,32 @@ bool isTypeName(std::string_view name) {
     });
 }
 
-/// "tex2D", "h4tex2Dproj", "f1texCUBE" and the like.
+bool isTextureKind(std::string_view text) {
+    return std::find(textureKinds.begin(), textureKinds.end(), text) != textureKinds.end();
+}
+
+/// "sampler2D", "isamplerBUF", "usampler2DARRAY" and the like.
+bool isSamplerType(std::string_view name) {
+    constexpr std::string_view stem = "sampler";
+    if (name.starts_with('i') || name.starts_with('u')) {
+        name.remove_prefix(1);
+    }
+    return name.starts_with(stem) && isTextureKind(name.substr(stem.size()));
+}
+
+/// "tex2D", "h4tex2Dproj", "f1texCUBE", "tex2DARRAYcmplod" and the like.
 bool isSamplingFunction(std::string_view name) {
     if (name.size() > 2 && (name[0] == 'f' || name[0] == 'h' || name[0] == 'x') && isDimension(name[1])) {
         name.remove_prefix(2);
     }
-    constexpr std::array<std::string_view, 5> prefixes = {"tex1D", "tex2D", "tex3D", "texCUBE", "texRECT"};
-    constexpr std::array<std::string_view, 6> suffixes = {"", "bias", "fetch", "lod", "proj", "size"};
-    return std::any_of(prefixes.begin(), prefixes.end(), [&](std::string_view prefix) {
-        return name.starts_with(prefix) &&
-               std::find(suffixes.begin(), suffixes.end(), name.substr(prefix.size())) != suffixes.end();
-    });
+    constexpr std::string_view stem = "tex";
+    constexpr std::array<std::string_view, 8> suffixes = {"",      "bias", "cmpbias", "cmplod",
+                                                          "fetch", "lod",  "proj",    "size"};
+    return name.starts_with(stem) &&
+           std::any_of(suffixes.begin(), suffixes.end(), [&](std::string_view suffix) {
+               return name.ends_with(suffix) && name.size() > stem.size() + suffix.size() &&
+                      isTextureKind(name.substr(stem.size(), name.size() - stem.size() - suffix.size()));
+           });
 }
 
 bool isNameCharacter(char letter) {
@@ -228,7 +254,7 @@ bool isReservedName(std::string_view name) {
     return std::binary_search(std::begin(keywords), std::end(keywords), name) ||
            std::binary_search(std::begin(standardFunctions), std::end(standardFunctions), name) ||
            std::find(frameworkNames.begin(), frameworkNames.end(), name) != frameworkNames.end() ||
-           isTypeName(name) || isSamplingFunction(name);
+           name.starts_with("__") || isTypeName(name) || isSamplerType(name) || isSamplingFunction(name);
 }
 
 std::string toCgName(std::string_view text) {

@@ -7,7 +7,8 @@
 
 namespace patina {
 
-/// Whether a name belongs to Cg (a keyword, type or standard function) or to the framework. [thread-safe]
+/// Whether a name belongs to Cg (a keyword, type or standard function, or anything that begins with "__") or
+/// to the framework. [thread-safe]
 bool isReservedName(std::string_view name);
 
 /// A text made into a Cg name: every other character than letters and digits becomes "_". [thread-safe]
@@ -20,7 +21,8 @@ public:
     /// Takes a name as it is, whatever it is.
     void take(const std::string& name);
 
-    /// The wanted name, or that with the lowest free suffix: "name_2", "name_3".
+    /// The wanted name, or that with the lowest free suffix: "name_2", "name_3". The wanted one is as
+    /// toCgName makes it, so that a suffix can help.
     std::string allocate(const std::string& wanted);
 
 private:

@@ -42,7 +42,7 @@ public:
             }
             if (used_[index] && !item.faulty) {
                 reviewInputs(item);
-            } else if (!used_[index]) {
+            } else if (!used_[index] && isWhole()) {
                 warn(item, {"nothing that leaves the material needs this node; connect it or remove it"});
             }
         }
@@ -52,6 +52,14 @@ private:
     void warn(const MaterialItem& item, std::initializer_list<std::string_view> pieces) {
         warnings_.push_back(
             {{material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)})});
+    }
+
+    /// Whether all connections and outputs are there: a node is not unused because of one that was refused.
+    bool isWhole() const {
+        const MaterialDocument& document = material_.document;
+        return material_.connections.size() >=
+                   document.connections.size() + document.leftOut.connections.size() &&
+               material_.outputs.size() >= document.outputs.size() + document.leftOut.outputs.size();
     }
 
     /// What an output depends on, by connections and references. A node without outputs acts by itself.

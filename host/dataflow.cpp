@@ -10,6 +10,7 @@
 #include <string>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 
 namespace patina {
 
@@ -33,10 +34,11 @@ public:
         : material_(material), graph_(graph), errors_(errors) {}
 
     Dataflow join() {
-        enterNodes();
+        enterNodes(graph_.owners);
         joinInnerEdges();
         joinConnections();
         selectOutputs();
+        provideInterfaces();
         passInterfaces();
         Dataflow needed = withoutSources();
         attempt(errors_, [&] { needed = keepNeeded(); });
@@ -84,16 +86,21 @@ private:
         return index;
     }
 
-    void enterNodes() {
+    /// Enters the nodes of the graph that are not yet, as those of these items.
+    void enterNodes(const std::vector<std::size_t>& owners) {
         const auto& nodes = graph_.generator.graph->nodes;
-        for (std::size_t i = 0; i < nodes.size(); ++i) {
-            indexByNode_.emplace(nodes[i].get(), enter(nodes[i], graph_.owners[i]));
+        for (const std::size_t owner : owners) {
+            const std::shared_ptr<GeneratorNode>& node = nodes[enteredNodes_++];
+            indexByNode_.emplace(node.get(), enter(node, owner));
         }
     }
 
-    /// What node code itself joined.
+    /// What node code itself joined, as far as it is not entered yet.
     void joinInnerEdges() {
-        for (const std::shared_ptr<GeneratorEdge>& edge : graph_.generator.graph->edges) {
+        const auto& edges = graph_.generator.graph->edges;
+        while (joinedEdges_ < edges.size()) {
+            // by value: a provider may add edges later
+            const std::shared_ptr<GeneratorEdge> edge = edges[joinedEdges_++];
             const std::size_t tail = indexByNode_.at(edge->tail.lock().get());
             const std::size_t head = indexByNode_.at(edge->head.lock().get());
             const auto output = findPort(flow_.nodes[tail].generated->outputs, edge->tailPort);
@@ -185,14 +192,23 @@ private:
         const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
         for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
             const ValueSource consumer = consumerOf(end, connection);
-            const ShaderType type = flow_.nodes[consumer.node].generated->inputs[consumer.port].type;
-            const ValueSource value = convert(producer, type, [&](std::string_view reason) {
+            // by value: a conversion adds a node
+            const std::shared_ptr<GeneratorNode> reader = flow_.nodes[consumer.node].generated;
+            const GeneratorPort& input = reader->inputs[consumer.port];
+            const ValueSource value = convert(producer, input.type, [&](std::string_view reason) {
                 fail(connection.line, {nodeTitle(material_.items[connection.source]), ", output \"",
                                        connection.record->sourcePort, "\", to ",
                                        nodeTitle(material_.items[connection.destination]), ", input \"",
                                        connection.record->destinationPort, "\": ", reason});
             });
-            flow_.nodes[consumer.node].inputs[consumer.port] = value;
+            ValueSource& source = flow_.nodes[consumer.node].inputs[consumer.port];
+            if (source.node != noSource && source != value) {
+                fail(connection.line, {nodeTitle(material_.items[connection.destination]), ", input \"",
+                                       connection.record->destinationPort, "\": this connection feeds \"",
+                                       input.name, "\" of ", describe(*reader), ", and so does the code of ",
+                                       nodeTitle(ownerOf(source.node)), "; only one of them can"});
+            }
+            source = value;
         }
     }
 
@@ -279,6 +295,61 @@ private:
         }
     }
 
+    /// Asks the providers for every interface parameter that is read and that no node writes. What one of
+    /// them adds may read others, and be asked for in turn.
+    void provideInterfaces() {
+        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+            if (isInterface(node) && flow_.nodes[node].inputs.front().node == noSource && isRead(node)) {
+                attempt(errors_, [&] { provide(node); });
+            }
+        }
+    }
+
+    bool isRead(std::size_t node) const {
+        const auto reads = [&](const ValueSource& value) { return value.node == node; };
+        return std::any_of(flow_.nodes.begin(), flow_.nodes.end(),
+                           [&](const DataflowNode& reader) {
+                               return std::any_of(reader.inputs.begin(), reader.inputs.end(), reads);
+                           }) ||
+               reads(flow_.colour) || (flow_.hasAlpha && reads(flow_.alpha));
+    }
+
+    /// What providers add belongs to the item that reads it. Does nothing when none of them knows the
+    /// parameter; who needs it fails then.
+    void provide(std::size_t parameter) {
+        Graph& graph = *graph_.generator.graph;
+        const std::size_t owner = flow_.nodes[parameter].owner;
+        const std::shared_ptr<GeneratorNode> wanted = flow_.nodes[parameter].generated;
+        if (!asked_.insert({wanted->name, wanted->flags}).second) {
+            return; // a provider gave the parameter itself, without a value
+        }
+        const MaterialItem& item = material_.items[owner];
+        const std::shared_ptr<GeneratorNode> provided = onBehalfOf(material_, item, item.line, [&] {
+            for (const std::shared_ptr<InterfaceProvider>& provider : graph.interfaceProviders) {
+                if (auto node = provider->provideInterfaceNode(wanted->name, wanted->flags, graph)) {
+                    return node;
+                }
+            }
+            return std::shared_ptr<GeneratorNode>();
+        });
+        enterNodes(std::vector<std::size_t>(graph.nodes.size() - enteredNodes_, owner));
+        joinInnerEdges();
+        if (!provided || provided == wanted) {
+            return;
+        }
+        const auto output = findPort(provided->outputs, "read");
+        if (!output) {
+            fail(item.line,
+                 {nodeTitle(item), ": this reads ", describe(*wanted), ", for which a provider gives ",
+                  describe(*provided), ", which has no value; report this to the author of its plug-in"});
+        }
+        const auto [entry, isNew] = indexByNode_.try_emplace(provided.get(), flow_.nodes.size());
+        if (isNew) {
+            enter(provided, owner);
+        }
+        feed(parameter, 0, {entry->second, *output});
+    }
+
     bool isInterface(std::size_t node) const {
         return flow_.nodes[node].generated->kind == NodeKind::InterfaceParameter;
     }
@@ -296,10 +367,14 @@ private:
     }
 
     void passInterfaces() {
-        for (DataflowNode& node : flow_.nodes) {
-            if (node.generated->kind != NodeKind::InterfaceParameter) {
-                std::transform(node.inputs.begin(), node.inputs.end(), node.inputs.begin(),
-                               [&](const ValueSource& input) { return written(input); });
+        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+            for (std::size_t input = 0; !isInterface(node) && input < flow_.nodes[node].inputs.size();
+                 ++input) {
+                ValueSource& source = flow_.nodes[node].inputs[input];
+                if (source.node != noSource && isInterface(source.node)) {
+                    passed_.emplace(std::pair{node, input}, source.node);
+                    source = written(source);
+                }
             }
         }
         flow_.colour = written(flow_.colour);
@@ -327,13 +402,11 @@ private:
                 }
             }
         }
-        // connections were checked for cycles, and conversions add none; only a plug-in's own edges can
+        // connections were checked for cycles, and conversions add none; edges within the code of a node and
+        // interface parameters can
         const DependencyOrder order = orderByDependencies(sources);
         if (!order.cycle.empty()) {
-            const MaterialItem& item = ownerOf(order.cycle.front());
-            fail(item.line,
-                 {nodeTitle(item), ": the code of this node depends on itself; report this to the author "
-                                   "of its plug-in"});
+            failAtCycle(order.cycle);
         }
         Dataflow result = withoutSources();
         std::vector<std::size_t> position(flow_.nodes.size(), noSource);
@@ -358,6 +431,45 @@ private:
             result.sinks.push_back(position[sink]);
         }
         return result;
+    }
+
+    /// Each node of the cycle reads the next, and the last reads the first.
+    [[noreturn]] void failAtCycle(const std::vector<std::size_t>& cycle) const {
+        std::vector<std::string> owners;
+        std::vector<std::string> parameters;
+        const auto addOnce = [](std::vector<std::string>& list, std::string text) {
+            if (std::find(list.begin(), list.end(), text) == list.end()) {
+                list.push_back(std::move(text));
+            }
+        };
+        for (std::size_t i = 0; i < cycle.size(); ++i) {
+            addOnce(owners, nodeTitle(ownerOf(cycle[i])));
+            const std::size_t source = cycle[(i + 1) % cycle.size()];
+            for (std::size_t input = 0; input < flow_.nodes[cycle[i]].inputs.size(); ++input) {
+                const auto passed = passed_.find({cycle[i], input});
+                if (flow_.nodes[cycle[i]].inputs[input].node == source && passed != passed_.end()) {
+                    addOnce(parameters, describe(*flow_.nodes[passed->second].generated));
+                }
+            }
+        }
+        const int line = ownerOf(cycle.front()).line;
+        if (owners.size() == 1) {
+            fail(line, {owners.front(), ": the code of this node depends on itself",
+                        parameters.empty() ? "" : " through ", joined(parameters),
+                        "; report this to the author of its plug-in"});
+        }
+        owners.erase(owners.begin());
+        fail(line,
+             {nodeTitle(ownerOf(cycle.front())), ": this needs its own value, through ", joined(owners),
+              parameters.empty() ? "" : " and ", joined(parameters), "; take one of them out of the cycle"});
+    }
+
+    static std::string joined(const std::vector<std::string>& texts) {
+        std::string list;
+        for (const std::string& text : texts) {
+            appendText(list, {list.empty() ? "" : " and ", text});
+        }
+        return list;
     }
 
     std::vector<bool> findNeeded() const {
@@ -392,9 +504,11 @@ private:
         const MaterialItem& item = ownerOf(node);
         const bool isExcused = excused_.count({node, input}) != 0 || !isCertain(entry.owner);
         if (isInterface(node)) { // one that is written has given way to what is written
+            const bool isWritten = entry.inputs[input].node != noSource;
             if (!isExcused && areAllCertain()) {
                 fail(item.line, {nodeTitle(item), ": this reads ", describe(*entry.generated),
-                                 ", and no node writes it; add one that does"});
+                                 isWritten ? ", which is written from itself; write another value to it"
+                                           : ", and no node writes it; add one that does"});
             }
         } else if (entry.inputs[input].node == noSource && !isExcused) {
             fail(item.line,
@@ -411,6 +525,11 @@ private:
     std::vector<ValueSource> roots_; ///< of the outputs
     bool hasColourRoot_ = false;
     std::set<std::pair<std::size_t, std::size_t>> excused_; ///< inputs, by node, that may lack a source
+    std::set<InterfaceKey> asked_;                          ///< of the providers
+    std::size_t enteredNodes_ = 0;                          ///< of the graph
+    std::size_t joinedEdges_ = 0;                           ///< of the graph
+    /// By node and input, the first interface parameter through which it is read.
+    std::map<std::pair<std::size_t, std::size_t>, std::size_t> passed_;
     std::unordered_map<const GeneratorNode*, std::size_t> indexByNode_;
     std::map<std::tuple<std::size_t, std::size_t, std::string>, ValueSource> conversions_;
 };

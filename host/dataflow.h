@@ -45,14 +45,17 @@ struct Dataflow {
 
 /// Joins the generator nodes of connected material nodes, inserting conversions where types differ (one for
 /// each value and type), and leaves out what no output of the material needs. Whoever reads an interface
-/// parameter gets what is written to it; the parameter itself is gone then.
+/// parameter gets what is written to it; the parameter itself is gone then. For each one that is read and
+/// that no node writes, the providers of the graph are asked in their order, wherever it stands in the
+/// document; what they insert in the graph belongs to the node that reads it first.
 ///
 /// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, for
-/// missing, unknown and misshapen outputs, and for interface parameters that nobody or more than one writes.
-/// With `errors`, goes on with the next connection or output and puts them there, but for what only follows
-/// from nodes that are faulty or whose code is incomplete. Sources may be missing then, of inputs, the colour
-/// and alpha; without a colour output, every node counts as needed.
-/// Threads: as the material, one thread at a time.
+/// missing, unknown and misshapen outputs, for interface parameters and inputs that nobody or more than one
+/// writes, for a cycle through interface parameters or within the code of a node, and for what a provider
+/// throws. With `errors`, goes on with the next connection or output and puts them there, but for what only
+/// follows from nodes that are faulty or whose code is incomplete. Sources may be missing then, of inputs,
+/// the colour and alpha; without a colour output, every node counts as needed. Threads: as the material, one
+/// thread at a time.
 Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr);
 
 } // namespace patina

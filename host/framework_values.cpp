@@ -23,10 +23,12 @@ public:
         builder.addOutput(float3, "out_position");
         builder.appendCode("\tout_position = in_position.xyz;\n");
         const auto function = builder.makeNode(ExecutionLevel::Vertex, "objectPositionCode");
-        auto value = makeParameterNode(NodeKind::InterfaceParameter, name, float3);
         graph.insertNode(attribute);
         graph.insertNode(function);
-        graph.insertNode(value);
+        if (!graph.hasInterfaceNode(name, flags)) {
+            graph.insertNode(makeParameterNode(NodeKind::InterfaceParameter, name, float3, flags));
+        }
+        auto value = graph.findInterfaceNode(name, flags);
         graph.connect(attribute, "read", function, "in_position");
         graph.connect(function, "out_position", value, "write");
         return value;

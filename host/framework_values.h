@@ -12,7 +12,8 @@ namespace patina {
 /// |---|---|---|
 /// | "objectPosition" | float3 | the vertex's position in object space |
 ///
-/// What it gives is in the graph, computed once for all nodes that ask. Threads: as the graph it serves.
+/// What it gives is in the graph, computed once for all nodes that ask. Where a node has submitted the
+/// parameter already, it writes to that one, and gives it. Threads: as the graph it serves.
 std::shared_ptr<InterfaceProvider> makeFrameworkValues();
 
 } // namespace patina

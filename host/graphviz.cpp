@@ -385,8 +385,8 @@ private:
     /// Which program a reader of a value is part of.
     enum class Program { Vertex, Fragment };
 
-    static std::pair<std::size_t, std::size_t> keyOf(const ValueSource& value) {
-        return {value.node, value.port};
+    std::pair<std::size_t, std::size_t> keyOf(const ValueSource& value) const {
+        return {stages_.declarations[value.node], value.port};
     }
 
     static std::pair<NodeKind, std::string> parameterKey(const GeneratorNode& node) {
@@ -517,8 +517,7 @@ private:
     }
 
     void printEdge(const ValueSource& value, Program reader, const std::string& destination) {
-        const bool crosses = reader == Program::Fragment && fragmentFunctions_.count(value.node) == 0 &&
-                             !isUniform(value.node);
+        const bool crosses = reader == Program::Fragment && interpolants_.count(keyOf(value)) != 0;
         const std::string type = typeText(flow_.port(value).type);
         printer_.edge(
             outputEnd(nodeName(value.node, reader), value.port), destination,
@@ -532,7 +531,7 @@ private:
         constexpr std::string_view components = "xyzw";
         const Interpolant& interpolant = *interpolants_.at(keyOf(value));
         const RegisterReference reference = {registers::fragmentInterpolant,
-                                             static_cast<std::int32_t>(interpolant.registerIndex)};
+                                             stages_.registers[interpolant.registerIndex].number};
         return joinText({registerText(reference), ".",
                          components.substr(static_cast<std::size_t>(interpolant.firstComponent),
                                            static_cast<std::size_t>(flow_.port(value).type.columns))});

@@ -35,7 +35,7 @@ public:
 
     ShaderNames name() {
         takeParameters();
-        names_.position = positionName();
+        namePosition();
         names_.clipPosition = allocator_.allocate("clipPosition");
         names_.colour = allocator_.allocate("colour");
         for (std::size_t i = 0; i < shader_.registers.size(); ++i) {
@@ -78,15 +78,16 @@ private:
         }
     }
 
-    /// A node may read the position itself; it is declared once then.
-    std::string positionName() {
-        for (const std::size_t index : shader_.attributes) {
-            const GeneratorNode& varying = *flow_.nodes[index].generated;
-            if (varying.registerReference == RegisterReference{registers::vertexAttribute, 0}) {
-                return varying.name;
-            }
+    /// A node may read the position itself; it is declared once then, under the first name that it has.
+    void namePosition() {
+        if (shader_.positions.empty()) {
+            names_.position = allocator_.allocate("position");
+            return;
         }
-        return allocator_.allocate("position");
+        names_.position = flow_.nodes[shader_.positions.front()].generated->name;
+        for (const std::size_t index : shader_.positions) {
+            names_.values[index].assign(1, names_.position);
+        }
     }
 
     void nameFunctions() {

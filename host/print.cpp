@@ -22,9 +22,9 @@ struct StageTable {
     std::int32_t interpolantRegister;
 };
 
-constexpr StageTable vertexStage = {"vertex", &StagedShader::vertex, &RegisterAssignment::vertexUniforms,
+constexpr StageTable vertexStage = {"Vertex", &StagedShader::vertex, &RegisterAssignment::vertexUniforms,
                                     registers::vertexInterpolant};
-constexpr StageTable fragmentStage = {"fragment", &StagedShader::fragment,
+constexpr StageTable fragmentStage = {"Fragment", &StagedShader::fragment,
                                       &RegisterAssignment::fragmentUniforms, registers::fragmentInterpolant};
 
 /// Appends one program to one text.
@@ -33,9 +33,7 @@ public:
     ProgramPrinter(const AssembledShader& shader, const StageTable& table)
         : shader_(shader), table_(table), stage_(shader.stages.*table.stage) {}
 
-    void printHeader() {
-        append({"// ", oneLine(shader_.material.name), ", ", table_.title, " program. Written by patina.\n"});
-    }
+    void printHeader() { append({"// ", table_.title, " program. Written by patina.\n"}); }
 
     void printFramework(std::string_view text) {
         if (shader_.options.framework) {

@@ -25,7 +25,7 @@ struct AssembledShader {
 };
 
 // Complete Cg programs: the framework, uniforms, each distinct function once, and `main`. The text depends on
-// the material alone, to the byte. Threads: as the material, one thread at a time.
+// the material alone, to the byte, and not on its name. Threads: as the material, one thread at a time.
 
 std::string printVertexProgram(const AssembledShader& shader);
 std::string printFragmentProgram(const AssembledShader& shader);

@@ -28,15 +28,18 @@ struct RegisterSpace {
     std::int32_t index;          ///< into the register table
     const char* what;            ///< that a program can have too many of
     std::int32_t frameworkCount; ///< the first ones, which are the framework's
+    const char* frameworkUse;    ///< what those are for
 };
 
-constexpr RegisterSpace vertexAttributes = {"vertex", registers::vertexAttribute, "vertex attributes", 1};
+constexpr RegisterSpace vertexAttributes = {"vertex", registers::vertexAttribute, "vertex attributes", 1,
+                                            "the position among them"};
 constexpr RegisterSpace vertexConstants = {"vertex", registers::vertexConstant, "constant registers",
-                                           frameworkConstantCount};
-constexpr RegisterSpace vertexSamplers = {"vertex", registers::vertexSampler, "textures", 0};
+                                           frameworkConstantCount, "the framework's matrix among them"};
+constexpr RegisterSpace vertexSamplers = {"vertex", registers::vertexSampler, "textures", 0, ""};
 // the table has one entry for the constants of both programs
-constexpr RegisterSpace fragmentConstants = {"fragment", registers::vertexConstant, "constant registers", 0};
-constexpr RegisterSpace fragmentSamplers = {"fragment", registers::fragmentSampler, "textures", 0};
+constexpr RegisterSpace fragmentConstants = {"fragment", registers::vertexConstant, "constant registers", 0,
+                                             ""};
+constexpr RegisterSpace fragmentSamplers = {"fragment", registers::fragmentSampler, "textures", 0, ""};
 
 /// A parameter that is to be placed.
 struct Parameter {
@@ -77,13 +80,18 @@ public:
         return wanted;
     }
 
+    /// Notes a parameter that is to be allocated, so that a message can say how many registers all need.
+    void expect(std::size_t node) {
+        const std::int64_t span = spanOf(node);
+        const std::int64_t most = std::numeric_limits<std::int64_t>::max();
+        expectedCount_ = span > most - expectedCount_ ? most : expectedCount_ + span;
+    }
+
     /// The first registers that are free.
     RegisterReference allocate(std::size_t node) {
         const std::int64_t span = spanOf(node);
         if (usedCount_ + span > count()) {
-            throw HostError({material_.file, material_.line},
-                            joinText({"the ", space_.program, " program reads more than ",
-                                      std::to_string(count()), " ", space_.what}));
+            failTooMany(node);
         }
         const auto gap = std::search_n(owners_.begin(), owners_.end(), span, nobody);
         if (gap == owners_.end()) {
@@ -94,6 +102,7 @@ public:
         }
         const auto number = static_cast<std::int32_t>(gap - owners_.begin());
         take(number, span, node);
+        expectedCount_ -= span;
         return {space_.index, number};
     }
 
@@ -120,6 +129,15 @@ private:
         throw HostError({material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)}));
     }
 
+    [[noreturn]] void failTooMany(std::size_t node) const {
+        const std::int64_t most = std::numeric_limits<std::int64_t>::max();
+        const std::int64_t needed = expectedCount_ > most - usedCount_ ? most : expectedCount_ + usedCount_;
+        fail(node, {describe(generated(node)), " finds no room: the ", space_.program, " program needs ",
+                    std::to_string(needed), " ", space_.what, space_.frameworkCount == 0 ? "" : ", ",
+                    space_.frameworkUse, ", and there are ", std::to_string(count()),
+                    "; let nodes share parameters, or leave some out"});
+    }
+
     [[noreturn]] void failTaken(std::size_t node, std::size_t owner) const {
         if (owner == framework) {
             const RegisterReference last = {space_.index, space_.frameworkCount - 1};
@@ -136,6 +154,7 @@ private:
     const RegisterSpace& space_;
     std::vector<std::size_t> owners_; ///< by register number
     std::int64_t usedCount_;
+    std::int64_t expectedCount_ = 0; ///< that are still to be allocated
 };
 
 /// Places the parameters of one program.
@@ -156,6 +175,8 @@ public:
             placed.push_back({parameter.first, {}});
             if (parameter.claimant != nobody) {
                 placed.back().place = placerFor(parameter).claim(parameter.claimant);
+            } else {
+                placerFor(parameter).expect(parameter.first);
             }
         }
         for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -220,15 +241,14 @@ void reserve(const Dataflow& flow, const std::vector<std::size_t>& nodes,
     }
 }
 
-/// A varying in the position's register is the position, when it has its type.
-std::vector<std::size_t> withoutPosition(const Dataflow& flow, const std::vector<std::size_t>& attributes) {
-    constexpr ShaderType positionType = {ComponentType::Float, 4, 1, 1};
+/// The varyings that are no names of the position.
+std::vector<std::size_t> withoutPositions(const StagedShader& shader) {
     std::vector<std::size_t> others;
-    std::copy_if(attributes.begin(), attributes.end(), std::back_inserter(others), [&](std::size_t node) {
-        const GeneratorNode& generated = *flow.nodes[node].generated;
-        return generated.type != positionType ||
-               generated.registerReference != RegisterReference{registers::vertexAttribute, 0};
-    });
+    std::copy_if(shader.attributes.begin(), shader.attributes.end(), std::back_inserter(others),
+                 [&](std::size_t node) {
+                     return std::find(shader.positions.begin(), shader.positions.end(), node) ==
+                            shader.positions.end();
+                 });
     return others;
 }
 
@@ -246,8 +266,7 @@ RegisterAssignment assignRegisters(const Material& material, const Dataflow& flo
     RegisterAssignment assignment;
     reserve(flow, shader.vertex.registerInputs, {&attributes, &vertexOthers, &vertexTextures});
     reserve(flow, shader.fragment.registerInputs, {&fragmentTextures});
-    assignment.attributes =
-        parameters.place(withoutPosition(flow, shader.attributes), attributes, attributes);
+    assignment.attributes = parameters.place(withoutPositions(shader), attributes, attributes);
     assignment.vertexUniforms = parameters.place(shader.vertex.uniforms, vertexTextures, vertexOthers);
     assignment.fragmentUniforms =
         parameters.place(shader.fragment.uniforms, fragmentTextures, fragmentOthers);

@@ -3,11 +3,13 @@
 #include "nodemodel/text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <numeric>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace patina {
@@ -17,6 +19,8 @@ using namespace detail;
 namespace {
 
 constexpr std::int32_t registerWidth = 4;
+constexpr ShaderType positionType = {ComponentType::Float, 4, 1, 1};
+constexpr RegisterReference positionRegister = {registers::vertexAttribute, 0};
 constexpr std::size_t nobody = std::numeric_limits<std::size_t>::max();
 
 /// Where the values of a node are read.
@@ -36,6 +40,7 @@ public:
         for (std::size_t i = 0; i < flow.nodes.size(); ++i) {
             demands_[i].portsByFragment.resize(flow.nodes[i].generated->outputs.size());
         }
+        findDeclarations();
     }
 
     StagedShader place() {
@@ -46,6 +51,9 @@ public:
         // readers come behind their sources, so that every demand on a node is known when it is placed
         for (std::size_t i = flow_.nodes.size(); i-- > 0;) {
             attempt(errors_, [&] { placeNode(i); });
+        }
+        for (const std::size_t node : shader_.positions) {
+            attempt(errors_, [&] { requirePositionRegister(node); });
         }
         for (ShaderStage* stage : {&shader_.vertex, &shader_.fragment}) {
             for (auto* nodes :
@@ -63,17 +71,60 @@ public:
 private:
     const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
 
+    const GeneratorNode& generated(std::size_t node) const { return *flow_.nodes[node].generated; }
+
+    void findDeclarations() {
+        std::set<std::string_view> positionNames;
+        for (const DataflowNode& node : flow_.nodes) {
+            if (isInPositionRegister(*node.generated)) {
+                positionNames.insert(node.generated->name);
+            }
+        }
+        std::map<std::string, std::size_t> firstByKey;
+        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+            const GeneratorNode& node = generated(i);
+            std::string key;
+            if (node.kind == NodeKind::VaryingParameter) {
+                const bool isPosition = node.type == positionType && positionNames.count(node.name) != 0;
+                if (isPosition) {
+                    shader_.positions.push_back(i);
+                }
+                key = isPosition ? "position" : "varying " + declaration(node.type, node.name);
+            } else if (node.kind == NodeKind::RegisterParameter && node.inputs.empty()) {
+                const RegisterReference& reference = node.registerReference;
+                key = joinText({"register ", std::to_string(reference.index), " ",
+                                std::to_string(reference.number), " ", typeText(node.type)});
+            }
+            shader_.declarations.push_back(key.empty() ? i : firstByKey.try_emplace(key, i).first->second);
+        }
+    }
+
+    static bool isInPositionRegister(const GeneratorNode& node) {
+        return node.kind == NodeKind::VaryingParameter && node.type == positionType &&
+               node.registerReference == positionRegister;
+    }
+
+    /// A varying of the position's name cannot be elsewhere.
+    void requirePositionRegister(std::size_t node) const {
+        const RegisterReference& reference = generated(node).registerReference;
+        if (reference.index != registers::unknown && reference != positionRegister) {
+            fail(node, {describe(generated(node)), " names another register than the position of the vertex, "
+                                                   "which has that name too; rename one of the nodes"});
+        }
+    }
+
     [[noreturn]] void fail(std::size_t node, std::initializer_list<std::string_view> pieces) const {
         const MaterialItem& item = itemOf(node);
         throw HostError({material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)}));
     }
 
+    /// What several nodes declare is demanded of the first of them, which comes last here.
     void demandByFragment(const ValueSource& value) {
         if (value.node == noSource) {
             return;
         }
         demands_[value.node].byFragment = true;
-        demands_[value.node].portsByFragment[value.port] = true;
+        demands_[shader_.declarations[value.node]].portsByFragment[value.port] = true;
     }
 
     void demandInputs(std::size_t node, bool byFragment, std::size_t vertexReader) {
@@ -153,9 +204,11 @@ private:
         }
     }
 
+    using FirstByRegister = std::map<std::pair<std::int32_t, std::int32_t>, std::size_t>;
+
     /// Holds the registers that nodes name against the table and against one another.
     void claimRegisters() {
-        std::map<std::pair<std::int32_t, std::int32_t>, std::size_t> firstByRegister;
+        FirstByRegister firstByRegister;
         for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
             const GeneratorNode& generated = *flow_.nodes[node].generated;
             const RegisterReference& reference = generated.registerReference;
@@ -181,6 +234,27 @@ private:
             if (reference.index == registers::vertexInterpolant ||
                 reference.index == registers::fragmentInterpolant) {
                 claimedInterpolants_.insert(reference.number);
+            }
+        }
+        requireWriters(firstByRegister);
+    }
+
+    /// What the fragment program reads of an interpolant register is what the vertex program writes to it.
+    void requireWriters(const FirstByRegister& firstByRegister) const {
+        for (const auto& [place, reader] : firstByRegister) {
+            if (place.first != registers::fragmentInterpolant) {
+                continue;
+            }
+            const auto writer = firstByRegister.find({registers::vertexInterpolant, place.second});
+            const std::string text = registerText(generated(reader).registerReference);
+            if (writer == firstByRegister.end()) {
+                fail(reader, {"this reads ", describe(generated(reader)), ", and no node writes \"", text,
+                              "\" per vertex; add one that does, or read an interpolant parameter"});
+            }
+            if (generated(writer->second).type != generated(reader).type) {
+                fail(reader, {"this reads ", describe(generated(reader)), ", and ",
+                              nodeTitle(itemOf(writer->second)), " writes it as ",
+                              typeText(generated(writer->second).type), "; both must have one type"});
             }
         }
     }
@@ -211,39 +285,110 @@ private:
 
     /// First fit, widest first: with widths of one to four it leaves no register that could have been saved.
     Packing pack(std::vector<std::size_t> values) const {
+        Packing packing;
         std::stable_sort(values.begin(), values.end(),
                          [&](std::size_t left, std::size_t right) { return widthOf(left) > widthOf(right); });
-        Packing packing;
-        std::vector<std::int32_t> used;
         for (const std::size_t value : values) {
             const std::int32_t width = widthOf(value);
-            const auto place = std::find_if(
-                used.begin(), used.end(), [&](std::int32_t count) { return count + width <= registerWidth; });
-            const auto index = static_cast<std::size_t>(place - used.begin());
-            if (index == used.size()) {
-                used.push_back(0);
-                packing.emplace_back();
-            }
-            used[index] += width;
-            packing[index].push_back(value);
+            const auto place = std::find_if(packing.begin(), packing.end(), [&](const auto& entry) {
+                return usedIn(entry) + width <= registerWidth;
+            });
+            (place == packing.end() ? packing.emplace_back() : *place).push_back(value);
         }
         return packing;
     }
 
-    /// Half and float values apart, unless that takes more registers than mixing them.
+    std::int32_t usedIn(const std::vector<std::size_t>& entry) const {
+        return std::accumulate(entry.begin(), entry.end(), std::int32_t{0},
+                               [&](std::int32_t sum, std::size_t value) { return sum + widthOf(value); });
+    }
+
+    bool isHalf(std::size_t value) const { return typeOf(value).componentType == ComponentType::Half; }
+
+    std::ptrdiff_t countMixed(const Packing& packing) const {
+        return std::count_if(packing.begin(), packing.end(), [&](const std::vector<std::size_t>& entry) {
+            const auto halves =
+                std::count_if(entry.begin(), entry.end(), [&](std::size_t value) { return isHalf(value); });
+            return halves != 0 && halves != static_cast<std::ptrdiff_t>(entry.size());
+        });
+    }
+
     Packing packAll() const {
         std::vector<std::size_t> all(crossing_.size());
         std::iota(all.begin(), all.end(), std::size_t{0});
+        const Packing together = pack(all);
+        requireEnough(together.size());
         std::vector<std::size_t> halves;
         std::vector<std::size_t> others;
-        for (const std::size_t value : all) {
-            (typeOf(value).componentType == ComponentType::Half ? halves : others).push_back(value);
+        std::partition_copy(all.begin(), all.end(), std::back_inserter(halves), std::back_inserter(others),
+                            [&](std::size_t value) { return isHalf(value); });
+        Packing best = pack(others);
+        const Packing filled = fill(best, halves, together.size());
+        appendTo(best, pack(halves));
+        for (const Packing* other : {&filled, &together}) {
+            if (std::pair(other->size(), countMixed(*other)) < std::pair(best.size(), countMixed(best))) {
+                best = *other;
+            }
         }
-        Packing apart = pack(others);
-        const Packing halfRegisters = pack(halves);
-        apart.insert(apart.end(), halfRegisters.begin(), halfRegisters.end());
-        Packing mixed = pack(all);
-        return apart.size() <= mixed.size() ? apart : mixed;
+        return best;
+    }
+
+    static void appendTo(Packing& packing, const Packing& more) {
+        packing.insert(packing.end(), more.begin(), more.end());
+    }
+
+    /// Registers of `others` with halves in the room that they leave, in no more of them than it takes to
+    /// need `wanted` registers.
+    Packing fill(const Packing& others, const std::vector<std::size_t>& halves, std::size_t wanted) const {
+        std::vector<std::size_t> roomiest(others.size());
+        std::iota(roomiest.begin(), roomiest.end(), std::size_t{0});
+        std::stable_sort(roomiest.begin(), roomiest.end(), [&](std::size_t left, std::size_t right) {
+            return usedIn(others[left]) < usedIn(others[right]);
+        });
+        Packing packing = others;
+        std::vector<std::size_t> apart = halves;
+        std::vector<std::pair<std::size_t, std::size_t>> moved; // the half, and its register
+        for (const std::size_t index : roomiest) {
+            if (others.size() + pack(apart).size() <= wanted) {
+                break;
+            }
+            moveInto(packing[index], index, apart, moved);
+        }
+        takeBack(packing, apart, moved);
+        appendTo(packing, pack(apart));
+        return packing;
+    }
+
+    /// Moves halves into a register as long as there is room, widest first.
+    void moveInto(std::vector<std::size_t>& entry, std::size_t index, std::vector<std::size_t>& apart,
+                  std::vector<std::pair<std::size_t, std::size_t>>& moved) const {
+        for (std::int32_t width = registerWidth - usedIn(entry); width > 0; --width) {
+            for (auto half = apart.begin(); half != apart.end();) {
+                if (widthOf(*half) == width && usedIn(entry) + width <= registerWidth) {
+                    entry.push_back(*half);
+                    moved.emplace_back(*half, index);
+                    half = apart.erase(half);
+                } else {
+                    ++half;
+                }
+            }
+        }
+    }
+
+    /// Takes back the halves that save no register where they were moved, the last one first.
+    void takeBack(Packing& packing, std::vector<std::size_t>& apart,
+                  const std::vector<std::pair<std::size_t, std::size_t>>& moved) const {
+        const std::size_t limit = pack(apart).size();
+        for (auto move = moved.rbegin(); move != moved.rend(); ++move) {
+            std::vector<std::size_t> more = apart;
+            more.push_back(move->first);
+            std::sort(more.begin(), more.end());
+            if (pack(more).size() <= limit) {
+                apart = std::move(more);
+                auto& entry = packing[move->second];
+                entry.erase(std::find(entry.begin(), entry.end(), move->first));
+            }
+        }
     }
 
     void packInterpolants() {
@@ -266,11 +411,14 @@ private:
             }
             shader_.registers.push_back(entry);
         }
+    }
+
+    void requireEnough(std::size_t taken) const {
         const std::size_t available =
             static_cast<std::size_t>(registerEntry(registers::vertexInterpolant).registerCount) -
             claimedInterpolants_.size();
-        if (packing.size() > available) {
-            failTooFew(packing.size(), available);
+        if (taken > available) {
+            failTooFew(taken, available);
         }
     }
 

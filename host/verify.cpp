@@ -1,5 +1,7 @@
 #include "host/verify.h"
 
+#include "host/cg_names.h"
+#include "nodemodel/shader_error.h"
 #include "nodemodel/text.h"
 
 #include <algorithm>
@@ -63,21 +65,40 @@ std::string_view findNonNumber(const GeneratorNode& function) {
     return found;
 }
 
+void verifyPorts(const GeneratorNode& function) {
+    for (const auto* ports : {&function.inputs, &function.outputs}) {
+        for (const GeneratorPort& port : *ports) {
+            if (isReservedName(port.name)) {
+                throw ShaderError(joinText({describe(function), " has a port \"", port.name,
+                                            "\", and that name is reserved in Cg or by the shader framework; "
+                                            "report this to the author of its plug-in"}));
+            }
+        }
+    }
+}
+
+void verifyConstants(const GeneratorNode& function) {
+    const std::string_view constant = findNonNumber(function);
+    if (!constant.empty()) {
+        throw ShaderError(joinText({"the code of this node holds the constant \"", constant,
+                                    "\", which no shader can; one of its numbers, such as a count of rows "
+                                    "or columns, is zero or too large"}));
+    }
+}
+
 } // namespace
 
 void verifyCode(const Material& material, const Dataflow& flow, Errors* errors) {
     for (const DataflowNode& node : flow.nodes) {
-        const std::string_view constant = findNonNumber(*node.generated);
-        if (constant.empty()) {
+        if (node.generated->kind != NodeKind::Function) {
             continue;
         }
         const MaterialItem& item = material.items[node.owner];
         attempt(errors, [&] {
-            throw HostError(
-                {material.file, item.line},
-                joinText({nodeTitle(item), ": the code of this node holds the constant \"", constant,
-                          "\", which no shader can; one of its numbers, such as a count of rows "
-                          "or columns, is zero or too large"}));
+            onBehalfOf(material, item, item.line, [&] {
+                verifyPorts(*node.generated);
+                verifyConstants(*node.generated);
+            });
         });
     }
 }

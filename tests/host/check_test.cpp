@@ -287,6 +287,13 @@ TEST(CheckFile, ReportsRefusedSavedBindingsTogether) {
                      "angular and srgbcolour"}));
 }
 
+TEST(CheckFile, CallsNoNodeUnusedWhenAnOutputIsRefused) {
+    const CheckReport report =
+        checkText(node("c", "CoreConstant", named("Tint")) + output("colour", "lamp", "read"));
+    EXPECT_EQ(errorsOf(report), Lines{"m.xml:3: error: there is no node with the id \"lamp\""});
+    EXPECT_TRUE(report.warnings.empty());
+}
+
 TEST(CheckFile, ReportsOneErrorOfWhatIsNoMaterial) {
     const testing::TemporaryDirectory directory;
     for (const char* text : {"", "<material version=\"1\" name=\"A\">", "<shader/>"}) {

@@ -68,8 +68,8 @@ TEST(Export, WritesThreeFiles) {
     EXPECT_EQ(outcome.errors, "");
     EXPECT_NE(outcome.output.find("Rusty"), std::string::npos) << outcome.output;
     EXPECT_EQ(stateOf(target).size(), 3U);
-    EXPECT_EQ(readText(target / "Rusty.vert.cg").rfind("// Rusty, vertex program.", 0), 0U);
-    EXPECT_EQ(readText(target / "Rusty.frag.cg").rfind("// Rusty, fragment program.", 0), 0U);
+    EXPECT_EQ(readText(target / "Rusty.vert.cg").rfind("// Vertex program.", 0), 0U);
+    EXPECT_EQ(readText(target / "Rusty.frag.cg").rfind("// Fragment program.", 0), 0U);
     EXPECT_EQ(readText(target / "Rusty.bindings.xml"),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<bindings version=\"1\" material=\"Rusty\">\n"
@@ -332,9 +332,10 @@ TEST(Usage, ShowsHelpWithExamples) {
 
 TEST(Plugins, ComeFromThreePlaces) {
     const TemporaryDirectory directory;
-    const auto material = directory.write("m.xml", documentText(node("p", "Plain") + maths("m", "Invert") +
-                                                                connection("p", "out", "m", "in_value1") +
-                                                                output("colour", "m", "out_value")));
+    const auto material =
+        directory.write("m.xml", documentText(node("p", "Plain") + maths("m", "Invert") +
+                                              connection("p", "out_value", "m", "in_value1") +
+                                              output("colour", "m", "out_value")));
     const std::vector<std::string> arguments = {"export", material.string(), "-q", "-o",
                                                 directory.path().string()};
     EXPECT_EQ(patina(arguments).exitCode, 1) << "a placeholder";
@@ -372,8 +373,8 @@ TEST(Plugins, WhoseNodesThrowDoNotCrashTheCommand) {
     for (const char* type : {"ThrowingCode", "ThrowingBinding", "ThrowingUpdate", "ThrowingResolution",
                              "ThrowingLoad", "ThrowingConstructor"}) {
         const TemporaryDirectory directory;
-        const auto material =
-            directory.write("m.xml", documentText("\n" + node("h", type) + output("colour", "h", "out")));
+        const auto material = directory.write(
+            "m.xml", documentText("\n" + node("h", type) + output("colour", "h", "out_value")));
         const Outcome outcome = patina({"export", material.string(), "-o", directory.path().string(),
                                         "--plugin", testPlugin("hostile_nodes")});
         EXPECT_EQ(outcome.exitCode, 1) << type;

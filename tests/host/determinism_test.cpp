@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace patina {
@@ -36,6 +37,17 @@ std::string replaced(std::string text, const std::string& piece, const std::stri
     const std::size_t found = text.find(piece);
     EXPECT_NE(found, std::string::npos) << piece;
     return text.replace(found, piece.size(), replacement);
+}
+
+/// The digests of the programs in a bindings file.
+std::vector<std::string> hashesIn(const std::string& bindings) {
+    constexpr std::string_view attribute = "sha256=\"";
+    std::vector<std::string> hashes;
+    for (std::size_t at = bindings.find(attribute); at != std::string::npos;
+         at = bindings.find(attribute, at + 1)) {
+        hashes.push_back(bindings.substr(at + attribute.size(), 64));
+    }
+    return hashes;
 }
 
 TEST(Determinism, AnotherProcessGivesTheSameBytes) {
@@ -75,6 +87,25 @@ TEST(Determinism, WhatTheShaderDoesNotComputeIsNotInIt) {
     for (const Change& change : changes) {
         EXPECT_EQ(programsOf(replaced(text, change.piece, change.replacement)), programs) << change.what;
     }
+}
+
+TEST(Determinism, MaterialsOfDifferentNamesShareTheirPrograms) {
+    const std::string body = testing::node("uv", "CoreUv") + testing::node("t", "CoreTexture") +
+                             testing::connection("uv", "read", "t", "in_uv") +
+                             testing::output("colour", "t", "out_colour");
+    const auto exportOf = [&](const std::string& name) {
+        Material material = testing::built(body);
+        material.name = name;
+        return testing::exportedFrom(material);
+    };
+    const ExportedMaterial rust = exportOf("Rust");
+    const ExportedMaterial snow = exportOf("Snow");
+    EXPECT_EQ(rust.vertexProgram.name, "Rust.vert.cg");
+    EXPECT_EQ(snow.vertexProgram.name, "Snow.vert.cg");
+    EXPECT_EQ(rust.vertexProgram.content, snow.vertexProgram.content);
+    EXPECT_EQ(rust.fragmentProgram.content, snow.fragmentProgram.content);
+    EXPECT_EQ(hashesIn(rust.bindings.content).size(), 2U);
+    EXPECT_EQ(hashesIn(rust.bindings.content), hashesIn(snow.bindings.content));
 }
 
 TEST(Determinism, WhatTheShaderComputesIsInIt) {

@@ -1,5 +1,6 @@
 #include "host/graphviz.h"
 #include "tests/host/host_checks.h"
+#include "tests/host/sample_flow.h"
 
 #include "tests/support/comma_locale.h"
 
@@ -248,6 +249,16 @@ TEST(Graphs, AreTheSameInEveryLocale) {
     const testing::CommaLocale comma;
     EXPECT_EQ(printMaterialGraph(built(shared)), materialGraph);
     EXPECT_EQ(shaderGraphOf(shared), shaderGraph);
+}
+
+TEST(ShaderGraph, DrawsWhatSeveralNodesDeclare) {
+    testing::Flow flow;
+    const ShaderType float3 = {ComponentType::Float, 3, 1, 1};
+    const std::size_t first = flow.varying("normal", float3);
+    const std::size_t second = flow.varying("normal", float3);
+    const StagedShader stages = flow.place(flow.function(ExecutionLevel::Fragment, {first, second}, float3));
+    const std::string graph = printShaderGraph(flow.material, flow.flow, stages);
+    EXPECT_EQ(count(graph, "label=\"float3 TEXCOORD0.xyz\""), 2U) << graph;
 }
 
 } // namespace

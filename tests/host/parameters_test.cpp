@@ -24,13 +24,14 @@ constexpr ShaderType float2 = {ComponentType::Float, 2, 1, 1};
 constexpr ShaderType float3 = {ComponentType::Float, 3, 1, 1};
 constexpr ShaderType float4 = {ComponentType::Float, 4, 1, 1};
 
-/// A node whose code is the test's; its output "out" has three components.
+/// A node whose code is the test's; its output "result" has three components.
 class CodeNode : public MaterialNode {
 public:
-    using Code = std::function<Handle(GraphGenerator&)>; ///< gives the node with the port "out", or nothing
+    using Code =
+        std::function<Handle(GraphGenerator&)>; ///< gives the node with the port "result", or nothing
 
     explicit CodeNode(Code code) : MaterialNode("Code"), code_(std::move(code)) {
-        outputs.emplace_back("out");
+        outputs.emplace_back("result");
         outputs.back().setComponentCount(3);
         outputs.back().setPrecision(2);
     }
@@ -44,7 +45,7 @@ private:
     Code code_;
 };
 
-/// A material of nodes "a", "b" and so on, in lines from 10, whose last one's "out" is the colour.
+/// A material of nodes "a", "b" and so on, in lines from 10, whose last one's "result" is the colour.
 class Sample {
 public:
     explicit Sample(const std::vector<CodeNode::Code>& codes) {
@@ -64,7 +65,7 @@ public:
         output.name = "colour";
         output.source = material_.items.size() - 1;
         output.record = std::make_shared<NodeConnection>();
-        output.record->sourcePort = "out";
+        output.record->sourcePort = "result";
         material_.items.back().node->outputLinks.push_back(output.record);
         material_.outputs.push_back(output);
     }
@@ -87,14 +88,14 @@ Handle emitFunction(GraphGenerator& generator, const std::vector<Handle>& inputs
                     ExecutionLevel level = ExecutionLevel::Automatic, const std::string& name = "f") {
     FunctionBuilder builder;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        builder.addInput(inputs[i]->type, "in" + std::to_string(i));
+        builder.addInput(inputs[i]->type, "value" + std::to_string(i));
     }
-    builder.addOutput(output, "out");
-    builder.appendCode("\tout = 0.5;\n");
+    builder.addOutput(output, "result");
+    builder.appendCode("\tresult = 0.5;\n");
     const Handle function = builder.makeNode(level, name);
     generator.addNode(function);
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        generator.connect(inputs[i], "read", function, "in" + std::to_string(i));
+        generator.connect(inputs[i], "read", function, "value" + std::to_string(i));
     }
     return function;
 }
@@ -125,7 +126,7 @@ CodeNode::Code writer(const std::function<Handle()>& make, const ShaderType& typ
                       ExecutionLevel level = ExecutionLevel::Automatic) {
     return [=](GraphGenerator& generator) {
         const Handle value = emitFunction(generator, {}, type, level, "source");
-        generator.connect(value, "out", submit(generator, make()), "write");
+        generator.connect(value, "result", submit(generator, make()), "write");
         return Handle();
     };
 }
@@ -145,11 +146,11 @@ TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
 	out float4 colour : COLOR0 )
 {
-	float3 a_out;
-	source( a_out );
-	float3 b_out;
-	f( a_out, b_out );
-	colour = float4( b_out, 1.0 );
+	float3 a_result;
+	source( a_result );
+	float3 b_result;
+	f( a_result, b_result );
+	colour = float4( b_result, 1.0 );
 }
 )");
     // the reader may come first
@@ -157,9 +158,9 @@ TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
 	out float4 colour : COLOR0 )
 {
-	float3 c_out;
-	f( c_out );
-	colour = float4( c_out, 1.0 );
+	float3 c_result;
+	f( c_result );
+	colour = float4( c_result, 1.0 );
 }
 )");
 }
@@ -167,9 +168,9 @@ TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
 TEST(InterfaceParameters, ConvertWhatIsWrittenToThem) {
     const ExportedMaterial shader = Sample({writer(lamp, float1), reader(lamp)}).shader();
     EXPECT_NE(shader.fragmentProgram.content.find("\tfloat3 a_out_value;\n"
-                                                  "\tpromoteAndSplat( a_out, a_out_value );\n"
-                                                  "\tfloat3 b_out;\n"
-                                                  "\tf( a_out_value, b_out );\n"),
+                                                  "\tpromoteAndSplat( a_result, a_out_value );\n"
+                                                  "\tfloat3 b_result;\n"
+                                                  "\tf( a_out_value, b_result );\n"),
               std::string::npos)
         << shader.fragmentProgram.content;
 }
@@ -193,13 +194,141 @@ TEST(InterfaceParameters, MayNotFeedThemselves) {
     expectError(Sample({back}).error(), "sample.xml:10", {"node \"a\" (\"Code\")", "interface parameter"});
 }
 
+TEST(InterfaceParameters, NameAllThatFeedThemselves) {
+    const auto passed = [](const char* from, const char* to) {
+        return [=](GraphGenerator& generator) {
+            const Handle value =
+                emitFunction(generator, {submit(generator, interfaceOf(from, float3))}, float3);
+            generator.connect(value, "result", submit(generator, interfaceOf(to, float3)), "write");
+            return value;
+        };
+    };
+    EXPECT_EQ(
+        Sample({passed("lamp", "mirror"), passed("mirror", "lamp")}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): this needs its own value, through node \"b\" "
+        "(\"Code\") and interface parameter \"lamp\" (float3,flags=0) and interface parameter \"mirror\" "
+        "(float3,flags=0); take one of them out of the cycle");
+    EXPECT_EQ(Sample({passed("lamp", "lamp")}).error(),
+              "sample.xml:10: error: node \"a\" (\"Code\"): the code of this node depends on itself through "
+              "interface parameter \"lamp\" (float3,flags=0); report this to the author of its plug-in");
+}
+
+/// Gives what it was made with for "lamp", and nothing else.
+class LampProvider : public InterfaceProvider {
+public:
+    explicit LampProvider(std::function<Handle(Graph&)> make) : make_(std::move(make)) {}
+    Handle provideInterfaceNode(const std::string& name, std::int32_t flags, Graph& graph) override {
+        return name == "lamp" && flags == 0 ? make_(graph) : nullptr;
+    }
+
+private:
+    std::function<Handle(Graph&)> make_;
+};
+
+/// Reads the lamp, and brings a provider along for it.
+CodeNode::Code readerWith(std::function<Handle(Graph&)> make) {
+    return [make = std::move(make)](GraphGenerator& generator) {
+        generator.graph->interfaceProviders.push_back(std::make_shared<LampProvider>(make));
+        return emitFunction(generator, {submit(generator, lamp())}, float3);
+    };
+}
+
+TEST(InterfaceParameters, ThatNobodyWritesAreAskedOfTheProviders) {
+    const ExportedMaterial shader =
+        Sample({readerWith([](Graph&) { return makeUniformParameter("lampColour", float1); })}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0 )
+{
+	float3 lampColour_float3;
+	promoteAndSplat( lampColour, lampColour_float3 );
+	float3 a_result;
+	f( lampColour_float3, a_result );
+	colour = float4( a_result, 1.0 );
+}
+)");
+    EXPECT_NE(shader.fragmentProgram.content.find("\nuniform float lampColour : register( c0 );\n"),
+              std::string::npos)
+        << shader.fragmentProgram.content;
+}
+
+TEST(InterfaceParameters, ThatANodeWritesAreNotAskedFor) {
+    const auto provided = readerWith([](Graph&) -> Handle { throw ShaderError("asked in vain"); });
+    EXPECT_EQ(Sample({writer(lamp, float3), provided}).error(), noError);
+    EXPECT_EQ(Sample({provided}).error(), "sample.xml:10: error: node \"a\" (\"Code\"): asked in vain");
+}
+
+TEST(InterfaceParameters, AreReadFromOneAnother) {
+    // what the provider gives for the lamp reads what the framework gives
+    const auto provide = [](Graph& graph) {
+        const Handle position = interfaceOf("objectPosition", float3);
+        graph.insertNode(position);
+        FunctionBuilder builder;
+        builder.addInput(float3, "value");
+        builder.addOutput(float3, "read");
+        builder.appendCode("\tread = 2.0*value;\n");
+        const Handle function = builder.makeNode(ExecutionLevel::Vertex, "twice");
+        graph.insertNode(function);
+        graph.connect(position, "read", function, "value");
+        return function;
+    };
+    EXPECT_EQ(mainOf(Sample({readerWith(provide)}).shader().vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out_position;
+	objectPositionCode( position, a_out_position );
+	float3 a_read;
+	twice( a_out_position, a_read );
+	interpolant0.xyz = a_read;
+}
+)");
+}
+
+TEST(InterfaceParameters, NeedAValueOfTheirProvider) {
+    EXPECT_EQ(
+        Sample({readerWith([](Graph&) { return registerOf(5, 0, float1); })}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): this reads interface parameter \"lamp\" "
+        "(float3,flags=0), for which a provider gives Cg register parameter PSIZE (float), which has no "
+        "value; report this to the author of its plug-in");
+    expectError(Sample({readerWith([](Graph&) { return makeUniformParameter("pair", float2); })}).error(),
+                "sample.xml:10",
+                {"node \"a\" (\"Code\")", "uniform parameter \"pair\" (float2)", "\"lamp\""});
+    // a second parameter of the name, which nobody writes either
+    expectError(Sample({readerWith([](Graph&) { return lamp(); })}).error(), "sample.xml:10",
+                {"node \"a\" (\"Code\")", "interface parameter \"lamp\"", "no node writes"});
+}
+
+TEST(FrameworkValues, AreThereInAnyOrderOfTheDocument) {
+    const auto plain = reader([] { return interfaceOf("objectPosition", float3); });
+    const auto asking = [](GraphGenerator& generator) {
+        generator.graph->findInterfaceNode("objectPosition", 0, float3);
+        return emitFunction(generator, {submit(generator, interfaceOf("objectPosition", float3))}, float3);
+    };
+    const std::string expected = R"(void main(
+	float4 position : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	float3 a_out_position;
+	objectPositionCode( position, a_out_position );
+	interpolant0.xyz = a_out_position;
+}
+)";
+    EXPECT_EQ(mainOf(Sample({plain}).shader().vertexProgram), expected);
+    EXPECT_EQ(mainOf(Sample({asking, plain}).shader().vertexProgram), expected);
+    EXPECT_EQ(mainOf(Sample({plain, asking}).shader().vertexProgram), expected);
+}
+
 TEST(FrameworkValues, GiveTheObjectPositionOnce) {
     const auto read = [](GraphGenerator& generator) {
         generator.graph->findInterfaceNode("objectPosition", 0, float3);
         return emitFunction(generator, {submit(generator, interfaceOf("objectPosition", float3))}, float3);
     };
     const ExportedMaterial shader = Sample({read, read}).shader();
-    EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
+    EXPECT_EQ(shader.vertexProgram.content, R"(// Vertex program. Written by patina.
 
 // node "a" ("Code")
 void objectPositionCode( float4 in_position, out float3 out_position )
@@ -233,7 +362,7 @@ TEST(InterpolantParameters, AreComputedPerVertex) {
         const Handle value = emitFunction(generator, {uv}, float3, ExecutionLevel::Automatic, "source");
         const Handle crossing =
             submit(generator, makeParameterNode(NodeKind::InterpolantParameter, {}, float3));
-        generator.connect(value, "out", crossing, "write");
+        generator.connect(value, "result", crossing, "write");
         return emitFunction(generator, {crossing}, float3);
     };
     const ExportedMaterial shader = Sample({interpolated}).shader();
@@ -244,9 +373,9 @@ TEST(InterpolantParameters, AreComputedPerVertex) {
 	out float3 interpolant0 : TEXCOORD0 )
 {
 	clipPosition = QelTransformPosition( position );
-	float3 a_out;
-	source( map1, a_out );
-	float3 a_read = a_out;
+	float3 a_result;
+	source( map1, a_result );
+	float3 a_read = a_result;
 	interpolant0.xyz = a_read;
 }
 )");
@@ -255,9 +384,9 @@ TEST(InterpolantParameters, AreComputedPerVertex) {
 	out float4 colour : COLOR0 )
 {
 	float3 a_read = interpolant0.xyz;
-	float3 a_out_2;
-	f( a_read, a_out_2 );
-	colour = float4( a_out_2, 1.0 );
+	float3 a_result_2;
+	f( a_read, a_result_2 );
+	colour = float4( a_result_2, 1.0 );
 }
 )");
 }
@@ -267,7 +396,7 @@ TEST(InterpolantParameters, RefuseFragmentValues) {
         const Handle value = emitFunction(generator, {}, float3, ExecutionLevel::Fragment, "source");
         const Handle crossing =
             submit(generator, makeParameterNode(NodeKind::InterpolantParameter, {}, float3));
-        generator.connect(value, "out", crossing, "write");
+        generator.connect(value, "result", crossing, "write");
         return emitFunction(generator, {crossing}, float3);
     };
     expectError(Sample({wrong}).error(), "sample.xml:10", {"node \"a\" (\"Code\")", "runs per fragment"});
@@ -284,11 +413,11 @@ TEST(RegisterParameters, AreReadInTheirStage) {
         FunctionBuilder builder;
         builder.addInput(float3, "a");
         builder.addInput(float3, "b");
-        builder.addOutput(float3, "out");
-        builder.appendCode("\tout = a + b;\n");
+        builder.addOutput(float3, "result");
+        builder.appendCode("\tresult = a + b;\n");
         const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Automatic, "add"));
-        generator.connect(scaled, "out", last, "a");
-        generator.connect(sum, "out", last, "b");
+        generator.connect(scaled, "result", last, "a");
+        generator.connect(sum, "result", last, "b");
         return last;
     };
     const ExportedMaterial shader = Sample({both}).shader();
@@ -302,9 +431,9 @@ TEST(RegisterParameters, AreReadInTheirStage) {
 	float2 extra : ATTR5 )
 {
 	clipPosition = QelTransformPosition( position );
-	float3 a_out;
-	scale( extra, strength, a_out );
-	interpolant0.xyz = a_out;
+	float3 a_result;
+	scale( extra, strength, a_result );
+	interpolant0.xyz = a_result;
 }
 )");
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
@@ -312,12 +441,12 @@ TEST(RegisterParameters, AreReadInTheirStage) {
 	out float4 colour : COLOR0,
 	float2 WPOS : WPOS )
 {
-	float3 a_out = interpolant0.xyz;
-	float3 a_out_2;
-	f( WPOS, a_out_2 );
-	float3 a_out_3;
-	add( a_out, a_out_2, a_out_3 );
-	colour = float4( a_out_3, 1.0 );
+	float3 a_result = interpolant0.xyz;
+	float3 a_result_2;
+	f( WPOS, a_result_2 );
+	float3 a_result_3;
+	add( a_result, a_result_2, a_result_3 );
+	colour = float4( a_result_3, 1.0 );
 }
 )");
 }
@@ -333,21 +462,21 @@ TEST(RegisterParameters, AreWrittenWithoutAnyOtherReader) {
 	out float PSIZE : PSIZE )
 {
 	clipPosition = QelTransformPosition( position );
-	float b_out;
-	source( b_out );
-	PSIZE = b_out;
+	float b_result;
+	source( b_result );
+	PSIZE = b_result;
 }
 )");
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
 	out float4 colour : COLOR0,
 	out float depth : DEPTH )
 {
-	float a_out;
-	source( a_out );
-	float3 c_out;
-	f( c_out );
-	colour = float4( c_out, 1.0 );
-	depth = a_out;
+	float a_result;
+	source( a_result );
+	float3 c_result;
+	f( c_result );
+	colour = float4( c_result, 1.0 );
+	depth = a_result;
 }
 )");
 }
@@ -363,9 +492,9 @@ TEST(RegisterParameters, AreSharedByReadersOfOneType) {
 	out float4 colour : COLOR0,
 	float2 WPOS : WPOS )
 {
-	float3 a_out;
-	f( WPOS, WPOS, a_out );
-	colour = float4( a_out, 1.0 );
+	float3 a_result;
+	f( WPOS, WPOS, a_result );
+	colour = float4( a_result, 1.0 );
 }
 )");
 }
@@ -374,11 +503,11 @@ TEST(RegisterParameters, LeaveNoRoomForPackedInterpolants) {
     const auto crossing = [](GraphGenerator& generator) {
         const Handle vertex = emitFunction(generator, {}, float4, ExecutionLevel::Vertex, "source");
         FunctionBuilder builder;
-        builder.addInput(float4, "in");
-        builder.addOutput(float3, "out");
-        builder.appendCode("\tout = in.xyz;\n");
+        builder.addInput(float4, "value");
+        builder.addOutput(float3, "result");
+        builder.appendCode("\tresult = value.xyz;\n");
         const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Fragment, "f"));
-        generator.connect(vertex, "out", last, "in");
+        generator.connect(vertex, "result", last, "value");
         return last;
     };
     const ExportedMaterial shader =
@@ -390,12 +519,12 @@ TEST(RegisterParameters, LeaveNoRoomForPackedInterpolants) {
 	out float2 mine : TEXCOORD0 )
 {
 	clipPosition = QelTransformPosition( position );
-	float2 a_out;
-	source( a_out );
-	float4 b_out;
-	source_2( b_out );
-	interpolant0.xyzw = b_out;
-	mine = a_out;
+	float2 a_result;
+	source( a_result );
+	float4 b_result;
+	source_2( b_result );
+	interpolant0.xyzw = b_result;
+	mine = a_result;
 }
 )");
 }
@@ -440,6 +569,107 @@ TEST(RegisterParameters, AreNotClaimedTwice) {
                 {"Cg register parameter WPOS (float4)", "node \"a\"", "Cg register parameter WPOS (float2)"});
 }
 
+TEST(RegisterParameters, ThatInterpolateNeedAWriter) {
+    const auto texcoord = [](std::int32_t number) {
+        return reader([=] { return registerOf(registers::fragmentInterpolant, number, float2); });
+    };
+    const auto written = [](const ShaderType& type) {
+        return writer([=] { return registerOf(registers::vertexInterpolant, 3, type, "mine"); }, type);
+    };
+    EXPECT_EQ(
+        Sample({texcoord(3)}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): this reads Cg register parameter TEXCOORD3 (float2), "
+        "and no node writes \"TEXCOORD3\" per vertex; add one that does, or read an interpolant parameter");
+    expectError(Sample({written(float2), texcoord(4)}).error(), "sample.xml:11",
+                {"node \"b\" (\"Code\")", "TEXCOORD4"});
+    EXPECT_EQ(
+        Sample({written(float3), texcoord(3)}).error(),
+        "sample.xml:11: error: node \"b\" (\"Code\"): this reads Cg register parameter TEXCOORD3 (float2), "
+        "and node \"a\" (\"Code\") writes it as float3; both must have one type");
+    const ExportedMaterial shader = Sample({written(float2), texcoord(3)}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	out float4 colour : COLOR0,
+	float2 TEXCOORD3 : TEXCOORD3 )
+{
+	float3 b_result;
+	f( TEXCOORD3, b_result );
+	colour = float4( b_result, 1.0 );
+}
+)");
+}
+
+TEST(RegisterParameters, CrossOnceForAllReaders) {
+    const auto extra = [] { return registerOf(registers::vertexAttribute, 5, float4, "extra"); };
+    const ExportedMaterial shader = Sample({[&](GraphGenerator& generator) {
+                                        const Handle first = submit(generator, extra());
+                                        const Handle second = submit(generator, extra());
+                                        return emitFunction(generator, {first, second}, float3);
+                                    }}).shader();
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	float4 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0 )
+{
+	float4 extra = interpolant0.xyzw;
+	float3 a_result;
+	f( extra, extra, a_result );
+	colour = float4( a_result, 1.0 );
+}
+)");
+}
+
+TEST(VaryingParameters, CrossOnceForAllReaders) {
+    const ExportedMaterial shader =
+        Sample({[](GraphGenerator& generator) {
+            const Handle first = submit(generator, makeVaryingParameter("normal", float3));
+            const Handle second = submit(generator, makeVaryingParameter("normal", float3));
+            return emitFunction(generator, {first, second}, float3);
+        }}).shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 position : ATTR0,
+	float3 normal : ATTR1,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( position );
+	interpolant0.xyz = normal;
+}
+)");
+    EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(
+	float3 interpolant0 : TEXCOORD0,
+	out float4 colour : COLOR0 )
+{
+	float3 normal = interpolant0.xyz;
+	float3 a_result;
+	f( normal, normal, a_result );
+	colour = float4( a_result, 1.0 );
+}
+)");
+}
+
+TEST(VaryingParameters, OfThePositionsRegisterAreThePosition) {
+    const auto position = [](const std::string& name) {
+        return makeParameterNode(NodeKind::VaryingParameter, name, float4, 0,
+                                 {registers::vertexAttribute, 0});
+    };
+    const ExportedMaterial shader =
+        Sample({[&](GraphGenerator& generator) {
+            const Handle first = submit(generator, position("objPos"));
+            const Handle second = submit(generator, position("place"));
+            return emitFunction(generator, {first, second}, float3, ExecutionLevel::Vertex);
+        }}).shader();
+    EXPECT_EQ(mainOf(shader.vertexProgram), R"(void main(
+	float4 objPos : ATTR0,
+	out float4 clipPosition : POSITION,
+	out float3 interpolant0 : TEXCOORD0 )
+{
+	clipPosition = QelTransformPosition( objPos );
+	float3 a_result;
+	f( objPos, objPos, a_result );
+	interpolant0.xyz = a_result;
+}
+)");
+}
+
 TEST(RegisterParameters, OfTheFragmentProgramStayThere) {
     expectError(Sample({reader([] { return registerOf(10, 0, float2); }, ExecutionLevel::Vertex)}).error(),
                 "sample.xml:10",
@@ -451,16 +681,57 @@ TEST(InnerEdges, OfTypesThatDoNotConvertAreRefused) {
     const auto wrong = [](GraphGenerator& generator) {
         const Handle pair = submit(generator, makeUniformParameter("pair", float2));
         FunctionBuilder builder;
-        builder.addInput(float3, "in");
-        builder.addOutput(float3, "out");
+        builder.addInput(float3, "value");
+        builder.addOutput(float3, "result");
         const Handle last = submit(generator, builder.makeNode(ExecutionLevel::Automatic, "last"));
         // the graph itself takes every edge
-        generator.graph->connect(pair, "read", last, "in");
+        generator.graph->connect(pair, "read", last, "value");
         return last;
     };
     expectError(
         Sample({wrong}).error(), "sample.xml:10",
         {"node \"a\" (\"Code\")", "uniform parameter \"pair\" (float2)", "function \"last\" (1/1/*)"});
+}
+
+TEST(InnerEdges, OfAnInputThatIsConnectedAreRefused) {
+    class FedNode : public MaterialNode {
+    public:
+        FedNode() : MaterialNode("Fed") {
+            inputs.emplace_back("value0");
+            outputs.emplace_back("result");
+            outputs.back().setComponentCount(3);
+        }
+        void generateCode(GraphGenerator& generator) override {
+            const Handle inner = submit(generator, makeUniformParameter("inner", float3));
+            attachLinks(generator, emitFunction(generator, {inner}, float3));
+        }
+    };
+    Material material;
+    material.file = "sample.xml";
+    const auto add = [&](const std::string& id, std::shared_ptr<MaterialNode> node) {
+        MaterialItem item;
+        item.id = id;
+        item.node = std::move(node);
+        item.line = static_cast<int>(10 + material.items.size());
+        material.downstream.push_back(material.items.size());
+        material.items.push_back(item);
+    };
+    add("a", std::make_shared<CodeNode>(emitColour));
+    add("b", std::make_shared<FedNode>());
+    MaterialConnection connection;
+    connection.source = 0;
+    connection.destination = 1;
+    connection.line = 20;
+    connection.record = std::make_shared<NodeConnection>();
+    connection.record->sourcePort = "result";
+    connection.record->destinationPort = "value0";
+    material.items[0].node->outputLinks.push_back(connection.record);
+    material.items[1].node->inputLinks.push_back(connection.record);
+    material.connections.push_back(connection);
+    EXPECT_EQ(
+        hostErrorOf([&] { joinGraph(material, generateGraph(material)); }),
+        "sample.xml:20: error: node \"b\" (\"Fed\"), input \"value0\": this connection feeds \"value0\" of "
+        "function \"f\" (1/1/*), and so does the code of node \"b\" (\"Fed\"); only one of them can");
 }
 
 TEST(PrintOptions, AnnotationsNameTheTypes) {
@@ -489,7 +760,7 @@ TEST(PrintOptions, TheFrameworkIsLeftOut) {
     ExportOptions options;
     options.print.framework = false;
     const ExportedMaterial shader = testing::exportedFrom(material, options);
-    EXPECT_EQ(shader.vertexProgram.content, R"(// Sample, vertex program. Written by patina.
+    EXPECT_EQ(shader.vertexProgram.content, R"(// Vertex program. Written by patina.
 
 void main(
 	float4 position : ATTR0,

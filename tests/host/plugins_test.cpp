@@ -308,12 +308,12 @@ TEST(HostileNodes, FailWithTheNodeNamed) {
         {"Interpolant", {"node \"h\" (\"Interpolant\")", "\"write\"", "interpolant parameter (float)"}},
         {"VertexInt", {"node \"h\" (\"VertexInt\")", "int"}},
         {"Loop", {"node \"h\" (\"Loop\")", "itself"}},
-        {"Unfed", {"node \"h\" (\"Unfed\")", "\"in\"", "function \"hungry\" (1/1/*)"}},
-        {"Silent", {"node \"h\" (\"Silent\")", "\"out\""}},
-        {"WrongPort", {"node \"h\" (\"WrongPort\")", "\"out\""}},
+        {"Unfed", {"node \"h\" (\"Unfed\")", "\"in_value\"", "function \"hungry\" (1/1/*)"}},
+        {"Silent", {"node \"h\" (\"Silent\")", "\"out_value\""}},
+        {"WrongPort", {"node \"h\" (\"WrongPort\")", "\"out_value\""}},
         {"DuplicateParameter",
          {"node \"h\" (\"DuplicateParameter\")",
-          "parameter name \"out\" is duplicated in function \"unknown\""}},
+          "parameter name \"out_value\" is duplicated in function \"unknown\""}},
         {"ThrowingCode", {"node \"h\" (\"ThrowingCode\")", "the node is out of order"}},
         {"ThrowingBinding", {"node \"h\" (\"ThrowingBinding\")", "the node is out of order"}},
         {"ThrowingUpdate", {"node \"h\" (\"ThrowingUpdate\")", "the node is out of order"}},
@@ -329,8 +329,9 @@ TEST(HostileNodes, FailWithTheNodeNamed) {
         std::string error;
         try {
             Warnings warnings;
-            Material material = buildMaterial(
-                testing::parsed("\n" + node("h", type) + output("colour", "h", "out")), plugins, warnings);
+            Material material =
+                buildMaterial(testing::parsed("\n" + node("h", type) + output("colour", "h", "out_value")),
+                              plugins, warnings);
             testing::exportedFrom(material);
             ADD_FAILURE() << type << " does not fail";
         } catch (const HostError& hostError) {
@@ -351,9 +352,10 @@ TEST(HostileNodes, MayNameTheirFunctionsAsTheyLike) {
     plugins.add(testPlugin("hostile_nodes"));
     Warnings warnings;
     Material material = buildMaterial(
-        testing::parsed(node("h", "ConversionName") + output("colour", "h", "out")), plugins, warnings);
+        testing::parsed(node("h", "ConversionName") + output("colour", "h", "out_value")), plugins, warnings);
     const std::string program = testing::exportedFrom(material).fragmentProgram.content;
-    EXPECT_NE(program.find("void promoteAndSplat( out float out )\n{\n\tout = 1.0;\n}\n"), std::string::npos)
+    EXPECT_NE(program.find("void promoteAndSplat( out float out_value )\n{\n\tout_value = 1.0;\n}\n"),
+              std::string::npos)
         << program;
 }
 

@@ -38,8 +38,8 @@ float4 QelTransformPosition( float4 position )
 }
 )";
 
-const std::string vertexHeader = "// Sample, vertex program. Written by patina.\n" + vertexFramework;
-const std::string fragmentHeader = "// Sample, fragment program. Written by patina.\n" + framework;
+const std::string vertexHeader = "// Vertex program. Written by patina.\n" + vertexFramework;
+const std::string fragmentHeader = "// Fragment program. Written by patina.\n" + framework;
 
 void expectPrograms(const std::string& body, const std::string& vertex, const std::string& fragment) {
     const ExportedMaterial material = exported(body);
@@ -301,7 +301,9 @@ std::string textures(int count) {
 TEST(PrintPrograms, ReadSixteenTexturesAndNoMore) {
     const std::string program = exported(textures(16)).fragmentProgram.content;
     EXPECT_NE(program.find("uniform sampler2D T15 : TEXUNIT15;\n"), std::string::npos) << program;
-    expectError(exportError(textures(17)), "sample.xml:1", {"fragment", "16", "textures"});
+    expectError(exportError(textures(17)), "sample.xml:82",
+                {"node \"t16\" (\"T16\")", "uniform parameter \"T16\" (sampler2D)", "fragment", "17 textures",
+                 "there are 16"});
 }
 
 /// Colour sets of three components, summed; a register holds one.
@@ -325,7 +327,9 @@ TEST(PrintPrograms, ReadFifteenVertexAttributesAndNoMore) {
     const ExportedMaterial material = exported(colourSets(15, "Vertex"));
     EXPECT_NE(material.vertexProgram.content.find("\thalf3 V14 : ATTR15,\n"), std::string::npos);
     EXPECT_EQ(material.interpolantCount, 1U);
-    expectError(exportError(colourSets(16, "Vertex")), "sample.xml:1", {"vertex", "16"});
+    expectError(exportError(colourSets(16, "Vertex")), "sample.xml:61",
+                {"node \"v15\" (\"V15\")", "varying parameter \"V15\" (half3)", "vertex",
+                 "17 vertex attributes, the position among them", "there are 16"});
     EXPECT_EQ(exported(colourSets(10, "Automatic")).interpolantCount, 10U);
     expectError(exportError(colourSets(11, "Automatic")), "sample.xml:1", {"11", "10"});
 }

@@ -168,6 +168,14 @@ TEST(AssignRegisters, RefusesOneRegisterForTwoParameters) {
     expectError(attributes.error(), "flow.xml:11", {"node \"item1\"", "ATTR3", "node \"item0\""});
 }
 
+TEST(AssignRegisters, GivesThePositionNoOtherRegister) {
+    Parameters parameters;
+    parameters.readByVertex({parameters.varying("P", {registers::vertexAttribute, 0}),
+                             parameters.varying("Q", {registers::vertexAttribute, 0}),
+                             parameters.varying("P"), parameters.varying("R")});
+    EXPECT_EQ(parameters.lines(parameters.assign().attributes), Lines{"R ATTR1"});
+}
+
 TEST(AssignRegisters, RefusesTwoRegistersForOneParameter) {
     Parameters parameters;
     parameters.readByFragment(
@@ -245,25 +253,54 @@ TEST(AssignRegisters, RefusesRegistersThatCannotHoldAVarying) {
 }
 
 TEST(AssignRegisters, RefusesMoreThanThereAre) {
+    Parameters full;
+    full.readByVertex({full.uniform("A", arrayOf(1020))});
+    EXPECT_EQ(full.error(), testing::noError);
+
     Parameters constants;
     constants.readByVertex({constants.uniform("A", arrayOf(1020))});
-    EXPECT_EQ(constants.error(), testing::noError);
     constants.readByVertex({constants.uniform("B", float1)});
-    expectError(constants.error(), "flow.xml:2", {"vertex", "1024", "constant registers"});
+    EXPECT_EQ(
+        constants.error(),
+        "flow.xml:11: error: node \"item1\" (\"Item\"): uniform parameter \"B\" (float) finds no room: the "
+        "vertex program needs 1025 constant registers, the framework's matrix among them, and there are "
+        "1024; let nodes share parameters, or leave some out");
 
     Parameters textures;
     Indices samplers;
     for (int i = 0; i < 4; ++i) {
         samplers.push_back(textures.uniform("T" + std::to_string(i), sampler));
     }
+    samplers.push_back(textures.uniform("T4", sampler));
+    samplers.push_back(textures.uniform("T5", sampler));
     textures.readByVertex(samplers);
-    EXPECT_EQ(textures.error(), testing::noError);
-    textures.readByVertex({textures.uniform("T4", sampler)});
-    expectError(textures.error(), "flow.xml:2", {"vertex", "4", "textures"});
+    EXPECT_EQ(
+        textures.error(),
+        "flow.xml:14: error: node \"item4\" (\"Item\"): uniform parameter \"T4\" (sampler2D) finds no room: "
+        "the vertex program needs 6 textures, and there are 4; let nodes share parameters, or leave some "
+        "out");
+
+    Parameters attributes;
+    Indices varyings = {attributes.varying("V0", {registers::vertexAttribute, 5})};
+    for (int i = 1; i < 16; ++i) {
+        varyings.push_back(attributes.varying("V" + std::to_string(i)));
+    }
+    attributes.readByVertex(varyings);
+    EXPECT_EQ(
+        attributes.error(),
+        "flow.xml:25: error: node \"item15\" (\"Item\"): varying parameter \"V15\" (float4) finds no room: "
+        "the vertex program needs 17 vertex attributes, the position among them, and there are 16; let "
+        "nodes share parameters, or leave some out");
 
     Parameters huge;
     huge.readByFragment({huge.uniform("A", {ComponentType::Float, 4, 2147483647, 2147483647})});
-    expectError(huge.error(), "flow.xml:2", {"fragment", "1024", "constant registers"});
+    expectError(huge.error(), "flow.xml:10", {"fragment", "constant registers", "1024"});
+
+    Parameters beyondCounting;
+    const ShaderType most = {ComponentType::Float, 4, 2147483647, 2147483647};
+    beyondCounting.readByFragment({beyondCounting.uniform("A", most), beyondCounting.uniform("B", most),
+                                   beyondCounting.uniform("C", most)});
+    expectError(beyondCounting.error(), "flow.xml:10", {"9223372036854775807 constant registers", "1024"});
 }
 
 TEST(AssignRegisters, RefusesWhatFindsNoGap) {

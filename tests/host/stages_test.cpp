@@ -165,6 +165,66 @@ TEST(PlaceInStages, RefusesAnInterfaceParameterThatWasNotJoined) {
                 {"node \"item0\" (\"Item\")", "interface parameter \"p\" (float,flags=0)"});
 }
 
+// Declarations that several nodes share
+
+TEST(PlaceInStages, CrossesAVaryingOfSeveralNodesOnce) {
+    Flow flow;
+    const std::size_t a = flow.varying("normal", typeOf(ComponentType::Float, 3));
+    const std::size_t b = flow.varying("normal", typeOf(ComponentType::Float, 3));
+    const std::size_t other = flow.varying("tangent", typeOf(ComponentType::Float, 3));
+    const StagedShader shader = flow.place(flow.function(automaticLevel, {b, a, other}));
+    EXPECT_EQ(crossing(shader), (Indices{a, other}));
+    EXPECT_EQ(shader.registers.size(), 2U);
+    EXPECT_EQ(shader.declarations, (Indices{0, 0, 2, 3}));
+    EXPECT_EQ(shader.attributes, (Indices{a, b, other}));
+    EXPECT_TRUE(shader.positions.empty());
+}
+
+TEST(PlaceInStages, CrossesTheFirstDeclarationWhereOnlyTheSecondCrosses) {
+    Flow flow;
+    const std::size_t a = flow.varying("v");
+    const std::size_t b = flow.varying("v");
+    const std::size_t vertex = flow.function(vertexLevel, {a});
+    EXPECT_EQ(crossing(flow.place(flow.function(automaticLevel, {vertex, b}))), (Indices{a, vertex}));
+}
+
+TEST(PlaceInStages, CrossesARegisterOfSeveralNodesOnce) {
+    Flow flow;
+    const auto attribute = [&](std::int32_t number) {
+        return flow.add(makeParameterNode(NodeKind::RegisterParameter, {}, typeOf(ComponentType::Float, 4), 0,
+                                          {registers::vertexAttribute, number}),
+                        {});
+    };
+    const std::size_t a = attribute(5);
+    const std::size_t b = attribute(5);
+    const std::size_t other = attribute(6);
+    const StagedShader shader = flow.place(flow.function(fragmentLevel, {a, b, other}));
+    EXPECT_EQ(crossing(shader), (Indices{a, other}));
+}
+
+TEST(PlaceInStages, CrossesThePositionOnce) {
+    Flow flow;
+    const auto varying = [&](const std::string& name, std::int32_t number) {
+        return flow.add(makeParameterNode(NodeKind::VaryingParameter, name, typeOf(ComponentType::Float, 4),
+                                          0, {registers::vertexAttribute, number}),
+                        {});
+    };
+    const std::size_t a = varying("position", 0);
+    const std::size_t b = varying("objPos", 0);
+    const std::size_t named = flow.varying("objPos", typeOf(ComponentType::Float, 4));
+    const std::size_t other = varying("other", 3);
+    const StagedShader shader = flow.place(flow.function(fragmentLevel, {a, b, named, other}));
+    EXPECT_EQ(shader.positions, (Indices{a, b, named}));
+    EXPECT_EQ(crossing(shader), (Indices{a, other}));
+
+    const std::size_t elsewhere = varying("objPos", 7);
+    EXPECT_EQ(
+        hostErrorOf([&] { flow.place(flow.function(fragmentLevel, {elsewhere})); }),
+        "flow.xml:15: error: node \"item5\" (\"Item\"): varying parameter \"objPos\" (float4 : ATTR7) names "
+        "another register than the position of the vertex, which has that name too; rename one of the "
+        "nodes");
+}
+
 // Packing
 
 struct Item {
@@ -248,6 +308,56 @@ TEST(PackInterpolants, KeepsHalfApartWhereThatCostsNothing) {
     EXPECT_EQ(types(packed({half2, float2, half2, float2})),
               (Types{ComponentType::Float, ComponentType::Half}));
     EXPECT_EQ(types(packed({half2, float2})), Types{ComponentType::Float});
+}
+
+/// The registers that a packing takes, each as the types of its values in their order.
+std::vector<std::string> registersOf(const std::vector<Item>& items) {
+    const StagedShader shader = packed(items);
+    std::vector<std::map<std::int32_t, std::string>> values(shader.registers.size());
+    for (const Interpolant& interpolant : shader.interpolants) {
+        const Item& item = items.at(interpolant.value.node);
+        values.at(interpolant.registerIndex)[interpolant.firstComponent] =
+            typeText(typeOf(item.component, item.width));
+    }
+    std::vector<std::string> texts;
+    for (const auto& entry : values) {
+        std::string text;
+        for (const auto& [component, type] : entry) {
+            appendText(text, {text.empty() ? "" : " ", type});
+        }
+        texts.push_back(text);
+    }
+    return texts;
+}
+
+struct PackedRow {
+    std::vector<Item> items;
+    std::vector<std::string> registers;
+};
+
+TEST(PackInterpolants, MixesOnlyWhatSavesARegister) {
+    const auto half = [](std::int32_t width) { return Item{width, ComponentType::Half}; };
+    const auto full = [](std::int32_t width) { return Item{width, ComponentType::Float}; };
+    const PackedRow rows[] = {
+        {{full(3), half(3), full(2), half(2), half(1)}, {"float3", "float2 half2", "half3 half"}},
+        {{full(3), half(3), full(1), half(1)}, {"float3 float", "half3 half"}},
+        {{full(3), half(1)}, {"float3 half"}},
+        {{full(2), half(1), half(1), half(4)}, {"float2 half half", "half4"}},
+        // the room beside the float3 stays empty
+        {{full(3), full(2), half(2), half(3)}, {"float3", "float2 half2", "half3"}},
+        // one half saves the register, and the other goes where half is
+        {{full(2), half(1), half(1), half(3)}, {"float2 half", "half3 half"}},
+        {{full(3), full(2), half(2), half(3), half(1), half(4)},
+         {"float3", "float2 half2", "half4", "half3 half"}},
+        // two mixed registers cannot be avoided, and float alone would leave no room for a half3
+        {{full(1), full(1), half(3), half(3)}, {"half3 float", "half3 float"}},
+        {{full(2), full(2), full(2), half(2)}, {"float2 float2", "float2 half2"}},
+        {{half(2), half(2)}, {"half2 half2"}},
+        {{full(4), half(4)}, {"float4", "half4"}},
+    };
+    for (const PackedRow& row : rows) {
+        EXPECT_EQ(registersOf(row.items), row.registers);
+    }
 }
 
 TEST(PackInterpolants, HoldsTenRegistersAndNoMore) {

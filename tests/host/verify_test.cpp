@@ -25,8 +25,8 @@ public:
     void generateCode(GraphGenerator& /*generator*/) override {}
 };
 
-/// What is said of a function with one input "in_value" and that code.
-std::string verdictOn(const std::string& code, const std::string& input = "in_value") {
+/// What is said of the function of a node in line 7.
+std::string verdictOn(FunctionBuilder& builder) {
     Material material;
     material.file = "flow.xml";
     MaterialItem item;
@@ -34,12 +34,17 @@ std::string verdictOn(const std::string& code, const std::string& input = "in_va
     item.node = std::make_shared<ItemNode>();
     item.line = 7;
     material.items.push_back(item);
-    FunctionBuilder builder;
-    builder.addInput({ComponentType::Float, 1, 1, 1}, input);
-    builder.appendCode(code);
     Dataflow flow;
     flow.nodes.push_back({builder.makeNode(ExecutionLevel::Automatic, "f"), 0, {}});
     return hostErrorOf([&] { verifyCode(material, flow); });
+}
+
+/// What is said of a function with one input and that code.
+std::string verdictOn(const std::string& code, const std::string& input = "in_value") {
+    FunctionBuilder builder;
+    builder.addInput({ComponentType::Float, 1, 1, 1}, input);
+    builder.appendCode(code);
+    return verdictOn(builder);
 }
 
 TEST(VerifyCode, RefusesConstantsThatAreNoNumbers) {
@@ -61,6 +66,20 @@ TEST(VerifyCode, LeavesEverythingElseAlone) {
         EXPECT_EQ(verdictOn(code), noError) << code;
     }
     EXPECT_EQ(verdictOn("\tx = inf;\n", "inf"), noError);
+}
+
+TEST(VerifyCode, RefusesPortsOfReservedNames) {
+    EXPECT_EQ(
+        verdictOn("", "half"),
+        "flow.xml:7: error: node \"a\" (\"Item\"): function \"f\" (1/0/*) has a port \"half\", and that "
+        "name is reserved in Cg or by the shader framework; report this to the author of its plug-in");
+    for (const char* name : {"in", "out", "uint3", "lerp", "tex2D", "__value", "QelSrgbToLinear"}) {
+        expectError(verdictOn("", name), "flow.xml:7", {"node \"a\" (\"Item\")", name});
+    }
+    FunctionBuilder builder;
+    builder.addOutput({ComponentType::Float, 1, 1, 1}, "worldViewProjection");
+    expectError(verdictOn(builder), "flow.xml:7",
+                {"node \"a\" (\"Item\")", "function \"f\" (0/1/*)", "\"worldViewProjection\""});
 }
 
 TEST(VerifyCode, NamesTheNodeWithZeroRows) {

@@ -18,35 +18,35 @@ public:
     const char* what() const noexcept override { return "the node is out of order"; }
 };
 
-/// A scalar output "out", fed by whatever the derived class adds.
+/// A scalar output "out_value", fed by whatever the derived class adds.
 class OutputNode : public MaterialNode {
 public:
     explicit OutputNode(const std::string& type) : MaterialNode(type) {
-        outputs.emplace_back("out");
+        outputs.emplace_back("out_value");
         outputs.back().setComponentCount(1);
         outputs.back().setPrecision(2);
     }
     void generateCode(GraphGenerator& generator) override {
         FunctionBuilder builder;
-        builder.addOutputPort(outputPort("out"));
-        builder.appendCode("\tout = 0.0;\n");
+        builder.addOutputPort(outputPort("out_value"));
+        builder.appendCode("\tout_value = 0.0;\n");
         const auto function = builder.makeNode(ExecutionLevel::Automatic, "plain");
         generator.addNode(function);
         attachLinks(generator, function);
     }
 
 protected:
-    /// Emits a parameter of that kind as the value of "out".
+    /// Emits a parameter of that kind as the value of "out_value".
     void emitParameter(GraphGenerator& generator, NodeKind kind) {
         const auto parameter = makeParameterNode(kind, "lamp", {ComponentType::Float, 1, 1, 1});
         generator.addNode(parameter);
         FunctionBuilder builder;
-        builder.addInput({ComponentType::Float, 1, 1, 1}, "in");
-        builder.addOutputPort(outputPort("out"));
-        builder.appendCode("\tout = in;\n");
+        builder.addInput({ComponentType::Float, 1, 1, 1}, "in_value");
+        builder.addOutputPort(outputPort("out_value"));
+        builder.appendCode("\tout_value = in_value;\n");
         const auto function = builder.makeNode(ExecutionLevel::Automatic, "pass");
         generator.addNode(function);
-        generator.connect(parameter, "read", function, "in");
+        generator.connect(parameter, "read", function, "in_value");
         attachLinks(generator, function);
     }
 };
@@ -73,8 +73,8 @@ public:
     explicit VertexIntNode(const std::string& type) : OutputNode(type) { outputs.front().setPrecision(5); }
     void generateCode(GraphGenerator& generator) override {
         FunctionBuilder builder;
-        builder.addOutputPort(outputPort("out"));
-        builder.appendCode("\tout = 3;\n");
+        builder.addOutputPort(outputPort("out_value"));
+        builder.appendCode("\tout_value = 3;\n");
         const auto function = builder.makeNode(ExecutionLevel::Vertex, "three");
         generator.addNode(function);
         attachLinks(generator, function);
@@ -88,17 +88,17 @@ public:
     void generateCode(GraphGenerator& generator) override {
         const auto makeFunction = [&](const std::string& name) {
             FunctionBuilder builder;
-            builder.addInput({ComponentType::Float, 1, 1, 1}, "in");
-            builder.addOutputPort(outputPort("out"));
-            builder.appendCode("\tout = in;\n");
+            builder.addInput({ComponentType::Float, 1, 1, 1}, "in_value");
+            builder.addOutputPort(outputPort("out_value"));
+            builder.appendCode("\tout_value = in_value;\n");
             return builder.makeNode(ExecutionLevel::Automatic, name);
         };
         const auto first = makeFunction("first");
         const auto second = makeFunction("second");
         generator.addNode(first);
         generator.addNode(second);
-        generator.connect(first, "out", second, "in");
-        generator.connect(second, "out", first, "in");
+        generator.connect(first, "out_value", second, "in_value");
+        generator.connect(second, "out_value", first, "in_value");
         attachLinks(generator, second);
     }
 };
@@ -109,9 +109,9 @@ public:
     using OutputNode::OutputNode;
     void generateCode(GraphGenerator& generator) override {
         FunctionBuilder builder;
-        builder.addInput({ComponentType::Float, 1, 1, 1}, "in");
-        builder.addOutputPort(outputPort("out"));
-        builder.appendCode("\tout = in;\n");
+        builder.addInput({ComponentType::Float, 1, 1, 1}, "in_value");
+        builder.addOutputPort(outputPort("out_value"));
+        builder.appendCode("\tout_value = in_value;\n");
         const auto function = builder.makeNode(ExecutionLevel::Automatic, "hungry");
         generator.addNode(function);
         attachLinks(generator, function);
@@ -145,8 +145,8 @@ public:
     using OutputNode::OutputNode;
     void generateCode(GraphGenerator& generator) override {
         FunctionBuilder builder;
-        builder.addOutputPort(outputPort("out"));
-        builder.appendCode("\tout = 1.0;\n");
+        builder.addOutputPort(outputPort("out_value"));
+        builder.appendCode("\tout_value = 1.0;\n");
         const auto function = builder.makeNode(ExecutionLevel::Automatic, "promoteAndSplat");
         generator.addNode(function);
         attachLinks(generator, function);
@@ -159,8 +159,8 @@ public:
     using OutputNode::OutputNode;
     void generateCode(GraphGenerator& /*generator*/) override {
         FunctionBuilder builder;
-        builder.addOutputPort(outputPort("out"));
-        builder.addOutputPort(outputPort("out"));
+        builder.addOutputPort(outputPort("out_value"));
+        builder.addOutputPort(outputPort("out_value"));
     }
 };
 
