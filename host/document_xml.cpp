@@ -41,7 +41,7 @@ std::optional<std::string> detail::attributeOf(const xmlNode* element, const cha
     return reinterpret_cast<const char*>(value.get());
 }
 
-const char* detail::kindName(PropertyType kind) { return kindNames[static_cast<std::size_t>(kind)].name; }
+const char* detail::kindName(PropertyType kind) { return kindNames.at(static_cast<std::size_t>(kind)).name; }
 
 std::optional<PropertyType> detail::findKind(std::string_view name) {
     const auto* found = std::find_if(kindNames.begin(), kindNames.end(),

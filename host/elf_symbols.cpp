@@ -16,7 +16,7 @@ constexpr std::string_view magic = "\x7F"
 constexpr std::size_t classPosition = 4;
 constexpr std::size_t encodingPosition = 5;
 
-// the values of fields, as the ELF specification names them
+// the values of fields, as the ELF standard names them
 constexpr std::uint64_t shtDynsym = 11;
 constexpr std::uint64_t shnUndef = 0;
 constexpr std::uint64_t shnAbs = 0xFFF1;

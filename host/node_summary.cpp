@@ -1,6 +1,7 @@
 #include "host/node_summary.h"
 
 #include "host/diagnostic.h"
+#include "host/document_xml.h"
 #include "nodemodel/material_node.h"
 #include "nodemodel/text.h"
 
@@ -16,9 +17,6 @@ namespace patina {
 using namespace detail;
 
 namespace {
-
-constexpr std::array<const char*, 7> kindNames = {"bool",   "integer", "float", "string",
-                                                  "colour", "enum",    "node"};
 
 /// Runs an action of a node type, and turns what its code throws into a HostError.
 template <typename Action>
@@ -235,7 +233,7 @@ NodeSummary summariseNode(const PluginSet& plugins, const std::string& typeName)
     return summary;
 }
 
-const char* propertyKindName(PropertyType kind) { return kindNames.at(static_cast<std::size_t>(kind)); }
+const char* propertyKindName(PropertyType kind) { return kindName(kind); }
 
 std::string propertyValueText(const PropertyValue& value) { return std::visit(ValueWriter(), value); }
 

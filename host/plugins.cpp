@@ -48,8 +48,8 @@ Result call(const std::filesystem::path& file, Result (*entryPoint)()) {
 
 Plugin::Plugin(const std::filesystem::path& file)
     : file_(file), library_(std::make_unique<DynamicLibrary>(file)) {
-    auto* version = requireEntryPoint<std::uint32_t()>(*library_, file, "GetMaterialLibVersion");
-    auto* createFactory = requireEntryPoint<NodeFactory*()>(*library_, file, "CreateNodeFactory");
+    auto* version = requireEntryPoint<std::uint32_t()>(*library_, file, versionEntryPoint);
+    auto* createFactory = requireEntryPoint<NodeFactory*()>(*library_, file, factoryEntryPoint);
     const std::uint32_t spoken = call(file, version);
     if (spoken != materialLibVersion) {
         throw HostError(

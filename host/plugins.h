@@ -13,6 +13,12 @@ namespace patina {
 
 class DynamicLibrary;
 
+/// The names under which a plug-in exports what plugin/plugin.h declares.
+/// @{
+inline constexpr const char* versionEntryPoint = "GetMaterialLibVersion";
+inline constexpr const char* factoryEntryPoint = "CreateNodeFactory";
+/// @}
+
 /// A loaded plug-in. It stays loaded while this object, or any node that it created, lives.
 ///
 /// Generator nodes, bindings and exceptions that its nodes made are code of the plug-in too: whoever keeps

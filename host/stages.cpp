@@ -377,16 +377,17 @@ private:
 
     /// Takes back the halves that save no register where they were moved, the last one first.
     void takeBack(Packing& packing, std::vector<std::size_t>& apart,
-                  const std::vector<std::pair<std::size_t, std::size_t>>& moved) const {
+                  std::vector<std::pair<std::size_t, std::size_t>> moved) const {
         const std::size_t limit = pack(apart).size();
-        for (auto move = moved.rbegin(); move != moved.rend(); ++move) {
+        std::reverse(moved.begin(), moved.end());
+        for (const auto& [crossing, place] : moved) {
             std::vector<std::size_t> more = apart;
-            more.push_back(move->first);
+            more.push_back(crossing);
             std::sort(more.begin(), more.end());
             if (pack(more).size() <= limit) {
                 apart = std::move(more);
-                auto& entry = packing[move->second];
-                entry.erase(std::find(entry.begin(), entry.end(), move->first));
+                auto& entry = packing[place];
+                entry.erase(std::find(entry.begin(), entry.end(), crossing));
             }
         }
     }

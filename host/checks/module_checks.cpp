@@ -4,6 +4,7 @@
 #include "host/dynamic_library.h"
 #include "host/elf_symbols.h"
 #include "host/files.h"
+#include "host/plugins.h"
 #include "nodemodel/text.h"
 
 #include <algorithm>
@@ -17,8 +18,6 @@ namespace patina::detail {
 
 namespace {
 
-constexpr const char* versionEntryPoint = "GetMaterialLibVersion";
-constexpr const char* factoryEntryPoint = "CreateNodeFactory";
 constexpr std::array<const char*, 2> entryPoints = {versionEntryPoint, factoryEntryPoint};
 
 constexpr std::size_t largestModule = std::size_t{1024} * 1024 * 1024;

@@ -115,8 +115,8 @@ cp list.json copy.json
 ]])
 
 # the reader has files already
-file(WRITE ${WORK_DIRECTORY}/root/sub/word "four\n")
-extract("```text same=sub/word\nfour\n```\n" -DROOT=${WORK_DIRECTORY}/root)
+file(WRITE ${WORK_DIRECTORY}/base/sub/word "four\n")
+extract("```text same=sub/word\nfour\n```\n" -DROOT=${WORK_DIRECTORY}/base)
 if(NOT result EQUAL 0)
   message(SEND_ERROR "the root is not copied:\n${errors}")
 endif()

@@ -69,7 +69,7 @@ int runGuarded(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {
-        std::fputs("error: out of memory\n", stderr); // without taking more
+        static_cast<void>(std::fputs("error: out of memory\n", stderr)); // without taking more
     } catch (...) {
         patina::tool::printDiagnostic(patina::tool::errorLine());
     }
@@ -81,7 +81,7 @@ int runGuarded(int argc, char** argv) {
 int main(int argc, char** argv) {
     const int exitCode = runGuarded(argc, argv);
     if (!std::cout.flush()) {
-        std::fputs("error: cannot write to standard output\n", stderr);
+        static_cast<void>(std::fputs("error: cannot write to standard output\n", stderr));
         return patina::tool::failure;
     }
     return exitCode;
