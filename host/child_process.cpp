@@ -108,8 +108,7 @@ class InputFile {
 public:
     explicit InputFile(std::string_view input)
         : file_(input.empty() ? std::fopen("/dev/null", "rb") : std::tmpfile()) {
-        if (!file_ || std::fwrite(input.data(), 1, input.size(), file_.get()) != input.size() ||
-            std::fflush(file_.get()) != 0 || std::fseek(file_.get(), 0, SEEK_SET) != 0) {
+        if (!file_ || (!input.empty() && !write(input))) {
             throwSystemError("cannot put the input of a program into a temporary file", errno);
         }
         fcntl(descriptor(), F_SETFD, FD_CLOEXEC);
@@ -118,6 +117,11 @@ public:
     int descriptor() const { return fileno(file_.get()); }
 
 private:
+    bool write(std::string_view input) {
+        return std::fwrite(input.data(), 1, input.size(), file_.get()) == input.size() &&
+               std::fflush(file_.get()) == 0 && std::fseek(file_.get(), 0, SEEK_SET) == 0;
+    }
+
     std::unique_ptr<std::FILE, CloseFile> file_;
 };
 
