@@ -71,11 +71,20 @@ void ignoreText(void* /*context*/, const char* /*format*/, ...) {}
 
 void ignoreError(void* /*context*/, xmlErrorPtr /*error*/) {}
 
+/// libxml2's own state, of which each thread gets its part when it first asks, is not made twice at once.
+void initialiseOnce() {
+    static const bool isDone = (xmlInitParser(), true);
+    static_cast<void>(isDone);
+}
+
 } // namespace
 
-XmlSilence::XmlSilence()
-    : generic_(xmlGenericError), genericContext_(xmlGenericErrorContext), structured_(xmlStructuredError),
-      structuredContext_(xmlStructuredErrorContext) {
+XmlSilence::XmlSilence() {
+    initialiseOnce();
+    generic_ = xmlGenericError;
+    genericContext_ = xmlGenericErrorContext;
+    structured_ = xmlStructuredError;
+    structuredContext_ = xmlStructuredErrorContext;
     xmlSetGenericErrorFunc(nullptr, ignoreText);
     xmlSetStructuredErrorFunc(nullptr, ignoreError);
 }

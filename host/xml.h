@@ -37,10 +37,10 @@ public:
     XmlSilence& operator=(const XmlSilence&) = delete;
 
 private:
-    xmlGenericErrorFunc generic_;
-    void* genericContext_;
-    xmlStructuredErrorFunc structured_;
-    void* structuredContext_;
+    xmlGenericErrorFunc generic_ = nullptr;
+    void* genericContext_ = nullptr;
+    xmlStructuredErrorFunc structured_ = nullptr;
+    void* structuredContext_ = nullptr;
 };
 
 /// The most bytes that a document may have.
