@@ -40,4 +40,5 @@
 #include "host/resolve.h"
 #include "host/saved_bindings.h"
 #include "host/stages.h"
+#include "host/translation.h"
 #include "host/verify.h"
