@@ -5,6 +5,7 @@
 #include "host/stages.h"
 
 #include <string>
+#include <vector>
 
 namespace patina {
 
@@ -15,7 +16,13 @@ namespace patina {
 /// The nodes as an editor shows them: captions, names and ids, their own colours, ports with their labels,
 /// connections, references (dotted) and the material's outputs. A placeholder is dashed, with the ports that
 /// connections name. Nothing need be resolved. Throws HostError when a node's caption throws.
-std::string printMaterialGraph(const Material& material);
+///
+/// `pictures` are names of image files, one for each item or empty for none, which Graphviz is to find:
+/// each is shown in its node, between title and ports, `pictureSize` points wide and high.
+std::string printMaterialGraph(const Material& material, const std::vector<std::string>& pictures = {});
+
+/// The edge of a node's picture, in points, of which there are 72 to an inch.
+inline constexpr int pictureSize = 96;
 
 /// The two programs as they will be printed: attributes, functions, conversions and uniforms, a cluster for
 /// each program, every edge with the type of its value, and the interpolant registers between the programs.

@@ -126,6 +126,15 @@ TEST(MaterialGraph, EscapesEveryText) {
     expectPiece(text, "tooltip=\"CoreTexture a\\\\\\\\N<b>: say &quot;\\\\\\\\N&quot; &amp;amp; \\\\\\\\\"]");
 }
 
+TEST(MaterialGraph, ShowsPicturesBetweenTitleAndPorts) {
+    const std::string text =
+        printMaterialGraph(built(node("a", "CoreUv") + maths("m", "Invert")), {"a & b.png", ""});
+    expectPiece(text, "</FONT></TD></TR>"
+                      "<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"96\" HEIGHT=\"96\">"
+                      "<IMG SCALE=\"TRUE\" SRC=\"a &amp; b.png\"/></TD></TR><HR/>");
+    EXPECT_EQ(count(text, "<IMG"), 1U) << "a node without a picture has none";
+}
+
 TEST(MaterialGraph, ReplacesWhatIsNoUtf8AndNoColour) {
     Material material = built(node("u", "CoreUv"));
     material.items[0].node->setName("caf\xE9\x01");
