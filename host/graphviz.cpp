@@ -138,7 +138,7 @@ std::string labelText(const NodeLabel& label) {
     }
     text += "</TD></TR>";
     if (!label.picture.empty()) {
-        const std::string size = std::to_string(pictureSize);
+        const std::string size = std::to_string(graphPictureSize);
         appendText(text, {"<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"", size, "\" HEIGHT=\"", size,
                           "\"><IMG SCALE=\"TRUE\" SRC=\"", htmlText(label.picture), "\"/></TD></TR>"});
     }
@@ -242,7 +242,7 @@ PortList listOf(const std::vector<Port>& ports) {
 
 class MaterialGraphPrinter {
 public:
-    MaterialGraphPrinter(const Material& material, const std::vector<std::string>& pictures)
+    MaterialGraphPrinter(const Material& material, const GraphPictures& pictures)
         : material_(material), pictures_(pictures), printer_(material.name, material.name) {}
 
     std::string print() {
@@ -289,7 +289,7 @@ private:
     }
 
     std::string pictureOf(std::size_t item) const {
-        return item < pictures_.size() ? pictures_[item] : std::string();
+        return item < pictures_.nodes.size() ? pictures_.nodes[item] : std::string();
     }
 
     static std::string tooltipOf(const MaterialItem& item) {
@@ -304,6 +304,7 @@ private:
         NodeLabel label;
         label.title = material_.name;
         label.subtitle = "material";
+        label.picture = pictures_.material;
         for (const MaterialOutput& output : material_.outputs) {
             label.inputs.push_back(output.name);
         }
@@ -350,7 +351,7 @@ private:
     }
 
     const Material& material_;
-    const std::vector<std::string>& pictures_;
+    const GraphPictures& pictures_;
     DotPrinter printer_;
     std::vector<PortList> inputs_;
     std::vector<PortList> outputs_;
@@ -563,7 +564,7 @@ private:
 
 } // namespace
 
-std::string printMaterialGraph(const Material& material, const std::vector<std::string>& pictures) {
+std::string printMaterialGraph(const Material& material, const GraphPictures& pictures) {
     return MaterialGraphPrinter(material, pictures).print();
 }
 

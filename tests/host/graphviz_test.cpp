@@ -127,12 +127,14 @@ TEST(MaterialGraph, EscapesEveryText) {
 }
 
 TEST(MaterialGraph, ShowsPicturesBetweenTitleAndPorts) {
-    const std::string text =
-        printMaterialGraph(built(node("a", "CoreUv") + maths("m", "Invert")), {"a & b.png", ""});
-    expectPiece(text, "</FONT></TD></TR>"
-                      "<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"96\" HEIGHT=\"96\">"
-                      "<IMG SCALE=\"TRUE\" SRC=\"a &amp; b.png\"/></TD></TR><HR/>");
-    EXPECT_EQ(count(text, "<IMG"), 1U) << "a node without a picture has none";
+    const std::string text = printMaterialGraph(
+        built(node("a", "CoreUv") + maths("m", "Invert") + output("colour", "m", "out_value")),
+        {{"a & b.png", ""}, "whole.png"});
+    const std::string cell = "<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"96\" HEIGHT=\"96\">"
+                             "<IMG SCALE=\"TRUE\" SRC=\"";
+    expectPiece(text, "a</FONT></TD></TR>" + cell + "a &amp; b.png\"/></TD></TR><HR/>");
+    expectPiece(text, "material</FONT></TD></TR>" + cell + "whole.png\"/></TD></TR><HR/>");
+    EXPECT_EQ(count(text, "<IMG"), 2U) << "a node without a picture has none";
 }
 
 TEST(MaterialGraph, ReplacesWhatIsNoUtf8AndNoColour) {
