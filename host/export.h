@@ -18,9 +18,12 @@ namespace patina {
 
 /// What an export does beside what it always does.
 struct ExportOptions {
-    PrintOptions print;
+    PrintOptions print = {};
     bool json = false;           ///< write the bindings as JSON too
     bool dependencyFile = false; ///< write NAME.d too, for Make and Ninja
+    /// Take the colour as a value, of one to four components, and no other output: the fragment program gives
+    /// (x, x, x, 1), (x, y, 0, 1), (x, y, z, 1) or (x, y, z, w). See showOutput.
+    bool showValue = false;
 };
 
 /// What a material becomes, before anything is written.
