@@ -169,7 +169,8 @@ ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const Ex
                                 const SavedBindings& saved) {
     resolveMaterial(material);
     const GeneratedGraph graph = generateGraph(material);
-    const Dataflow flow = joinGraph(material, graph);
+    const Dataflow flow =
+        joinGraph(material, graph, nullptr, options.showValue ? ColourWidth::Any : ColourWidth::OneOrThree);
     verifyCode(material, flow);
     const StagedShader stages = placeInStages(material, flow);
     const ShaderNames names = nameShader(material, flow, stages);

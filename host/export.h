@@ -20,12 +20,15 @@ namespace patina {
 
 /// What an export does beside what it always does.
 struct ExportOptions {
-    PrintOptions print;
+    PrintOptions print = {};
     bool json = false;           ///< write the bindings as JSON too
     bool dependencyFile = false; ///< write NAME.d too, for Make and Ninja
     /// The languages of the programs, each at most once; Cg alone when there are none.
     std::vector<ShaderTarget> targets = {};
     const ShaderTranslator* translator = nullptr; ///< what brings them into other languages than Cg
+    /// Take the colour as a value, of one to four components, and no other output: the fragment program gives
+    /// (x, x, x, 1), (x, y, 0, 1), (x, y, z, 1) or (x, y, z, w). See showOutput.
+    bool showValue = false;
 };
 
 /// A program of a material in another language than Cg.
