@@ -27,11 +27,26 @@ std::optional<std::size_t> findPort(const std::vector<GeneratorPort>& ports, con
     return static_cast<std::size_t>(found - ports.begin());
 }
 
+/// An output that a material may have, and what it takes.
+struct OutputRule {
+    std::string_view name;
+    bool scalar;
+    bool vector; ///< of three components
+    const char* widths;
+};
+
+constexpr OutputRule colourRule = {"colour", true, true, "three components or one"};
+constexpr OutputRule alphaRule = {"alpha", true, false, "one component"};
+
+bool isFitting(const ShaderType& type, const OutputRule& rule) {
+    return (rule.scalar && type.columns == 1) || (rule.vector && type.columns == 3);
+}
+
 /// Collects the sources of all inputs.
 class Joiner {
 public:
-    Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors)
-        : material_(material), graph_(graph), errors_(errors) {}
+    Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors, ColourWidth colourWidth)
+        : material_(material), graph_(graph), errors_(errors), colourWidth_(colourWidth) {}
 
     Dataflow join() {
         enterNodes(graph_.owners);
@@ -237,17 +252,17 @@ private:
         return conversions_.emplace(key, ValueSource{node, 0}).first->second;
     }
 
-    ValueSource selectOutput(const MaterialOutput& output, bool isVector) const {
+    ValueSource selectOutput(const MaterialOutput& output, const OutputRule& rule) const {
         const ValueSource source = producerOf(output.record, output.source, output.line);
         const ShaderType& type = flow_.port(source).type;
         const bool isNumeric =
             type.componentType >= ComponentType::Float && type.componentType <= ComponentType::Int;
-        const bool fits = type.columns == 1 || (isVector && type.columns == 3);
-        if (!isNumeric || !fits || type.rows != 1 || type.arraySize != 1) {
-            fail(output.line, {"output \"", output.name, "\" takes ",
-                               isVector ? "three components or one" : "one component", ", and ",
-                               nodeTitle(material_.items[output.source]), " gives \"",
-                               output.record->sourcePort, "\" as ", typeText(type)});
+        const bool isAnyWidth = colourWidth_ == ColourWidth::Any;
+        if (!isNumeric || type.rows != 1 || type.arraySize != 1 || !(isAnyWidth || isFitting(type, rule))) {
+            fail(output.line,
+                 {"output \"", output.name, "\" takes ", isAnyWidth ? "one to four components" : rule.widths,
+                  ", and ", nodeTitle(material_.items[output.source]), " gives \"", output.record->sourcePort,
+                  "\" as ", typeText(type)});
         }
         return source;
     }
@@ -255,6 +270,9 @@ private:
     void selectOutputs() {
         bool hasColour = false;
         for (const MaterialOutput& output : material_.outputs) {
+            if (colourWidth_ == ColourWidth::Any && output.name != "colour") {
+                continue;
+            }
             hasColour = hasColour || output.name == "colour";
             attempt(errorsBetween(output.source, output.source), [&] { selectNamed(output); });
             // what an output that is refused should have shown is looked at all the same
@@ -285,9 +303,9 @@ private:
 
     void selectNamed(const MaterialOutput& output) {
         if (output.name == "colour") {
-            flow_.colour = selectOutput(output, true);
+            flow_.colour = selectOutput(output, colourRule);
         } else if (output.name == "alpha") {
-            flow_.alpha = selectOutput(output, false);
+            flow_.alpha = selectOutput(output, alphaRule);
             flow_.hasAlpha = true;
         } else {
             fail(output.line, {"there is no output \"", output.name,
@@ -520,6 +538,7 @@ private:
     const Material& material_;
     const GeneratedGraph& graph_;
     Errors* errors_;
+    ColourWidth colourWidth_;
     Errors ignored_; ///< only follow from errors that were reported
     Dataflow flow_ = withoutSources();
     std::vector<ValueSource> roots_; ///< of the outputs
@@ -536,8 +555,9 @@ private:
 
 } // namespace
 
-Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors) {
-    return Joiner(material, graph, errors).join();
+Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors,
+                   ColourWidth colourWidth) {
+    return Joiner(material, graph, errors, colourWidth).join();
 }
 
 } // namespace patina

@@ -32,7 +32,7 @@ struct DataflowNode {
 /// A material's shader as one graph of functions and parameters in which every input has its source.
 struct Dataflow {
     std::vector<DataflowNode> nodes; ///< only what an output needs; every source before what reads it
-    ValueSource colour;              ///< three components, or one that is to be splatted
+    ValueSource colour;              ///< three components, or one that is to be splatted; see ColourWidth
     ValueSource alpha;
     bool hasAlpha = false; ///< otherwise alpha is 1
     std::vector<std::size_t>
@@ -41,6 +41,12 @@ struct Dataflow {
     const GeneratorPort& port(const ValueSource& source) const {
         return nodes[source.node].generated->outputs[source.port];
     }
+};
+
+/// How wide a material's colour may be.
+enum class ColourWidth {
+    OneOrThree, ///< a colour that is drawn
+    Any ///< one to four components, for a value that is shown as it is; there are no other outputs then
 };
 
 /// Joins the generator nodes of connected material nodes, inserting conversions where types differ (one for
@@ -56,6 +62,7 @@ struct Dataflow {
 /// follows from nodes that are faulty or whose code is incomplete. Sources may be missing then, of inputs,
 /// the colour and alpha; without a colour output, every node counts as needed. Threads: as the material, one
 /// thread at a time.
-Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr);
+Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors = nullptr,
+                   ColourWidth colourWidth = ColourWidth::OneOrThree);
 
 } // namespace patina

@@ -59,7 +59,7 @@ struct DocumentConnection {
 struct DocumentOutput {
     std::string name;
     std::string source;
-    std::string port;
+    std::string port; ///< empty: the first output of the node, which buildMaterial fills in
     int line = 0;
     int origin = noOrigin;
 

@@ -9,7 +9,8 @@
 /// collect the bindings and say where they landed (bindings_file.h), carry over what an artist changed
 /// (saved_bindings.h), write the files (files.h). export.h runs them all, and check.h as far as it can, to
 /// find everything that is wrong. Beside it, node_summary.h lists and describes node types, graphviz.h draws
-/// graphs, and plugin_checks.h finds out what is wrong with a plug-in. An editor changes a material with
+/// graphs, plugin_checks.h finds out what is wrong with a plug-in, and show.h makes a material that shows one
+/// value of another. An editor changes a material with
 /// edit.h, and saves it with document_writer.h.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
@@ -39,6 +40,7 @@
 #include "host/registers.h"
 #include "host/resolve.h"
 #include "host/saved_bindings.h"
+#include "host/show.h"
 #include "host/stages.h"
 #include "host/translation.h"
 #include "host/verify.h"

@@ -374,7 +374,8 @@ private:
 
     void connectOutputs() {
         std::set<std::string> names;
-        for (const DocumentOutput& saved : document_.outputs) {
+        for (DocumentOutput& saved : material_.document.outputs) {
+            fillInPort(saved);
             if (lacksOutput(saved.source, saved.port) ||
                 !attempt(errors_, [&] { connectOutput(saved, names); })) {
                 standInForReader(saved.source, saved.port, saved.line);
@@ -384,6 +385,14 @@ private:
             for (const DocumentOutput& saved : document_.leftOut.outputs) {
                 standInForReader(saved.source, saved.port, saved.line);
             }
+        }
+    }
+
+    /// So that an edit that gives the node other ports finds what the output meant.
+    void fillInPort(DocumentOutput& saved) const {
+        const auto index = findNode(saved.source);
+        if (saved.port.empty() && index && !material_.items[*index].node->outputs.empty()) {
+            saved.port = material_.items[*index].node->outputs.front().name;
         }
     }
 

@@ -3,6 +3,7 @@
 #include "host/framework.h"
 #include "nodemodel/text.h"
 
+#include <array>
 #include <map>
 #include <string_view>
 #include <unordered_set>
@@ -140,6 +141,16 @@ public:
 
     const std::string& valueName(const ValueSource& source) const {
         return shader_.names.values[source.node][source.port];
+    }
+
+    /// A colour of one component is grey, and one of four has its own alpha.
+    std::string colourAndAlpha() const {
+        constexpr std::array<std::string_view, 4> betweenByWidth = {".xxx, ", ", 0.0, ", ", ", ""};
+        const Dataflow& flow = shader_.flow;
+        const auto width = static_cast<std::size_t>(flow.port(flow.colour).type.columns);
+        const std::string_view alpha = flow.hasAlpha ? std::string_view(valueName(flow.alpha)) : "1.0";
+        return joinText({"float4( ", valueName(flow.colour), betweenByWidth.at(width - 1),
+                         width == betweenByWidth.size() ? "" : alpha, " )"});
     }
 
     /// `type name : SEMANTIC` of a uniform or varying.
@@ -308,10 +319,7 @@ std::string printFragmentProgram(const AssembledShader& shader) {
                            printer.interpolantPlace(interpolant)});
     }
     printer.printCalls();
-    const bool isScalar = shader.flow.port(shader.flow.colour).type.columns == 1;
-    printer.statement(
-        {shader.names.colour, " = float4( ", printer.valueName(shader.flow.colour), isScalar ? ".xxx" : "",
-         ", ", shader.flow.hasAlpha ? std::string_view(printer.valueName(shader.flow.alpha)) : "1.0", " )"});
+    printer.statement({shader.names.colour, " = ", printer.colourAndAlpha()});
     printer.writeRegisters();
     return printer.finish();
 }

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "preview/gl_object.h"
+
+#include <array>
+#include <vector>
+
+namespace patina::preview {
+
+/// An image of floats with a depth buffer that can be drawn into. Threads: as the context.
+class GlTarget {
+public:
+    /// Throws HostError when the driver takes no image of that size.
+    GlTarget(int width, int height);
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+
+    /// What is drawn from now on is drawn here, and covers all of it. Depth is tested, nothing is blended,
+    /// clamped or culled.
+    void bind() const;
+
+    /// Fills the bound target with a colour, and its depth with the farthest.
+    void clear(const std::array<float, 4>& colour) const;
+
+    /// The pixels, four floats each, red first, from the bottom row up. Throws HostError when drawing failed.
+    std::vector<float> read() const;
+
+private:
+    int width_;
+    int height_;
+    GlObject colour_;
+    GlObject depth_;
+    GlObject framebuffer_;
+};
+
+} // namespace patina::preview
