@@ -4,6 +4,7 @@
 #include "host/files.h"
 #include "host/show.h"
 #include "tools/patina/command.h"
+#include "tools/patina/contact_sheet.h"
 #include "tools/patina/terminal.h"
 
 #include <algorithm>
@@ -38,6 +39,7 @@ struct PreviewCommandOptions {
     std::vector<std::string> rates;
     std::string time = "0";
     unsigned frames = 1;
+    bool contactSheet = false;
     bool quiet = false;
     PreviewOptions preview;
 };
@@ -213,9 +215,41 @@ void printSummary(const PreviewCommandOptions& options, const std::string& mater
     std::cout << ", " << options.preview.width << " by " << options.preview.height << " pixels\n";
 }
 
+void printReports(const Warnings& warnings, const Errors& errors) {
+    printWarnings(warnings);
+    for (const HostError& error : errors) {
+        printDiagnostic(error.what());
+    }
+}
+
+int runContactSheet(const PreviewCommandOptions& options, const PluginSet& plugins) {
+    Warnings warnings;
+    Errors errors;
+    const MaterialDocument document = readMaterial(options.material);
+    std::string sheet;
+    try {
+        sheet = drawContactSheet(document, plugins, options.preview, *parseSeconds(options.time), warnings,
+                                 errors);
+    } catch (...) {
+        printReports(warnings, errors);
+        throw;
+    }
+    printReports(warnings, errors);
+    const std::filesystem::path output = options.output.empty() ? document.name + ".png" : options.output;
+    writeFileOrStream(output, sheet);
+    if (!options.quiet) {
+        std::cout << document.name << ": " << oneLine(output.string()) << ", "
+                  << counted(document.nodes.size(), "node") << '\n';
+    }
+    return errors.empty() ? success : failure;
+}
+
 int runPreview(PreviewCommandOptions& options, const CommandLine& commandLine) {
     takeOptions(options);
     const PluginSet plugins = loadPlugins(commandLine);
+    if (options.contactSheet) {
+        return runContactSheet(options, plugins);
+    }
     Warnings warnings;
     Errors errors;
     std::unique_ptr<Preview> preview;
@@ -227,10 +261,7 @@ int runPreview(PreviewCommandOptions& options, const CommandLine& commandLine) {
         printWarnings(warnings);
         throw;
     }
-    printWarnings(warnings);
-    for (const HostError& error : errors) {
-        printDiagnostic(error.what());
-    }
+    printReports(warnings, errors);
     const std::filesystem::path output = options.output.empty() ? material->name + ".png" : options.output;
     drawFrames(*preview, options, output);
     if (!options.quiet) {
@@ -278,6 +309,15 @@ void addAppearanceOptions(CLI::App& command, PreviewCommandOptions& options) {
                       [](const std::string& text) { return text == transparentName || parseColour(text); }));
 }
 
+void addContactSheetOption(CLI::App& command, PreviewCommandOptions& options) {
+    CLI::Option* sheet = command.add_flag(
+        "--contact-sheet", options.contactSheet,
+        "draw the graph instead, and in each node what its first output gives; needs Graphviz");
+    for (const char* other : {"--node", "--size", "--frames", "--background"}) {
+        sheet->excludes(other);
+    }
+}
+
 void addPictureOptions(CLI::App& command, PreviewCommandOptions& options) {
     command
         .add_option("-o,--output", options.output,
@@ -312,6 +352,7 @@ void addPreviewCommand(CommandLine& commandLine) {
         ->check(notEmpty());
     addPictureOptions(*command, *options);
     addAppearanceOptions(*command, *options);
+    addContactSheetOption(*command, *options);
     addPluginOption(*command, commandLine);
     command->add_flag("-q,--quiet", options->quiet, "print nothing but warnings and errors");
     command->footer("Needs no window and no graphics card: OpenGL draws, by EGL. A texture that is not there "
@@ -321,6 +362,7 @@ void addPreviewCommand(CommandLine& commandLine) {
                     "  patina preview painted_metal.xml -o painted_metal.png\n"
                     "  patina preview painted_metal.xml --mesh cube --set Tint=0.1,0.3,0.9\n"
                     "  patina preview painted_metal.xml --node chips --texture Paint=old_paint.jpg\n"
+                    "  patina preview painted_metal.xml --contact-sheet -o graph.png\n"
                     "  patina preview painted_metal.xml --frames 100 --animate RainFrame=12\n\n"
                     "Exit code: 0 when all went well, 1 for an error in the material or its textures, 2 for\n"
                     "wrong usage.");
