@@ -24,6 +24,7 @@ constexpr const char* entryPoint = "main";
 // how a message begins: with the number of the text, which is 1 for the program behind the prelude
 constexpr std::string_view errorMark = "ERROR: ";
 constexpr std::string_view programMark = "ERROR: 1:";
+constexpr std::string_view nothingMark = "'' : "; // where the message names no word of the program
 
 void initialiseOnce() {
     static std::once_flag initialised;
@@ -56,7 +57,10 @@ TranslationError errorIn(std::string_view log) {
     const auto number = std::from_chars(rest.data(), rest.data() + rest.size(), line);
     rest.remove_prefix(static_cast<std::size_t>(number.ptr - rest.data()));
     rest.remove_prefix(std::min(rest.find_first_not_of(": "), rest.size()));
-    return {std::string(rest), line};
+    if (rest.substr(0, nothingMark.size()) == nothingMark) {
+        rest.remove_prefix(nothingMark.size());
+    }
+    return {std::string(rest.substr(0, rest.find_last_not_of(' ') + 1)), line};
 }
 
 } // namespace
