@@ -5,11 +5,13 @@
 #include "host/material.h"
 #include "host/print.h"
 #include "host/saved_bindings.h"
+#include "host/translation.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace patina {
 
@@ -21,19 +23,32 @@ struct ExportOptions {
     PrintOptions print = {};
     bool json = false;           ///< write the bindings as JSON too
     bool dependencyFile = false; ///< write NAME.d too, for Make and Ninja
+    /// The languages of the programs, each at most once; Cg alone when there are none.
+    std::vector<ShaderTarget> targets = {};
+    const ShaderTranslator* translator = nullptr; ///< what brings them into other languages than Cg
     /// Take the colour as a value, of one to four components, and no other output: the fragment program gives
     /// (x, x, x, 1), (x, y, 0, 1), (x, y, z, 1) or (x, y, z, w). See showOutput.
     bool showValue = false;
 };
 
+/// A program of a material in another language than Cg.
+struct TargetProgram {
+    ShaderTarget target;
+    ProgramStage stage = ProgramStage::Vertex;
+    OutputFile file; ///< NAME.vert.glsl
+    std::vector<ProgramParameter> parameters;
+};
+
 /// What a material becomes, before anything is written.
 struct ExportedMaterial {
     std::string name;
-    OutputFile vertexProgram;               ///< NAME.vert.cg
-    OutputFile fragmentProgram;             ///< NAME.frag.cg
-    OutputFile bindings;                    ///< NAME.bindings.xml
-    std::optional<OutputFile> bindingsJson; ///< NAME.bindings.json, when it was asked for
-    std::optional<OutputFile> dependencies; ///< NAME.d, when it was asked for
+    OutputFile vertexProgram;                  ///< NAME.vert.cg
+    OutputFile fragmentProgram;                ///< NAME.frag.cg
+    bool writesCg = true;                      ///< whether these two are to be written
+    std::vector<TargetProgram> targetPrograms; ///< in the order of the targets, the vertex program first
+    OutputFile bindings;                       ///< NAME.bindings.xml
+    std::optional<OutputFile> bindingsJson;    ///< NAME.bindings.json, when it was asked for
+    std::optional<OutputFile> dependencies;    ///< NAME.d, when it was asked for
     std::size_t nodeCount = 0;
     std::size_t connectionCount = 0;
     std::size_t vertexFunctionCount = 0; ///< calls in the vertex program
