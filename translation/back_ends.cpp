@@ -166,7 +166,7 @@ std::string hlslSemantic(const SpirvParameter& parameter, ProgramStage stage) {
     return joinText({isColour ? "SV_Target" : "TEXCOORD", std::to_string(parameter.number)});
 }
 
-TranslatedProgram writeHlsl(Translation translation) {
+TranslatedProgram writeHlsl(const Translation& translation) {
     spirv_cross::CompilerHLSL compiler(translation.module.words());
     spirv_cross::CompilerHLSL::Options options = compiler.get_hlsl_options();
     options.shader_model = translation.version;
@@ -235,7 +235,7 @@ Place mslPlace(const SpirvParameter& parameter) {
     return {{"user", joinText({"locn", number})}};
 }
 
-TranslatedProgram writeMsl(Translation translation) {
+TranslatedProgram writeMsl(const Translation& translation) {
     spirv_cross::CompilerMSL compiler(translation.module.words());
     spirv_cross::CompilerMSL::Options options = compiler.get_msl_options();
     options.set_msl_version(translation.version / 10, translation.version % 10);
