@@ -64,7 +64,7 @@ SpirvInstruction decorate(std::uint32_t id, spv::Decoration decoration, std::vec
 /// What the instructions before the first function say, by id.
 class ModuleIndex {
 public:
-    explicit ModuleIndex(const SpirvModule& module) : module_(module) {
+    explicit ModuleIndex(const SpirvModule& module) {
         for (const SpirvInstruction& instruction : module.instructions) {
             if (is(instruction, spv::OpFunction)) {
                 break;
@@ -187,7 +187,6 @@ private:
         }
     }
 
-    const SpirvModule& module_;
     std::unordered_map<std::uint32_t, std::string> names_;
     std::map<Member, std::string> memberNames_;
     std::unordered_map<std::uint32_t, std::string> semantics_;
@@ -414,7 +413,7 @@ namespace {
 class BlockSplitter {
 public:
     BlockSplitter(SpirvModule& module, std::vector<SpirvParameter>& parameters, std::uint32_t block)
-        : module_(module), parameters_(parameters), block_(block), index_(module) {
+        : module_(module), block_(block), index_(module) {
         for (const SpirvInstruction* variable : index_.variables()) {
             if (variable->operands[1] == block) {
                 pointer_ = variable->operands[0];
@@ -507,7 +506,6 @@ private:
     }
 
     SpirvModule& module_;
-    std::vector<SpirvParameter>& parameters_;
     std::uint32_t block_;
     const ModuleIndex index_;
     std::uint32_t pointer_ = 0;
