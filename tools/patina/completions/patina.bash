@@ -79,6 +79,7 @@ _patina() {
         'graph -o' | 'graph --output') _patina_files '*'; return ;;
         *' --plugin') _patina_files '*.so'; return ;;
         'export --framework') _patina_words 'patina none'; return ;;
+        'export --target') _patina_words 'cg hlsl glsl essl msl spirv'; return ;;
         'graph --format') _patina_words 'dot svg'; return ;;
         'validate --only') _patina_words "$(_patina_checks)"; return ;;
         'export -j' | 'export --jobs' | 'validate --timeout') return ;;
@@ -86,7 +87,7 @@ _patina() {
 
     if [[ $word == -* ]]; then
         case $command in
-            export) _patina_words '-o --output --plugin -j --jobs -MD --depfile --framework --annotate --json -q --quiet --help' ;;
+            export) _patina_words '-o --output --plugin -j --jobs -MD --depfile --target --framework --annotate --json -q --quiet --help' ;;
             check) _patina_words '--plugin --werror -q --quiet --help' ;;
             nodes) _patina_words '--json --names --plugin --help' ;;
             describe) _patina_words '--json --plugin --help' ;;
