@@ -68,10 +68,9 @@ const Binding& MaterialInputs::require(const std::string& name, BindingKind kind
 void MaterialInputs::requireValues(const std::string& name, const std::vector<float>& values) const {
     const std::size_t wanted = require(name, BindingKind::Float).componentCount();
     if (values.size() != 1 && values.size() != wanted) {
-        throw HostError({materialFile_, 0}, joinText({"\"", name, "\" takes ", std::to_string(wanted),
-                                                      " numbers, or one for all, "
-                                                      "and not ",
-                                                      std::to_string(values.size())}));
+        throw HostError({materialFile_, 0},
+                        joinText({"\"", name, "\" takes ", std::to_string(wanted),
+                                  " numbers, or one for all, and not ", std::to_string(values.size())}));
     }
 }
 

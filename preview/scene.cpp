@@ -20,6 +20,7 @@ constexpr float degree = pi / 180.0F;
 
 constexpr float fieldOfView = 30.0F * degree; ///< of the smaller side
 constexpr float filled = 0.78F;               ///< of the smaller side, by the subject
+constexpr float groundHeight = -1.0F;         ///< on which the subject stands
 constexpr float nearDepth = 2.0F;             ///< in front of the origin, and behind it, that is drawn
 
 float focalLength() { return 1.0F / std::tan(0.5F * fieldOfView); }
@@ -147,16 +148,16 @@ Matrix cropMatrix(const Window& window) {
 
 const Lighting& studioLighting() {
     static const Lighting lighting = {
-        .lights = {{{normalised({-0.60F, 0.72F, 0.62F}, {}), {2.10F, 1.98F, 1.82F}},
-                    {normalised({0.90F, 0.18F, 0.42F}, {}), {0.26F, 0.32F, 0.42F}},
-                    {normalised({0.42F, 0.46F, -0.80F}, {}), {1.30F, 1.34F, 1.40F}}}},
-        .above = {0.34F, 0.36F, 0.40F},
-        .below = {0.13F, 0.12F, 0.11F}};
+        .lights = {{{normalised({-0.60F, 0.72F, 0.62F}, {}), {1.16F, 1.10F, 1.02F}},
+                    {normalised({0.90F, 0.18F, 0.42F}, {}), {0.17F, 0.21F, 0.27F}},
+                    {normalised({0.42F, 0.46F, -0.80F}, {}), {0.90F, 0.93F, 0.97F}}}},
+        .above = {0.22F, 0.235F, 0.26F},
+        .below = {0.095F, 0.09F, 0.085F}};
     return lighting;
 }
 
 Studio::Studio(const Subject& subject, const Camera& camera, float turn)
-    : footprint_(subject.footprint), camera_(camera), eye_(eyePosition(camera)), floor_(-1.0F),
+    : footprint_(subject.footprint), camera_(camera), eye_(eyePosition(camera)),
       angle_(angleOf(subject, turn)) {}
 
 float Studio::brightness(float x, float y) const {
@@ -176,7 +177,7 @@ float Studio::brightness(float x, float y) const {
     if (ray[1] >= 0.0F) {
         return behind;
     }
-    return behind * shade(eye_ + ray * ((floor_ - eye_[1]) / ray[1]));
+    return behind * shade(eye_ + ray * ((groundHeight - eye_[1]) / ray[1]));
 }
 
 /// The part of the light that arrives at a place on the ground: dark where the subject stands, and somewhat
@@ -193,7 +194,7 @@ float Studio::shade(const Vec3& ground) const {
     const float dx = std::max(std::abs(x) - 0.88F, 0.0F);
     const float dz = std::max(std::abs(z) - 0.88F, 0.0F);
     const float distance = std::hypot(dx, dz);
-    return (1.0F - 0.55F * std::exp(-distance / 0.10F)) * (1.0F - 0.40F * std::exp(-distance / 0.55F));
+    return (1.0F - 0.65F * std::exp(-distance / 0.10F)) * (1.0F - 0.40F * std::exp(-distance / 0.55F));
 }
 
 } // namespace patina::preview

@@ -87,8 +87,6 @@ private:
     Footprint footprint_;
     Camera camera_;
     Vec3 eye_;
-    float floor_; ///< its height
-    float extent_ = 1.0F;
     float angle_; ///< by which the subject is turned
 };
 
