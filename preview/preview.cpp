@@ -43,7 +43,7 @@ public:
           program_(exported_, MaterialInputs(savedBindings(material), options_, material.file), context_,
                    warnings, errors),
           geometry_(program_.geometry(subject_.mesh)),
-          camera_(frame(subject_, options.width, options.height)),
+          camera_(frame(subject_, options.width, options.height, options.share)),
           tileSide_(std::max(1, targetSide / options.samples)),
           target_(tileSide_ * options.samples, tileSide_ * options.samples) {}
 

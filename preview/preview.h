@@ -30,7 +30,8 @@ struct PreviewOptions {
     std::map<std::string, std::vector<float>> rates;       ///< by which these grow in a second
     int width = 512;
     int height = 512;
-    int samples = 4; ///< on each side of a pixel, from 1 to 16
+    float share = 0.78F; ///< of the picture's smaller side that what is shown fills
+    int samples = 4;     ///< on each side of a pixel, from 1 to 16
     PreviewBackground background = PreviewBackground::Studio;
     std::array<float, 3> colour = {}; ///< of the background, linear light
     bool showValue = false;           ///< see ExportOptions

@@ -19,7 +19,6 @@ constexpr float pi = std::numbers::pi_v<float>;
 constexpr float degree = pi / 180.0F;
 
 constexpr float fieldOfView = 30.0F * degree; ///< of the smaller side
-constexpr float filled = 0.78F;               ///< of the smaller side, by the subject
 constexpr float groundHeight = -1.0F;         ///< on which the subject stands
 constexpr float nearDepth = 2.0F;             ///< in front of the origin, and behind it, that is drawn
 
@@ -105,7 +104,7 @@ Subject makeSubject(const std::string& mesh) {
 
 Matrix worldMatrix(const Subject& subject, float turn) { return rotationAboutY(angleOf(subject, turn)); }
 
-Camera frame(const Subject& subject, int width, int height) {
+Camera frame(const Subject& subject, int width, int height, float share) {
     const std::vector<Vec2> rings = sweptRings(subject.mesh);
     float nearest = 2.5F; // in front of which the subject would be cut off
     float farthest = 40.0F;
@@ -113,7 +112,7 @@ Camera frame(const Subject& subject, int width, int height) {
     for (int i = 0; i < 40; ++i) {
         const float distance = 0.5F * (nearest + farthest);
         bounds = project(rings, subject.pitch, distance);
-        (std::max(bounds.halfWidth, bounds.halfHeight()) > filled ? nearest : farthest) = distance;
+        (std::max(bounds.halfWidth, bounds.halfHeight()) > share ? nearest : farthest) = distance;
     }
     return {subject.pitch, farthest, -0.5F * (bounds.bottom + bounds.top),
             static_cast<float>(width) / static_cast<float>(height)};

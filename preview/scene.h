@@ -38,9 +38,9 @@ struct Camera {
     float aspect = 1.0F;   ///< width through height
 };
 
-/// A camera for which the subject fills most of a picture of that size, and as much of it however it is
+/// A camera for which the subject fills that share of the smaller side of a picture, however it is
 /// turned.
-Camera frame(const Subject& subject, int width, int height);
+Camera frame(const Subject& subject, int width, int height, float share);
 
 Vec3 eyePosition(const Camera& camera);
 

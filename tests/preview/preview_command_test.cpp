@@ -44,10 +44,14 @@ protected:
     void write(const std::string& body) { directory_.write("m.xml", documentText(body)); }
 
     /// Draws 64 by 64 pixels unless the arguments say otherwise.
-    Outcome run(Names arguments, const Environment& environment = {}) {
+    virtual Outcome run(Names arguments, const Environment& environment = {}) {
         if (std::find(arguments.begin(), arguments.end(), "--size") == arguments.end()) {
             arguments.insert(arguments.end(), {"--size", "64"});
         }
+        return runWith(arguments, environment);
+    }
+
+    Outcome runWith(Names arguments, const Environment& environment) const {
         arguments.insert(arguments.begin(), {"preview", path("m.xml"), "-o", path("out.png"), "-q",
                                              "--plugin", PATINA_CORENODES});
         return testing::run(PATINA_COMMAND, arguments, environment);
@@ -73,6 +77,15 @@ protected:
     std::string path(const std::string& name) const { return (directory_ / name).string(); }
 
     TemporaryDirectory directory_;
+};
+
+/// A folder with a material, and pictures of its graph.
+class ContactSheet : public PreviewCommand {
+protected:
+    Outcome run(Names arguments, const Environment& environment = {}) override {
+        arguments.emplace_back("--contact-sheet");
+        return runWith(arguments, environment);
+    }
 };
 
 TEST_F(PreviewCommand, UnlitColoursAreShownExactly) {
@@ -296,6 +309,75 @@ TEST_F(PreviewCommand, NodesThatAreNotThereAreRefused) {
     write(tinted);
     EXPECT_NE(refusal(1, {"--node", "nobody"}).find("nobody"), std::string::npos);
     EXPECT_NE(refusal(1, {"--node", "tint:nothing"}).find("nothing"), std::string::npos);
+}
+
+// The contact sheet
+
+/// How many pixels of a picture have exactly that colour.
+int count(const PngFile& picture, const Colour& colour) {
+    int found = 0;
+    for (int row = 0; row < picture.height(); ++row) {
+        for (int column = 0; column < picture.width(); ++column) {
+            found += picture.at(column, row) == colour ? 1 : 0;
+        }
+    }
+    return found;
+}
+
+/// What is certainly inside of a sphere's picture.
+constexpr int diskPixels = 20000;
+
+TEST_F(ContactSheet, ShowsWhatEachNodeGives) {
+    write(tint + node("invert", "CoreMaths", property("Function", "enum", "Invert")) +
+          connection("tint", "read", "invert", "in_value1") + output("colour", "invert", "out_value"));
+    const PngFile sheet = picture({"--set", "Tint=1,0,0"});
+    const int red = count(sheet, {255, 0, 0});
+    const int cyan = count(sheet, {0, 255, 255});
+    EXPECT_GT(red, diskPixels);
+    EXPECT_LT(red, 2 * diskPixels) << "one node is red";
+    EXPECT_GT(cyan, 2 * diskPixels) << "one node is cyan, and so is the material";
+}
+
+TEST_F(ContactSheet, LeavesOutWhatCannotBeShown) {
+    write(tint + node("rim", "CoreMaths", property("Function", "enum", "Fresnel")) +
+          output("colour", "tint", "read"));
+    const Outcome outcome = run({"--set", "Tint=1,0,0"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors, path("m.xml") +
+                                  ":3: error: node \"rim\" (\"Maths\"): a value needs to be supplied to "
+                                  "the \"facing\" port on the Fresnel maths node\n");
+    EXPECT_GT(count(PngFile(path("out.png")), {255, 0, 0}), diskPixels);
+}
+
+TEST_F(ContactSheet, ShowsTheNodesOfAMaterialThatCannotBeShown) {
+    write(tint);
+    const Outcome outcome = run({"--set", "Tint=1,0,0"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_NE(outcome.errors.find("error: "), std::string::npos);
+    EXPECT_GT(count(PngFile(path("out.png")), {255, 0, 0}), diskPixels);
+}
+
+TEST_F(ContactSheet, SaysEachThingOnce) {
+    write(painted);
+    const Outcome outcome = run({"--texture", "Paint=" + path("none.png")});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors,
+              path("none.png") + ": error: cannot read this file: there is no such file or directory\n");
+}
+
+TEST_F(ContactSheet, NeedsGraphviz) {
+    write(tinted);
+    EXPECT_EQ(
+        refusal(1, {}, {{"PATH", path(".")}}),
+        "dot: error: cannot start this program: there is no such file or directory; install Graphviz\n");
+}
+
+TEST_F(ContactSheet, ExcludesWhatItDecidesItself) {
+    write(tinted);
+    for (const Names& row : {Names{"--node", "tint"}, Names{"--size", "64"}, Names{"--frames", "2"},
+                             Names{"--background", "1,1,1"}}) {
+        EXPECT_NE(refusal(2, row), "") << row.front();
+    }
 }
 
 // Errors

@@ -26,7 +26,7 @@ struct Extent {
 };
 
 Extent extentOf(const Subject& subject, int width, int height, float turn) {
-    const Matrix matrix = viewProjection(frame(subject, width, height)) * worldMatrix(subject, turn);
+    const Matrix matrix = viewProjection(frame(subject, width, height, 0.78F)) * worldMatrix(subject, turn);
     Extent extent;
     for (const Vertex& vertex : subject.mesh.vertices) {
         const Vec3 place = projected(matrix, vertex.position);
@@ -83,7 +83,7 @@ TEST(Subjects, UnknownMeshesAreRefused) {
 }
 
 TEST(Cameras, TheEyeIsWhereThePictureIsTakenFrom) {
-    const Camera camera = frame(makeSubject("cube"), 512, 512);
+    const Camera camera = frame(makeSubject("cube"), 512, 512, 0.78F);
     const Vec3 eye = eyePosition(camera);
     EXPECT_GT(eye[1], 0.0F);
     // what lies on a line through the eye is in one place
@@ -110,7 +110,7 @@ TEST(Lights, HaveLengthOne) {
 
 TEST(StudioBackground, IsGreyAndSmooth) {
     const Subject sphere = makeSubject("sphere");
-    const Studio studio(sphere, frame(sphere, 512, 512), 0.0F);
+    const Studio studio(sphere, frame(sphere, 512, 512, 0.78F), 0.0F);
     for (float y = -1.0F; y <= 1.0F; y += 0.01F) {
         for (float x = -1.0F; x <= 1.0F; x += 0.01F) {
             const float here = studio.brightness(x, y);
@@ -125,7 +125,7 @@ TEST(StudioBackground, IsGreyAndSmooth) {
 TEST(StudioBackground, IsDarkWhereSomethingStands) {
     for (const char* mesh : {"sphere", "cube"}) {
         const Subject subject = makeSubject(mesh);
-        const Camera camera = frame(subject, 512, 512);
+        const Camera camera = frame(subject, 512, 512, 0.78F);
         const Vec3 foot = projected(viewProjection(camera), {0.0F, -1.0F, 0.0F});
         const Studio studio(subject, camera, 0.0F);
         EXPECT_LT(studio.brightness(foot[0], foot[1]), 0.5F * studio.brightness(-1.0F, foot[1])) << mesh;

@@ -5,7 +5,6 @@
 #include "host/graphviz.h"
 #include "host/material.h"
 #include "host/show.h"
-#include "nodemodel/text.h"
 #include "tools/patina/graphviz_program.h"
 
 #include <algorithm>
@@ -19,8 +18,6 @@
 #include <vector>
 
 namespace patina::tool {
-
-using namespace detail;
 
 namespace {
 
@@ -62,6 +59,8 @@ void addNew(std::vector<Report>& all, const std::vector<Report>& more, const Lin
     }
 }
 
+std::string errorText(const HostError& error) { return error.what(); }
+
 class SheetPainter {
 public:
     SheetPainter(const MaterialDocument& document, const PluginSet& plugins, const PreviewOptions& options,
@@ -70,6 +69,7 @@ public:
           errors_(errors) {
         options_.width = graphPictureSize * pixelsPerPoint;
         options_.height = options_.width;
+        options_.share = 0.96F;
         options_.background = PreviewBackground::Transparent;
     }
 
@@ -97,8 +97,7 @@ private:
             Material material = buildMaterial(showOutput(document_, item.id, ""), plugins_, sameAsAbove);
             return drawPicture("node" + std::to_string(count_++), material, optionsFor(material));
         } catch (const HostError& failure) {
-            warnings_.push_back(
-                {failure.position(), joinText({nodeTitle(item), " has no picture: ", failure.text()})});
+            addNew(errors_, {failure}, errorText); // the material's own error, more often than not
             return {};
         }
     }
@@ -125,7 +124,7 @@ private:
         addNew(warnings_, warnings, [](const Warning& warning) {
             return diagnosticText(warning.position, "warning", warning.text);
         });
-        addNew(errors_, errors, [](const HostError& error) { return std::string(error.what()); });
+        addNew(errors_, errors, errorText);
         return directory_.write({name + ".png", preview->draw(seconds_, 0.0F)});
     }
 

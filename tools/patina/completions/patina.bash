@@ -106,7 +106,7 @@ _patina() {
             graph) _patina_words '--shader --format -o --output --plugin --help' ;;
             preview)
                 _patina_words '-o --output --size --mesh --texture --textures --set --animate --time --frames
-                    --node --background --samples --plugin -q --quiet --help' ;;
+                    --node --contact-sheet --background --samples --plugin -q --quiet --help' ;;
             validate) _patina_words '--list --only --json --timeout --help' ;;
         esac
         return
