@@ -157,6 +157,56 @@ TEST_F(PreviewCommand, TheSameInputGivesTheSameBytes) {
     EXPECT_EQ(readText(directory_ / "out.png"), first);
 }
 
+// Light
+
+/// A material of one colour under light.
+std::string lit(const std::string& colour, const std::string& gloss) {
+    return node("tint", "CoreConstant",
+                property("Name", "string", "Tint") + property("Default Colour", "colour", colour)) +
+           node("gloss", "CoreConstant",
+                property("Name", "string", "Gloss") + property("Constant Type", "enum", "Scalar") +
+                    property("Default Scalar", "float", gloss)) +
+           output("colour", "tint", "read") + output("gloss", "gloss", "read");
+}
+
+TEST_F(PreviewCommand, LightComesFromAboveTheLeft) {
+    write(lit("0.5, 0.5, 0.5", "0"));
+    const PngFile sphere = picture();
+    EXPECT_GT(sphere.at(22, 22)[0], sphere.at(42, 46)[0] + 40);
+    const PngFile plane = picture({"--mesh", "plane"});
+    EXPECT_GT(plane.middle()[0], 120); // it faces the light
+}
+
+TEST_F(PreviewCommand, NoLitSurfaceIsFlatWhite) {
+    write(lit("0.9, 0.9, 0.9", "0"));
+    const PngFile sphere = picture();
+    for (int i = 8; i < 56; ++i) {
+        EXPECT_LT(sphere.at(i, 32)[0], 255) << i;
+        EXPECT_LT(sphere.at(32, i)[0], 255) << i;
+    }
+}
+
+TEST_F(PreviewCommand, GlossMakesHighlights) {
+    write(lit("0.02, 0.02, 0.02", "0.8"));
+    const auto brightest = [](const PngFile& picture) {
+        int most = 0;
+        for (int y = 12; y < 32; ++y) {
+            for (int x = 12; x < 32; ++x) {
+                most = std::max(most, picture.at(x, y)[0]);
+            }
+        }
+        return most;
+    };
+    const int glossy = brightest(picture());
+    EXPECT_GT(glossy, brightest(picture({"--set", "Gloss=0"})) + 100);
+}
+
+TEST_F(PreviewCommand, ValuesOfALitMaterialAreNotLit) {
+    write(lit("0.5, 0.5, 0.5", "0.25"));
+    EXPECT_EQ(picture({"--node", "tint"}).middle(), (Colour{188, 188, 188}));
+    EXPECT_EQ(picture({"--node", "gloss"}).middle(), (Colour{137, 137, 137}));
+}
+
 // Background and alpha
 
 TEST_F(PreviewCommand, TheBackgroundIsLinearLight) {
@@ -224,6 +274,16 @@ TEST_F(PreviewCommand, BytesOfATextureComeOutAsTheyWentIn) {
     write(painted);
     directory_.write("a.png", pngText(1, 1, {12, 119, 230}));
     EXPECT_EQ(picture({"--texture", "Paint=" + path("a.png")}).middle(), (Colour{12, 119, 230}));
+}
+
+TEST_F(PreviewCommand, ATextureOfOneDimensionIsTheMiddleRowOfItsImage) {
+    write(tint + node("cut", "CoreSwizzle", "") + connection("tint", "read", "cut", "in_vec") +
+          node("ramp", "CoreTexture",
+               property("Name", "string", "Ramp") + property("Texture Type", "enum", "1D")) +
+          connection("cut", "out_x", "ramp", "in_uv") + output("colour", "ramp", "out_colour"));
+    const std::string texture = "Ramp=" + directory_.write("four.png", fourColours()).string();
+    EXPECT_EQ(picture({"--texture", texture, "--set", "Tint=0.25"}).middle(), (Colour{255, 0, 0}));
+    EXPECT_EQ(picture({"--texture", texture, "--set", "Tint=0.75"}).middle(), (Colour{0, 255, 0}));
 }
 
 TEST_F(PreviewCommand, TexturesAreFoundByTheirNames) {
