@@ -17,8 +17,9 @@ void clearPorts(MaterialNode& node) {
     node.outputs.clear();
 }
 
-void addEnumValues(Property& property, std::initializer_list<const char*> values) {
-    for (const char* value : values) {
+void addEnumValues(Property& property, std::initializer_list<std::string_view> values) {
+    property.allowedValues.reserve(values.size());
+    for (const std::string_view value : values) {
         property.addEnumValue(value);
     }
 }

@@ -11,6 +11,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace patina {
@@ -19,8 +20,8 @@ namespace patina {
 
 /// How a port is declared in a table of ports.
 struct PortDeclaration {
-    const char* name;
-    const char* label;
+    std::string_view name; ///< empty where there is none
+    std::string_view label;
     std::uint32_t componentCount; ///< fixed; 0 leaves it to resolution
 };
 
@@ -38,7 +39,16 @@ void addPort(std::vector<Port>& ports, const PortDeclaration& declaration);
 void clearPorts(MaterialNode& node);
 
 /// Adds the values in order; the first is the default.
-void addEnumValues(Property& property, std::initializer_list<const char*> values);
+void addEnumValues(Property& property, std::initializer_list<std::string_view> values);
+
+/// Adds the names of a table's rows in order; the first is the default.
+template <typename Row, std::size_t Count>
+void addEnumValues(Property& property, const std::array<Row, Count>& table) {
+    property.allowedValues.reserve(Count);
+    for (const Row& row : table) {
+        property.addEnumValue(row.name);
+    }
+}
 
 /// The type of the node's resolved precision with that many columns.
 ShaderType resolvedType(const MaterialNode& node, std::int32_t columns);

@@ -4,6 +4,7 @@
 #include "nodemodel/text.h"
 
 #include <array>
+#include <string_view>
 
 namespace patina {
 
@@ -16,7 +17,7 @@ enum class Constants { None, One, OneAndHalf };
 
 /// One blend mode: up to two typed locals, then the assignment.
 struct BlendMode {
-    const char* name;
+    std::string_view name;
     Constants constants;
     std::array<const char*, 2> locals; ///< each written behind the resolved type; null where there is none
     const char* code;
@@ -73,9 +74,7 @@ LayerBlendNode::LayerBlendNode() : MaterialNode(staticTypeName()) {
     setBodyColour(0.44F, 0.71F, 0.19F);
 
     mode_ = addProperty("Mode", "Mode: the layer blend to perform.");
-    for (const BlendMode& mode : blendModes) {
-        mode_->addEnumValue(mode.name);
-    }
+    addEnumValues(*mode_, blendModes);
 
     addPort(inputs, {"in_value1", "in1", 0});
     addPort(inputs, {"in_value2", "in2", 0});

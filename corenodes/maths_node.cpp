@@ -4,7 +4,9 @@
 #include "nodemodel/shader_error.h"
 #include "nodemodel/text.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace patina {
 
@@ -12,7 +14,7 @@ using namespace detail;
 
 /// One arithmetic function: its ports and its line of code.
 struct MathsFunction {
-    const char* name;
+    std::string_view name;
     std::array<PortDeclaration, 5> inputs; ///< ends at the first without a name
     PortDeclaration output;
     const char* code;
@@ -68,6 +70,48 @@ constexpr std::array<MathsFunction, 15> mathsFunctions = {{
     {"Frac", {onlyIn}, out, "\tout_value = frac( in_value1 );\n"},
 }};
 
+/// A property that feeds inputs of one name while they are not connected. "in_facing" has none.
+struct InputDefault {
+    std::string_view portName;
+    std::string_view propertyName;
+    std::string_view help;
+    float value;
+};
+
+constexpr std::array<InputDefault, 11> inputDefaults = {{
+    {"in_value1", "Default Value 1",
+     "Default Value 1: the default value for the port \"in1\" (or \"in\") when no edge is connected.", 0.0F},
+    {"in_value2", "Default Value 2",
+     "Default Value 2: the default value for the port \"in2\" when no edge is connected.", 0.0F},
+    {"in_blend", "Default Blend",
+     "Default Blend: the default value for the port \"blend\" when no edge is connected.", 0.5F},
+    {"in_min", "Default Min",
+     "Default Min: the default value for the port \"min\" when no edge is connected.", 0.0F},
+    {"in_max", "Default Max",
+     "Default Max: the default value for the port \"max\" when no edge is connected.", 1.0F},
+    {"in_oldmin", "Default Old Min",
+     "Default Old Min: the default value for the port \"old min\" when no edge is connected.", 0.0F},
+    {"in_oldmax", "Default Old Max",
+     "Default Old Max: the default value for the port \"old max\" when no edge is connected.", 1.0F},
+    {"in_test1", "Default Test 1",
+     "Default Test 1: the default value for the port \"test1\" when no edge is connected.", 0.0F},
+    {"in_test2", "Default Test 2",
+     "Default Test 2: the default value for the port \"test2\" when no edge is connected.", 0.0F},
+    {"in_power", "Default Power",
+     "Default Power: the default value for the port \"power\" when no edge is connected.  The default for "
+     "fresnel should be 5.",
+     5.0F},
+    {"in_scale", "Default Scale",
+     "Default Scale: the default value for the port \"scale\" when no edge is connected.", 1.0F},
+}};
+
+/// The index of the property that feeds an input, or the number of them when there is none.
+std::size_t defaultIndexOf(std::string_view portName) {
+    const auto found = std::find_if(inputDefaults.begin(), inputDefaults.end(),
+                                    [&](const InputDefault& entry) { return entry.portName == portName; });
+    return static_cast<std::size_t>(found - inputDefaults.begin());
+}
+
 /// Rounding runs per fragment unless the artist says otherwise: interpolating rounded values would undo it.
 bool isRounding(const std::string& function) {
     return function == "Ceil" || function == "Floor" || function == "Frac";
@@ -90,21 +134,11 @@ MathsNode::MathsNode() : MaterialNode(staticTypeName()) {
     setBodyColour(1.0F, 0.5F, 0.5F);
 
     function_ = addProperty("Function", "Function: the type of mathematical function to perform.");
-    for (const MathsFunction& function : mathsFunctions) {
-        function_->addEnumValue(function.name);
+    addEnumValues(*function_, mathsFunctions);
+    for (std::size_t i = 0; i < defaultCount; ++i) {
+        defaults_[i] = addProperty(inputDefaults[i].propertyName, inputDefaults[i].help);
+        defaults_[i]->setFloat(inputDefaults[i].value);
     }
-    addDefault("in_value1", "Default Value 1", "\"in1\" (or \"in\") when no edge is connected.", 0.0F);
-    addDefault("in_value2", "Default Value 2", "\"in2\" when no edge is connected.", 0.0F);
-    addDefault("in_blend", "Default Blend", "\"blend\" when no edge is connected.", 0.5F);
-    addDefault("in_min", "Default Min", "\"min\" when no edge is connected.", 0.0F);
-    addDefault("in_max", "Default Max", "\"max\" when no edge is connected.", 1.0F);
-    addDefault("in_oldmin", "Default Old Min", "\"old min\" when no edge is connected.", 0.0F);
-    addDefault("in_oldmax", "Default Old Max", "\"old max\" when no edge is connected.", 1.0F);
-    addDefault("in_test1", "Default Test 1", "\"test1\" when no edge is connected.", 0.0F);
-    addDefault("in_test2", "Default Test 2", "\"test2\" when no edge is connected.", 0.0F);
-    addDefault("in_power", "Default Power",
-               "\"power\" when no edge is connected.  The default for fresnel should be 5.", 5.0F);
-    addDefault("in_scale", "Default Scale", "\"scale\" when no edge is connected.", 1.0F);
 
     executionLevel_ = addProperty("Execution Level", "Execution Level: force the maths to be done either "
                                                      "per-vertex or per-fragment, for example to force some "
@@ -116,14 +150,6 @@ MathsNode::MathsNode() : MaterialNode(staticTypeName()) {
     MathsNode::updateFromProperties(nullptr);
 }
 
-void MathsNode::addDefault(const char* portName, const char* propertyName, const char* portText,
-                           float value) {
-    auto property =
-        addProperty(propertyName, joinText({propertyName, ": the default value for the port ", portText}));
-    property->setFloat(value);
-    defaults_.emplace(portName, property);
-}
-
 const MathsFunction& MathsNode::function() const {
     return findRow(mathsFunctions, function_->getEnum(), mathsFunctions.front());
 }
@@ -131,26 +157,29 @@ const MathsFunction& MathsNode::function() const {
 void MathsNode::updateFromProperties(void* /*hostContext*/) {
     const MathsFunction& selected = function();
     clearPorts(*this);
+    for (const std::shared_ptr<Property>& property : defaults_) {
+        property->visible = false;
+    }
     for (const PortDeclaration& input : selected.inputs) {
-        if (input.name != nullptr) {
+        if (!input.name.empty()) {
             addPort(inputs, input);
+            if (const std::size_t index = defaultIndexOf(input.name); index < defaultCount) {
+                defaults_[index]->visible = true;
+            }
         }
     }
     addPort(outputs, selected.output);
-    for (const auto& [portName, property] : defaults_) {
-        property->visible = findInputPortIndex(portName) >= 0;
-    }
 }
 
 std::string MathsNode::caption() const { return function_->getEnum(); }
 
 float MathsNode::defaultFor(const Port& input) const {
-    const auto found = defaults_.find(input.name);
-    if (found == defaults_.end()) {
+    const std::size_t index = defaultIndexOf(input.name);
+    if (index == defaultCount) {
         throw ShaderError(joinText({"a value needs to be supplied to the \"", input.label, "\" port on the ",
                                     function_->getEnum(), " maths node"}));
     }
-    return found->second->getFloat();
+    return defaults_[index]->getFloat();
 }
 
 void MathsNode::generateCode(GraphGenerator& generator) {

@@ -2,7 +2,8 @@
 
 #include "nodemodel/material_node.h"
 
-#include <map>
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -27,12 +28,12 @@ public:
 
 private:
     const MathsFunction& function() const;
-    void addDefault(const char* portName, const char* propertyName, const char* portText, float value);
     float defaultFor(const Port& input) const;
 
     std::shared_ptr<Property> function_;
     std::shared_ptr<Property> executionLevel_;
-    std::map<std::string, std::shared_ptr<Property>> defaults_; ///< by the name of the input that each feeds
+    static constexpr std::size_t defaultCount = 11;
+    std::array<std::shared_ptr<Property>, defaultCount> defaults_; ///< what feeds inputs without a connection
 };
 
 } // namespace patina

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace patina {
 
@@ -11,7 +12,7 @@ namespace {
 
 /// A vector type: how its ports are labelled, and its width where it is given.
 struct VectorType {
-    const char* name;
+    std::string_view name;
     std::int32_t componentCount; ///< 0: the artist chooses
     const char* vectorLabel;
     std::array<const char*, 4> componentLabels;
@@ -46,9 +47,7 @@ SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName()) {
 
     vectorType_ =
         addProperty("Vector Type", "Vector Type: the quantity to split (or merge) into components.");
-    for (const VectorType& type : vectorTypes) {
-        vectorType_->addEnumValue(type.name);
-    }
+    addEnumValues(*vectorType_, vectorTypes);
     componentCount_ =
         addProperty("Component Count", "Component Count: the number of values for vector constants.  "
                                        "This must be between 2 and 4.");

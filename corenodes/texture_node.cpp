@@ -6,6 +6,7 @@
 #include "shadergraph/graph_generator.h"
 
 #include <array>
+#include <string_view>
 
 namespace patina {
 
@@ -17,7 +18,7 @@ constexpr std::uint32_t floatPrecision = static_cast<std::uint32_t>(ComponentTyp
 
 /// One way to present a texture: its outputs, and the code that fills them from `value`.
 struct ColourType {
-    const char* name;
+    std::string_view name;
     std::array<PortDeclaration, 3> outputs; ///< ends at the first without a name
     bool fourComponents;                    ///< always samples all four and has no alpha output
     bool normal;
@@ -69,9 +70,7 @@ TextureNode::TextureNode() : MaterialNode(staticTypeName()) {
         addProperty("Colour Type", "Colour Type: the colour outputs to present from this node. Normal maps "
                                    "should always use the \"Normal\" or \"DXT5 Normal\" setting to properly "
                                    "unpack the normal from the texture.");
-    for (const ColourType& type : colourTypes) {
-        colourType_->addEnumValue(type.name);
-    }
+    addEnumValues(*colourType_, colourTypes);
     alpha_ = addProperty("Alpha", "Alpha: check this box in order to use the alpha channel of the texture.");
     alpha_->setBool(false);
     srgb_ = addProperty(
@@ -130,7 +129,7 @@ void TextureNode::updateFromProperties(void* /*hostContext*/) {
 
     const ColourType& type = findColourType(colourType_->getEnum());
     for (const PortDeclaration& output : type.outputs) {
-        if (output.name != nullptr) {
+        if (!output.name.empty()) {
             addPort(outputs, output);
         }
     }
@@ -183,7 +182,7 @@ void TextureNode::generateCode(GraphGenerator& generator) {
         builder.appendCode("\tvalue.xyz = QelSrgbToLinear( value.xyz );\n");
     }
     for (const PortDeclaration& output : type.outputs) {
-        if (output.name != nullptr) {
+        if (!output.name.empty()) {
             builder.addOutputPort(outputPort(output.name));
         }
     }

@@ -1,9 +1,11 @@
 #include "host/dataflow.h"
 
 #include "host/dependency_order.h"
+#include "host/framework_surface.h"
 #include "nodemodel/text.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <set>
@@ -35,8 +37,28 @@ struct OutputRule {
     const char* widths;
 };
 
-constexpr OutputRule colourRule = {"colour", true, true, "three components or one"};
-constexpr OutputRule alphaRule = {"alpha", true, false, "one component"};
+constexpr std::string_view colourName = "colour";
+constexpr std::string_view alphaName = "alpha";
+constexpr std::string_view normalName = "normal";
+constexpr std::string_view emissiveName = "emissive";
+constexpr std::string_view glossName = "gloss";
+
+constexpr std::array<OutputRule, 5> outputRules = {{
+    {colourName, true, true, "three components or one"},
+    {alphaName, true, false, "one component"},
+    {normalName, false, true, "three components"},
+    {emissiveName, true, true, "three components or one"},
+    {glossName, true, false, "one component"},
+}};
+
+std::string listOfOutputs() {
+    std::string list;
+    for (const OutputRule& rule : outputRules) {
+        const bool isLast = rule.name == outputRules.back().name;
+        appendText(list, {list.empty() ? "\"" : isLast ? " and \"" : ", \"", rule.name, "\""});
+    }
+    return list;
+}
 
 bool isFitting(const ShaderType& type, const OutputRule& rule) {
     return (rule.scalar && type.columns == 1) || (rule.vector && type.columns == 3);
@@ -53,6 +75,7 @@ public:
         joinInnerEdges();
         joinConnections();
         selectOutputs();
+        useOutputs();
         provideInterfaces();
         passInterfaces();
         Dataflow needed = withoutSources();
@@ -74,7 +97,7 @@ private:
 
     /// Whether the item shows what is meant, so that an error at it does not only follow from another.
     bool isCertain(std::size_t item) const {
-        return !material_.items[item].faulty && !graph_.incomplete[item];
+        return item == frameworkOwner || (!material_.items[item].faulty && !graph_.incomplete[item]);
     }
 
     bool areAllCertain() const {
@@ -91,7 +114,9 @@ private:
         return errors_ == nullptr || (isCertain(source) && isCertain(destination)) ? errors_ : &ignored_;
     }
 
-    const MaterialItem& ownerOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
+    std::string titleOf(std::size_t node) const { return ownerTitle(material_, flow_.nodes[node]); }
+
+    int lineOf(std::size_t node) const { return ownerPosition(material_, flow_.nodes[node]).line; }
 
     std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
         const std::size_t index = flow_.nodes.size();
@@ -131,19 +156,18 @@ private:
     }
 
     void feed(std::size_t head, std::size_t input, const ValueSource& value) {
-        const MaterialItem& item = ownerOf(value.node);
         // by value: a conversion adds a node
         const std::shared_ptr<GeneratorNode> generated = flow_.nodes[head].generated;
         const ValueSource earlier = flow_.nodes[head].inputs[input];
         if (earlier.node != noSource) {
-            fail(item.line, {nodeTitle(item), ": this feeds \"", generated->inputs[input].name, "\" of ",
-                             describe(*generated), ", and so does ", nodeTitle(ownerOf(earlier.node)),
-                             "; only one of them can"});
+            fail(lineOf(value.node),
+                 {titleOf(value.node), ": this feeds \"", generated->inputs[input].name, "\" of ",
+                  describe(*generated), ", and so does ", titleOf(earlier.node), "; only one of them can"});
         }
         const ValueSource converted =
             convert(value, generated->inputs[input].type, [&](std::string_view reason) {
-                fail(item.line,
-                     {nodeTitle(item), ", ", describe(*flow_.nodes[value.node].generated), ", to \"",
+                fail(lineOf(value.node),
+                     {titleOf(value.node), ", ", describe(*flow_.nodes[value.node].generated), ", to \"",
                       generated->inputs[input].name, "\" of ", describe(*generated), ": ", reason});
             });
         flow_.nodes[head].inputs[input] = converted;
@@ -221,7 +245,7 @@ private:
                 fail(connection.line, {nodeTitle(material_.items[connection.destination]), ", input \"",
                                        connection.record->destinationPort, "\": this connection feeds \"",
                                        input.name, "\" of ", describe(*reader), ", and so does the code of ",
-                                       nodeTitle(ownerOf(source.node)), "; only one of them can"});
+                                       titleOf(source.node), "; only one of them can"});
             }
             source = value;
         }
@@ -270,15 +294,15 @@ private:
     void selectOutputs() {
         bool hasColour = false;
         for (const MaterialOutput& output : material_.outputs) {
-            if (colourWidth_ == ColourWidth::Any && output.name != "colour") {
+            if (colourWidth_ == ColourWidth::Any && output.name != colourName) {
                 continue;
             }
-            hasColour = hasColour || output.name == "colour";
+            hasColour = hasColour || output.name == colourName;
             attempt(errorsBetween(output.source, output.source), [&] { selectNamed(output); });
             // what an output that is refused should have shown is looked at all the same
             attempt(&ignored_, [&] {
                 roots_.push_back(producerOf(output.record, output.source, output.line));
-                hasColourRoot_ = hasColourRoot_ || output.name == "colour";
+                hasColourRoot_ = hasColourRoot_ || output.name == colourName;
             });
         }
         if (!hasColour && !isColourRefused()) {
@@ -292,7 +316,7 @@ private:
     /// Whether an output that is left out of the material was, or may have been, its colour.
     bool isColourRefused() const {
         const MaterialDocument& document = material_.document;
-        const auto isColour = [](const DocumentOutput& output) { return output.name == "colour"; };
+        const auto isColour = [](const DocumentOutput& output) { return output.name == colourName; };
         const auto mayBeColour = [&](const DocumentOutput& output) {
             return isColour(output) || output.name.empty();
         };
@@ -302,15 +326,62 @@ private:
     }
 
     void selectNamed(const MaterialOutput& output) {
-        if (output.name == "colour") {
-            flow_.colour = selectOutput(output, colourRule);
-        } else if (output.name == "alpha") {
-            flow_.alpha = selectOutput(output, alphaRule);
-            flow_.hasAlpha = true;
-        } else {
-            fail(output.line, {"there is no output \"", output.name,
-                               "\" to a material; the outputs are \"colour\" and \"alpha\""});
+        const auto rule = std::find_if(outputRules.begin(), outputRules.end(),
+                                       [&](const OutputRule& entry) { return entry.name == output.name; });
+        if (rule == outputRules.end()) {
+            fail(output.line, {"there is no output \"", output.name, "\" to a material; the outputs are ",
+                               listOfOutputs()});
         }
+        outputs_[rule->name] = selectOutput(output, *rule);
+    }
+
+    /// Nothing when the material has no such output, or a refused one.
+    ValueSource selected(std::string_view name) const {
+        const auto found = outputs_.find(name);
+        return found == outputs_.end() ? ValueSource{noSource, 0} : found->second;
+    }
+
+    void useOutputs() {
+        flow_.colour = selected(colourName);
+        flow_.alpha = selected(alphaName);
+        flow_.hasAlpha = flow_.alpha.node != noSource;
+        const SurfaceOutputs outputs = {precisionOf(colourName).value_or(ComponentType::Half),
+                                        precisionOf(normalName), precisionOf(emissiveName),
+                                        precisionOf(glossName)};
+        const bool isLit = outputs.normal || outputs.emissive || outputs.gloss;
+        if (isLit && flow_.colour.node != noSource) {
+            lightSurface(outputs);
+        }
+    }
+
+    /// What an output of the material asks of whoever reads it: half is enough for what is no more itself.
+    std::optional<ComponentType> precisionOf(std::string_view name) const {
+        const ValueSource source = selected(name);
+        if (source.node == noSource) {
+            return std::nullopt;
+        }
+        const ComponentType type = flow_.port(source).type.componentType;
+        const bool isHalf = type == ComponentType::Half || type == ComponentType::Fixed;
+        return isHalf ? ComponentType::Half : ComponentType::Float;
+    }
+
+    void lightSurface(const SurfaceOutputs& outputs) {
+        Graph& graph = *graph_.generator.graph;
+        const std::shared_ptr<GeneratorNode> surface = insertSurface(graph, outputs);
+        enterNodes(std::vector<std::size_t>(graph.nodes.size() - enteredNodes_, frameworkOwner));
+        joinInnerEdges();
+        const std::size_t node = indexByNode_.at(surface.get());
+        for (const auto& [output, input] : {std::pair{colourName, surfaceColour},
+                                            {normalName, surfaceNormal},
+                                            {emissiveName, surfaceEmissive},
+                                            {glossName, surfaceGloss}}) {
+            if (const ValueSource value = selected(output); value.node != noSource) {
+                feed(node, *findPort(surface->inputs, input), value);
+            }
+        }
+        flow_.colour = {node, *findPort(surface->outputs, litColour)};
+        flow_.lit = true;
+        roots_.push_back(flow_.colour);
     }
 
     /// Asks the providers for every interface parameter that is read and that no node writes. What one of
@@ -444,6 +515,7 @@ private:
         }
         result.colour = moved(flow_.colour);
         result.hasAlpha = flow_.hasAlpha;
+        result.lit = flow_.lit;
         result.alpha = moved(flow_.alpha);
         for (const std::size_t sink : flow_.sinks) {
             result.sinks.push_back(position[sink]);
@@ -461,7 +533,7 @@ private:
             }
         };
         for (std::size_t i = 0; i < cycle.size(); ++i) {
-            addOnce(owners, nodeTitle(ownerOf(cycle[i])));
+            addOnce(owners, titleOf(cycle[i]));
             const std::size_t source = cycle[(i + 1) % cycle.size()];
             for (std::size_t input = 0; input < flow_.nodes[cycle[i]].inputs.size(); ++input) {
                 const auto passed = passed_.find({cycle[i], input});
@@ -470,7 +542,7 @@ private:
                 }
             }
         }
-        const int line = ownerOf(cycle.front()).line;
+        const int line = lineOf(cycle.front());
         if (owners.size() == 1) {
             fail(line, {owners.front(), ": the code of this node depends on itself",
                         parameters.empty() ? "" : " through ", joined(parameters),
@@ -478,7 +550,7 @@ private:
         }
         owners.erase(owners.begin());
         fail(line,
-             {nodeTitle(ownerOf(cycle.front())), ": this needs its own value, through ", joined(owners),
+             {titleOf(cycle.front()), ": this needs its own value, through ", joined(owners),
               parameters.empty() ? "" : " and ", joined(parameters), "; take one of them out of the cycle"});
     }
 
@@ -519,18 +591,17 @@ private:
 
     void requireSource(std::size_t node, std::size_t input) const {
         const DataflowNode& entry = flow_.nodes[node];
-        const MaterialItem& item = ownerOf(node);
         const bool isExcused = excused_.count({node, input}) != 0 || !isCertain(entry.owner);
         if (isInterface(node)) { // one that is written has given way to what is written
             const bool isWritten = entry.inputs[input].node != noSource;
             if (!isExcused && areAllCertain()) {
-                fail(item.line, {nodeTitle(item), ": this reads ", describe(*entry.generated),
-                                 isWritten ? ", which is written from itself; write another value to it"
-                                           : ", and no node writes it; add one that does"});
+                fail(lineOf(node), {titleOf(node), ": this reads ", describe(*entry.generated),
+                                    isWritten ? ", which is written from itself; write another value to it"
+                                              : ", and no node writes it; add one that does"});
             }
         } else if (entry.inputs[input].node == noSource && !isExcused) {
-            fail(item.line,
-                 {nodeTitle(item), ": nothing feeds \"", entry.generated->inputs[input].name, "\" of ",
+            fail(lineOf(node),
+                 {titleOf(node), ": nothing feeds \"", entry.generated->inputs[input].name, "\" of ",
                   describe(*entry.generated), "; report this to the author of its plug-in"});
         }
     }
@@ -543,6 +614,7 @@ private:
     Dataflow flow_ = withoutSources();
     std::vector<ValueSource> roots_; ///< of the outputs
     bool hasColourRoot_ = false;
+    std::map<std::string_view, ValueSource> outputs_;       ///< by the names of their rules
     std::set<std::pair<std::size_t, std::size_t>> excused_; ///< inputs, by node, that may lack a source
     std::set<InterfaceKey> asked_;                          ///< of the providers
     std::size_t enteredNodes_ = 0;                          ///< of the graph
@@ -554,6 +626,14 @@ private:
 };
 
 } // namespace
+
+std::string ownerTitle(const Material& material, const DataflowNode& node) {
+    return node.owner == frameworkOwner ? "the framework" : nodeTitle(material.items[node.owner]);
+}
+
+SourcePosition ownerPosition(const Material& material, const DataflowNode& node) {
+    return {material.file, node.owner == frameworkOwner ? material.line : material.items[node.owner].line};
+}
 
 Dataflow joinGraph(const Material& material, const GeneratedGraph& graph, Errors* errors,
                    ColourWidth colourWidth) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace patina {
@@ -21,10 +22,13 @@ struct ValueSource {
     bool operator==(const ValueSource&) const = default;
 };
 
+/// The owner of what the framework adds to a material.
+inline constexpr std::size_t frameworkOwner = noSource;
+
 /// A generator node with the sources of all its inputs.
 struct DataflowNode {
     std::shared_ptr<GeneratorNode> generated;
-    std::size_t owner = 0; ///< the material item whose code it is, or whose value it converts
+    std::size_t owner = 0; ///< the material item whose code it is, or whose value it converts; frameworkOwner
     std::vector<ValueSource> inputs;
     bool conversion = false; ///< put in between two material nodes to convert a value
 };
@@ -35,6 +39,7 @@ struct Dataflow {
     ValueSource colour;              ///< three components, or one that is to be splatted; see ColourWidth
     ValueSource alpha;
     bool hasAlpha = false; ///< otherwise alpha is 1
+    bool lit = false;      ///< whether the colour is what the framework makes of the material's outputs
     std::vector<std::size_t>
         sinks; ///< register parameters that are written: outputs besides colour and alpha
 
@@ -42,6 +47,12 @@ struct Dataflow {
         return nodes[source.node].generated->outputs[source.port];
     }
 };
+
+/// How messages and comments name the owner of a node: as nodeTitle does, or "the framework".
+std::string ownerTitle(const Material& material, const DataflowNode& node);
+
+/// Where the owner stands in its file; of the framework, the material.
+SourcePosition ownerPosition(const Material& material, const DataflowNode& node);
 
 /// How wide a material's colour may be.
 enum class ColourWidth {
@@ -53,7 +64,9 @@ enum class ColourWidth {
 /// each value and type), and leaves out what no output of the material needs. Whoever reads an interface
 /// parameter gets what is written to it; the parameter itself is gone then. For each one that is read and
 /// that no node writes, the providers of the graph are asked in their order, wherever it stands in the
-/// document; what they insert in the graph belongs to the node that reads it first.
+/// document; what they insert in the graph belongs to the node that reads it first. A material with an output
+/// "normal", "emissive" or "gloss" is lit: what insertSurface inserts reads its outputs, and gives the
+/// colour.
 ///
 /// Throws HostError, naming the line and both nodes, for a connection whose types do not convert, for
 /// missing, unknown and misshapen outputs, for interface parameters and inputs that nobody or more than one

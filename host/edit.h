@@ -61,9 +61,9 @@ void connect(Material& material, const std::string& sourceId, const std::string&
 void disconnect(Material& material, const std::string& destinationId, const std::string& input);
 
 /// Adds an output of the material, or makes the one of that name come from another port. That of a
-/// placeholder is taken on trust, and so is the name: an export refuses others than "colour" and "alpha".
-/// Throws when there is no such node or port, and for a name, of the output or of a placeholder's port, that
-/// XML cannot hold.
+/// placeholder is taken on trust, and so is the name: an export refuses others than docs/material-document.md
+/// lists. Throws when there is no such node or port, and for a name, of the output or of a placeholder's
+/// port, that XML cannot hold.
 void setOutput(Material& material, const std::string& name, const std::string& sourceId,
                const std::string& port);
 

@@ -426,14 +426,17 @@ private:
 
     void printFunction(std::size_t node, Program program, std::string_view attributes) {
         const DataflowNode& entry = flow_.nodes[node];
-        const MaterialItem& owner = material_.items[entry.owner];
         NodeLabel label;
         label.inputs = namesOf(entry.generated->inputs);
         label.outputs = namesOf(entry.generated->outputs);
         if (entry.conversion) {
             label.title = entry.generated->name;
             label.subtitle = "conversion";
+        } else if (entry.owner == frameworkOwner) {
+            label.title = ownerTitle(material_, entry);
+            label.subtitle = entry.generated->name;
         } else {
+            const MaterialItem& owner = material_.items[entry.owner];
             label.title = captionOf(material_, owner);
             label.subtitle = joinText({entry.generated->name, middleDot, owner.id});
         }

@@ -28,6 +28,7 @@
 #include "host/edit.h"
 #include "host/export.h"
 #include "host/files.h"
+#include "host/framework_surface.h"
 #include "host/framework_values.h"
 #include "host/generate.h"
 #include "host/graphviz.h"

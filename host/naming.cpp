@@ -47,7 +47,12 @@ public:
     }
 
 private:
-    const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
+    std::string titleOf(std::size_t node) const { return ownerTitle(material_, flow_.nodes[node]); }
+
+    [[noreturn]] void fail(std::size_t node, std::initializer_list<std::string_view> pieces) const {
+        throw HostError(ownerPosition(material_, flow_.nodes[node]),
+                        joinText({titleOf(node), ": ", joinText(pieces)}));
+    }
 
     void takeParameters() {
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
@@ -60,22 +65,25 @@ private:
 
     void takeParameter(std::size_t index) {
         const GeneratorNode& node = *flow_.nodes[index].generated;
-        const MaterialItem& item = itemOf(index);
         names_.values[index].assign(node.outputs.size(), node.name);
         allocator_.take(node.name);
         if (isReservedName(node.name)) {
-            throw HostError({material_.file, item.line},
-                            joinText({nodeTitle(item), ": the name \"", node.name,
-                                      "\" is reserved in Cg or by the shader framework; rename the node"}));
+            fail(index, {"the name \"", node.name,
+                         "\" is reserved in Cg or by the shader framework; rename the node"});
         }
         const auto [first, isNew] = parameterByName_.try_emplace(node.name, index);
         const GeneratorNode& earlier = *flow_.nodes[first->second].generated;
-        if (!isNew && (earlier.kind != node.kind || earlier.type != node.type)) {
-            throw HostError(
-                {material_.file, item.line},
-                joinText({nodeTitle(item), ": ", describe(node), " has the name of ", describe(earlier),
-                          " of ", nodeTitle(itemOf(first->second)), "; rename one of the nodes"}));
+        if (isNew || (earlier.kind == node.kind && earlier.type == node.type)) {
+            return;
         }
+        // the framework cannot rename what it has
+        const bool isOurs = flow_.nodes[index].owner == frameworkOwner;
+        const std::size_t blamed = isOurs ? first->second : index;
+        const std::size_t other = isOurs ? index : first->second;
+        fail(blamed, {describe(*flow_.nodes[blamed].generated), " has the name of ",
+                      describe(*flow_.nodes[other].generated), " of ", titleOf(other),
+                      flow_.nodes[other].owner == frameworkOwner ? "; rename the node"
+                                                                 : "; rename one of the nodes"});
     }
 
     /// A node may read the position itself; it is declared once then, under the first name that it has.
@@ -104,6 +112,11 @@ private:
         }
     }
 
+    const std::string& stemOf(const DataflowNode& node) const {
+        static const std::string framework = "framework";
+        return node.owner == frameworkOwner ? framework : material_.items[node.owner].id;
+    }
+
     /// A node's values are named after its id; those of conversions, which have no id, after what they
     /// convert; registers after themselves.
     void nameValues() {
@@ -114,7 +127,7 @@ private:
             case NodeKind::InterpolantParameter:
                 for (const GeneratorPort& port : node.generated->outputs) {
                     const bool isNamedAfterSource = node.conversion && node.inputs[0].node != noSource;
-                    const std::string stem = isNamedAfterSource ? valueName(node.inputs[0]) : itemOf(i).id;
+                    const std::string& stem = isNamedAfterSource ? valueName(node.inputs[0]) : stemOf(node);
                     const std::string suffix = node.conversion ? typeText(port.type) : port.name;
                     names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
                 }

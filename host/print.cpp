@@ -189,8 +189,7 @@ private:
         constexpr std::size_t shown = 4;
         text_ += "\n// ";
         for (std::size_t i = 0; i < users.size() && i < shown; ++i) {
-            const MaterialItem& item = shader_.material.items[shader_.flow.nodes[users[i]].owner];
-            append({i == 0 ? "" : ", ", oneLine(nodeTitle(item))});
+            append({i == 0 ? "" : ", ", oneLine(ownerTitle(shader_.material, shader_.flow.nodes[users[i]]))});
         }
         if (users.size() > shown) {
             append({" and ", std::to_string(users.size() - shown), " more"});
@@ -240,7 +239,7 @@ private:
 
     /// A comment with the node and the types of its ports.
     void printTypes(const DataflowNode& node) {
-        append({"\t// ", oneLine(nodeTitle(shader_.material.items[node.owner])), ": "});
+        append({"\t// ", oneLine(ownerTitle(shader_.material, node)), ": "});
         printPorts(node.generated->inputs);
         text_ += node.generated->inputs.empty() ? "-> " : " -> ";
         printPorts(node.generated->outputs);
@@ -299,7 +298,7 @@ std::string printVertexProgram(const AssembledShader& shader) {
 std::string printFragmentProgram(const AssembledShader& shader) {
     ProgramPrinter printer(shader, fragmentStage);
     printer.printHeader();
-    printer.printFramework(frameworkText());
+    printer.printFramework(frameworkText() + (shader.flow.lit ? litFrameworkText() : ""));
     printer.printUniforms();
     printer.printUniformRegisters();
     printer.printFunctions();

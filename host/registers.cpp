@@ -109,7 +109,7 @@ public:
 private:
     const GeneratorNode& generated(std::size_t node) const { return *flow_.nodes[node].generated; }
 
-    const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
+    std::string titleOf(std::size_t node) const { return ownerTitle(material_, flow_.nodes[node]); }
 
     std::int64_t count() const { return static_cast<std::int64_t>(owners_.size()); }
 
@@ -125,8 +125,8 @@ private:
     }
 
     [[noreturn]] void fail(std::size_t node, std::initializer_list<std::string_view> pieces) const {
-        const MaterialItem& item = itemOf(node);
-        throw HostError({material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)}));
+        throw HostError(ownerPosition(material_, flow_.nodes[node]),
+                        joinText({titleOf(node), ": ", joinText(pieces)}));
     }
 
     [[noreturn]] void failTooMany(std::size_t node) const {
@@ -146,7 +146,7 @@ private:
         }
         fail(node,
              {describe(generated(node)), " cannot have that register, which ", describe(generated(owner)),
-              " of ", nodeTitle(itemOf(owner)), " has; one of them must take another"});
+              " of ", titleOf(owner), " has; one of them must take another"});
     }
 
     const Material& material_;
@@ -190,7 +190,7 @@ public:
 private:
     const GeneratorNode& generated(std::size_t node) const { return *flow_.nodes[node].generated; }
 
-    const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
+    std::string titleOf(std::size_t node) const { return ownerTitle(material_, flow_.nodes[node]); }
 
     std::vector<Parameter> distinct(const std::vector<std::size_t>& nodes) const {
         std::vector<Parameter> parameters;
@@ -215,11 +215,10 @@ private:
     /// Nodes that share a parameter cannot name two registers for it.
     void requireOnePlace(std::size_t earlier, std::size_t node) const {
         if (generated(earlier).registerReference != generated(node).registerReference) {
-            const MaterialItem& item = itemOf(node);
-            throw HostError({material_.file, item.line},
-                            joinText({nodeTitle(item), ": parameter \"", generated(node).name,
+            throw HostError(ownerPosition(material_, flow_.nodes[node]),
+                            joinText({titleOf(node), ": parameter \"", generated(node).name,
                                       "\" names another register than the same parameter of ",
-                                      nodeTitle(itemOf(earlier)), "; rename one of the nodes"}));
+                                      titleOf(earlier), "; rename one of the nodes"}));
         }
     }
 

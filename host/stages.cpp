@@ -69,7 +69,7 @@ public:
     }
 
 private:
-    const MaterialItem& itemOf(std::size_t node) const { return material_.items[flow_.nodes[node].owner]; }
+    std::string titleOf(std::size_t node) const { return ownerTitle(material_, flow_.nodes[node]); }
 
     const GeneratorNode& generated(std::size_t node) const { return *flow_.nodes[node].generated; }
 
@@ -114,8 +114,8 @@ private:
     }
 
     [[noreturn]] void fail(std::size_t node, std::initializer_list<std::string_view> pieces) const {
-        const MaterialItem& item = itemOf(node);
-        throw HostError({material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)}));
+        throw HostError(ownerPosition(material_, flow_.nodes[node]),
+                        joinText({titleOf(node), ": ", joinText(pieces)}));
     }
 
     /// What several nodes declare is demanded of the first of them, which comes last here.
@@ -195,8 +195,7 @@ private:
         }
         if (!inVertex && demands_[node].byVertex()) {
             fail(node, {describe(generated), " belongs to the fragment program, and ",
-                        nodeTitle(itemOf(demands_[node].vertexReader)),
-                        ", which runs per vertex, needs its value"});
+                        titleOf(demands_[node].vertexReader), ", which runs per vertex, needs its value"});
         }
         stage.registerInputs.push_back(node);
         if (inVertex) {
@@ -228,8 +227,8 @@ private:
                 firstByRegister.try_emplace({reference.index, reference.number}, node);
             const bool isWritten = !generated.inputs.empty();
             if (!isNew && (isWritten || flow_.nodes[first->second].generated->type != generated.type)) {
-                fail(node, {describe(generated), " is claimed by ", nodeTitle(itemOf(first->second)),
-                            " already, as ", describe(*flow_.nodes[first->second].generated)});
+                fail(node, {describe(generated), " is claimed by ", titleOf(first->second), " already, as ",
+                            describe(*flow_.nodes[first->second].generated)});
             }
             if (reference.index == registers::vertexInterpolant ||
                 reference.index == registers::fragmentInterpolant) {
@@ -252,9 +251,9 @@ private:
                               "\" per vertex; add one that does, or read an interpolant parameter"});
             }
             if (generated(writer->second).type != generated(reader).type) {
-                fail(reader, {"this reads ", describe(generated(reader)), ", and ",
-                              nodeTitle(itemOf(writer->second)), " writes it as ",
-                              typeText(generated(writer->second).type), "; both must have one type"});
+                fail(reader, {"this reads ", describe(generated(reader)), ", and ", titleOf(writer->second),
+                              " writes it as ", typeText(generated(writer->second).type),
+                              "; both must have one type"});
             }
         }
     }
@@ -263,7 +262,7 @@ private:
         const Demand& demand = demands_[node];
         const ExecutionLevel level = flow_.nodes[node].generated->level;
         if (level == ExecutionLevel::Fragment && demand.byVertex()) {
-            fail(node, {"this runs per fragment, and ", nodeTitle(itemOf(demand.vertexReader)),
+            fail(node, {"this runs per fragment, and ", titleOf(demand.vertexReader),
                         ", which runs per vertex, needs its value"});
         }
         const bool inVertex = level == ExecutionLevel::Vertex || demand.byVertex();

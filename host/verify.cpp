@@ -90,7 +90,7 @@ void verifyConstants(const GeneratorNode& function) {
 
 void verifyCode(const Material& material, const Dataflow& flow, Errors* errors) {
     for (const DataflowNode& node : flow.nodes) {
-        if (node.generated->kind != NodeKind::Function) {
+        if (node.generated->kind != NodeKind::Function || node.owner == frameworkOwner) {
             continue;
         }
         const MaterialItem& item = material.items[node.owner];

@@ -17,14 +17,14 @@ constexpr std::uint32_t halfPrecision = 3;
 constexpr std::uint32_t freeTextStyle = 1;
 constexpr std::uint32_t webAddressStyle = 2;
 
-int findPortIndex(const std::vector<Port>& ports, const std::string& portName) {
+int findPortIndex(const std::vector<Port>& ports, std::string_view portName) {
     const auto found =
         std::find_if(ports.begin(), ports.end(), [&](const Port& port) { return port.name == portName; });
     return found == ports.end() ? -1 : static_cast<int>(found - ports.begin());
 }
 
 [[noreturn]] void throwUnknownPort(const MaterialNode& node, const char* direction,
-                                   const std::string& portName) {
+                                   std::string_view portName) {
     throw ShaderError(
         joinText({node.describe(), ": ", direction, " port \"", portName, "\" does not exist"}));
 }
@@ -73,9 +73,8 @@ MaterialNode::MaterialNode(const std::string& type) : properties(std::make_share
 
 MaterialNode::~MaterialNode() = default;
 
-std::shared_ptr<Property> MaterialNode::addProperty(const std::string& propertyName,
-                                                    const std::string& help) {
-    auto property = makeProperty(propertyName);
+std::shared_ptr<Property> MaterialNode::addProperty(std::string_view propertyName, std::string_view help) {
+    auto property = std::make_shared<Property>(std::string(propertyName));
     property->help = help;
     properties->add(property);
     return property;
@@ -175,15 +174,15 @@ void MaterialNode::setBodyColour(float red, float green, float blue) {
 
 std::string MaterialNode::describe() const { return joinText({"node \"", name(), "\" (", typeName(), ")"}); }
 
-int MaterialNode::findInputPortIndex(const std::string& portName) const {
+int MaterialNode::findInputPortIndex(std::string_view portName) const {
     return findPortIndex(inputs, portName);
 }
 
-int MaterialNode::findOutputPortIndex(const std::string& portName) const {
+int MaterialNode::findOutputPortIndex(std::string_view portName) const {
     return findPortIndex(outputs, portName);
 }
 
-const Port& MaterialNode::inputPort(const std::string& portName) const {
+const Port& MaterialNode::inputPort(std::string_view portName) const {
     const int index = findInputPortIndex(portName);
     if (index < 0) {
         throwUnknownPort(*this, "input", portName);
@@ -191,7 +190,7 @@ const Port& MaterialNode::inputPort(const std::string& portName) const {
     return inputs[static_cast<std::size_t>(index)];
 }
 
-const Port& MaterialNode::outputPort(const std::string& portName) const {
+const Port& MaterialNode::outputPort(std::string_view portName) const {
     const int index = findOutputPortIndex(portName);
     if (index < 0) {
         throwUnknownPort(*this, "output", portName);
@@ -199,11 +198,11 @@ const Port& MaterialNode::outputPort(const std::string& portName) const {
     return outputs[static_cast<std::size_t>(index)];
 }
 
-Port& MaterialNode::inputPort(const std::string& portName) {
+Port& MaterialNode::inputPort(std::string_view portName) {
     return const_cast<Port&>(static_cast<const MaterialNode&>(*this).inputPort(portName));
 }
 
-Port& MaterialNode::outputPort(const std::string& portName) {
+Port& MaterialNode::outputPort(std::string_view portName) {
     return const_cast<Port&>(static_cast<const MaterialNode&>(*this).outputPort(portName));
 }
 

@@ -9,6 +9,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace patina {
@@ -86,12 +87,12 @@ public:
     /// The index is -1, and the reference throws, when there is no such port. References end with the next
     /// rebuild.
     /// @{
-    int findInputPortIndex(const std::string& portName) const;
-    int findOutputPortIndex(const std::string& portName) const;
-    Port& inputPort(const std::string& portName);
-    Port& outputPort(const std::string& portName);
-    const Port& inputPort(const std::string& portName) const;
-    const Port& outputPort(const std::string& portName) const;
+    int findInputPortIndex(std::string_view portName) const;
+    int findOutputPortIndex(std::string_view portName) const;
+    Port& inputPort(std::string_view portName);
+    Port& outputPort(std::string_view portName);
+    const Port& inputPort(std::string_view portName) const;
+    const Port& outputPort(std::string_view portName) const;
     /// @}
 
     /// Records `generatedNode` in the generator as consumer of every incoming connection and producer of
@@ -119,7 +120,7 @@ public:
 
 protected:
     /// Makes a property with its help text and adds it to the node; the caller gives it its kind and default.
-    std::shared_ptr<Property> addProperty(const std::string& propertyName, const std::string& help);
+    std::shared_ptr<Property> addProperty(std::string_view propertyName, std::string_view help);
 };
 
 } // namespace patina

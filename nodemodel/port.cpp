@@ -2,12 +2,7 @@
 
 #include "nodemodel/shader_error.h"
 
-#include <utility>
-
 namespace patina {
-
-Port::Port(std::string portName, std::string portLabel)
-    : name(std::move(portName)), label(portLabel.empty() ? name : std::move(portLabel)) {}
 
 void Port::setComponentCount(std::uint32_t count) {
     componentCount = count;

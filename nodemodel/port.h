@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace patina {
 
@@ -14,8 +15,9 @@ namespace patina {
 /// Threads: as the node that holds it.
 struct Port {
     /// An unresolved, unconnected port. An empty label becomes the name.
-    Port(std::string portName, std::string portLabel);
-    explicit Port(const std::string& portName) : Port(portName, portName) {}
+    Port(std::string_view portName, std::string_view portLabel)
+        : name(portName), label(portLabel.empty() ? portName : portLabel) {}
+    explicit Port(std::string_view portName) : Port(portName, portName) {}
 
     std::string name;                 ///< identifier, and the variable name in generated code
     std::string label;                ///< shown in the editor

@@ -15,7 +15,7 @@ Property::Property(std::string propertyName) : name(std::move(propertyName)) {}
 
 std::shared_ptr<Property> makeProperty(const std::string& name) { return std::make_shared<Property>(name); }
 
-bool Property::allows(const std::string& value) const {
+bool Property::allows(std::string_view value) const {
     return std::find(allowedValues.begin(), allowedValues.end(), value) != allowedValues.end();
 }
 
@@ -51,7 +51,7 @@ void Property::setColour(float red, float green, float blue) {
     floatValues = {red, green, blue};
 }
 
-void Property::setEnum(const std::string& text) {
+void Property::setEnum(std::string_view text) {
     if (!allows(text)) {
         throw ShaderError(joinText({"enum \"", text, "\" does not exist"}));
     }
@@ -59,19 +59,19 @@ void Property::setEnum(const std::string& text) {
     kind = PropertyType::Enum;
 }
 
-void Property::addEnumValue(const std::string& text) {
+void Property::addEnumValue(std::string_view text) {
     if (allows(text)) {
         throw ShaderError(joinText({"enum \"", text, "\" is not unique"}));
     }
-    allowedValues.push_back(text);
+    allowedValues.emplace_back(text);
     if (allowedValues.size() == 1) {
         stringValue = text;
     }
     kind = PropertyType::Enum;
 }
 
-void Property::addNodeTypename(const std::string& text) {
-    allowedValues.push_back(text);
+void Property::addNodeTypename(std::string_view text) {
+    allowedValues.emplace_back(text);
     kind = PropertyType::Node;
 }
 
@@ -138,11 +138,12 @@ void Property::copyFrom(const Property& source) {
 }
 
 void PropertySet::add(const std::shared_ptr<Property>& property) {
-    if (byName.count(property->name) != 0) {
+    const auto place = byName.lower_bound(property->name);
+    if (place != byName.end() && place->first == property->name) {
         throw ShaderError(joinText({"property with name \"", property->name, "\" already exists"}));
     }
     items.push_back(property);
-    byName.emplace(property->name, property);
+    byName.emplace_hint(place, property->name, property);
 }
 
 std::shared_ptr<Property> PropertySet::find(const std::string& name) const {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace patina {
@@ -48,12 +49,12 @@ struct Property {
     /// Components are stored as given, unclamped.
     void setColour(float red, float green, float blue);
     /// Selects one of allowedValues; throws when `text` is not among them.
-    void setEnum(const std::string& text);
+    void setEnum(std::string_view text);
     /// Appends to allowedValues; the first value becomes the selected one. Throws when `text` is there
     /// already.
-    void addEnumValue(const std::string& text);
+    void addEnumValue(std::string_view text);
     /// Appends a node type name to allowedValues, unchecked, and makes the property of kind Node.
-    void addNodeTypename(const std::string& text);
+    void addNodeTypename(std::string_view text);
     /// @}
 
     /// @name Getters
@@ -77,7 +78,7 @@ struct Property {
     void copyFrom(const Property& source);
 
 private:
-    bool allows(const std::string& value) const;
+    bool allows(std::string_view value) const;
     void require(PropertyType wanted, const char* kindText) const;
 };
 

@@ -99,7 +99,55 @@ TEST(CheckMaterial, ReportsWhatOnlyTheShaderShows) {
                      "sample.xml:3: error: node \"b\" (\"lerp\"): the name \"lerp\" is reserved in Cg or by "
                      "the shader framework; rename the node",
                      "sample.xml:8: error: there is no output \"shine\" to a material; the outputs are "
-                     "\"colour\" and \"alpha\""}));
+                     "\"colour\", \"alpha\", \"normal\", \"emissive\" and \"gloss\""}));
+}
+
+TEST(CheckMaterial, HoldsEveryOutputAgainstItsWidths) {
+    const auto message = [](const char* line, const char* name, const char* takes, const char* given) {
+        return "sample.xml:" + std::string(line) + ": error: output \"" + name + "\" takes " + takes +
+               ", and node \"" + given;
+    };
+    const std::string two = "v2\" (\"V2\") gives \"read\" as half2";
+    const std::string three = "c\" (\"C\") gives \"read\" as half3";
+    const std::string one = "s\" (\"S\") gives \"read\" as half";
+    const std::string nodes =
+        node("c", "CoreConstant", named("C")) +
+        node("s", "CoreConstant", named("S") + property("Constant Type", "enum", "Scalar")) +
+        node("v2", "CoreConstant",
+             named("V2") + property("Constant Type", "enum", "Vector") +
+                 property("Component Count", "integer", "2"));
+    EXPECT_EQ(errorsOf(checkMaterial(parsed(nodes + output("colour", "v2", "read") +
+                                            output("alpha", "c", "read") + output("normal", "s", "read") +
+                                            output("emissive", "v2", "read") + output("gloss", "c", "read")),
+                                     corePlugins())),
+              (Lines{message("5", "colour", "three components or one", two.c_str()),
+                     message("6", "alpha", "one component", three.c_str()),
+                     message("7", "normal", "three components", one.c_str()),
+                     message("8", "emissive", "three components or one", two.c_str()),
+                     message("9", "gloss", "one component", three.c_str())}));
+    EXPECT_EQ(errorsOf(checkMaterial(parsed(nodes + output("colour", "s", "read") +
+                                            output("alpha", "s", "read") + output("normal", "c", "read") +
+                                            output("emissive", "s", "read") + output("gloss", "s", "read")),
+                                     corePlugins())),
+              Lines{});
+}
+
+TEST(CheckMaterial, HoldsNamesAgainstTheFrameworkOfALitMaterial) {
+    const std::string nodes = node("c", "CoreConstant", named("eyePosition")) +
+                              node("n", "CoreUv", named("normal")) +
+                              node("t", "CoreTexture", named("Paint") + property("Alpha", "bool", "Yes")) +
+                              connection("n", "read", "t", "in_uv") + maths("m", "Multiply") +
+                              connection("t", "out_colour", "m", "in_value1") +
+                              connection("c", "read", "m", "in_value2") + output("colour", "m", "out_value");
+    EXPECT_EQ(errorsOf(checkMaterial(parsed(nodes + output("alpha", "t", "out_alpha")), corePlugins())),
+              Lines{});
+    EXPECT_EQ(
+        errorsOf(checkMaterial(parsed(nodes + output("gloss", "t", "out_alpha")), corePlugins())),
+        (Lines{"sample.xml:2: error: node \"c\" (\"eyePosition\"): uniform parameter \"eyePosition\" "
+               "(half3) has the name of uniform parameter \"eyePosition\" (float3) of the framework; "
+               "rename the node",
+               "sample.xml:3: error: node \"n\" (\"normal\"): varying parameter \"normal\" (float2) has "
+               "the name of varying parameter \"normal\" (float3) of the framework; rename the node"}));
 }
 
 TEST(CheckMaterial, ReportsEveryNodeWithConstantsThatAreNoNumbers) {
@@ -158,8 +206,8 @@ TEST(CheckMaterial, ReportsTheErrorsOfAllSteps) {
         "(\"Tint\"); rename one of the nodes",
         "sample.xml:4: error: node \"c\" (\"float\"): the name \"float\" is reserved in Cg or by the shader "
         "framework; rename the node",
-        "sample.xml:11: error: there is no output \"fog\" to a material; the outputs are \"colour\" and "
-        "\"alpha\""};
+        "sample.xml:11: error: there is no output \"fog\" to a material; the outputs are \"colour\", "
+        "\"alpha\", \"normal\", \"emissive\" and \"gloss\""};
     EXPECT_EQ(errorsOf(checkMaterial(parsed(nodes + output("fog", "n", "out_value")), corePlugins())),
               expected);
     // which nodes the missing output will need is not known

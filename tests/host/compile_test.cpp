@@ -281,6 +281,32 @@ TEST(Compile, EveryLayerBlend) {
     expectRead(samples);
 }
 
+TEST(Compile, EveryLitMaterial) {
+    const std::string nodes =
+        node("uv", "CoreUv") + node("t", "CoreTexture", property("Alpha", "bool", "Yes")) +
+        node("n", "CoreTexture",
+             property("Name", "string", "Bumps") + property("Colour Type", "enum", "Normal")) +
+        connection("uv", "read", "t", "in_uv") + connection("uv", "read", "n", "in_uv") + source("s", 1);
+    const std::string lit[] = {output("normal", "n", "out_colour"), output("emissive", "t", "out_colour"),
+                               output("emissive", "s", "read"), output("gloss", "t", "out_alpha")};
+    std::vector<Sample> samples;
+    for (unsigned set = 1; set < 16; ++set) {
+        if ((set & 6U) == 6U) {
+            continue; // one emission is enough
+        }
+        for (const char* colour : {"t", "s"}) {
+            std::string body =
+                nodes + output("colour", colour, colour == std::string("t") ? "out_colour" : "read");
+            for (unsigned i = 0; i < 4; ++i) {
+                body += (set >> i & 1U) != 0 ? lit[i] : "";
+            }
+            samples.push_back({"lit" + std::to_string(set) + colour, body});
+            samples.push_back({"alpha" + std::to_string(set) + colour, body + output("alpha", "s", "read")});
+        }
+    }
+    expectRead(samples);
+}
+
 struct ColourOutput {
     const char* type;
     const char* port;

@@ -147,8 +147,8 @@ TEST(JoinGraph, RefusesMissingUnknownAndMisshapenOutputs) {
     testing::expectError(exportError(colour), "sample.xml:1", {"\"colour\""});
     testing::expectError(exportError(colour + scalar + output("alpha", "s", "read")), "sample.xml:1",
                          {"\"colour\""});
-    expectErrorAt(exportError(colour + output("colour", "c", "read") + output("normal", "c", "read")), 4,
-                  {"\"normal\""});
+    expectErrorAt(exportError(colour + output("colour", "c", "read") + output("fog", "c", "read")), 4,
+                  {"\"fog\""});
     expectErrorAt(exportError(colour + output("Colour", "c", "read")), 3, {"\"Colour\""});
     expectErrorAt(exportError(uv + output("colour", "uv", "read")), 3,
                   {"\"colour\"", "node \"uv\" (\"Uv\")", "\"read\"", "half2"});

@@ -380,6 +380,31 @@ TEST(Connect, JoinsPorts) {
     expectConsistent(material);
 }
 
+TEST(SetOutput, LightsAMaterialAndPutsTheLightOut) {
+    Material material = built(maths("a", "Invert") + output("colour", "a", "out_value"));
+    const std::string unlit = testing::exportedFrom(material).fragmentProgram.content;
+    setOutput(material, "gloss", "a", "out_value");
+    expectConsistent(material);
+    EXPECT_NE(testing::exportedFrom(material).fragmentProgram.content.find("QelShade"), std::string::npos);
+    removeOutput(material, "gloss");
+    expectConsistent(material);
+    EXPECT_EQ(testing::exportedFrom(material).fragmentProgram.content, unlit);
+}
+
+TEST(SetOutput, FollowsAnOutputThatNamesNoPort) {
+    MaterialDocument document = testing::parsed(node("v", "CoreVertexColour"));
+    document.outputs.push_back({"colour", "v", ""});
+    Warnings warnings;
+    Material material = buildMaterial(document, corePlugins(), warnings);
+    EXPECT_EQ(material.document.outputs[0].port, "out_colour");
+    expectConsistent(material);
+    // the port goes, and with it the output: another that comes first now is not what was meant
+    const EditResult result = setProperty(material, "v", "Colour Type", "Component");
+    ASSERT_EQ(result.outputs.size(), 1U);
+    EXPECT_EQ(result.outputs[0].port, "out_colour");
+    expectConsistent(material);
+}
+
 TEST(Connect, RefusesAndChangesNothing) {
     Material material =
         built(maths("a", "Addition") + maths("b", "Addition") +
@@ -433,7 +458,8 @@ public:
                 removeNode(material_, anyItem().id);
                 break;
             case 2:
-                setOutput(material_, pick<std::string>({"colour", "alpha"}), anyItem().id, anyPort());
+                setOutput(material_, pick<std::string>({"colour", "alpha", "normal", "emissive", "gloss"}),
+                          anyItem().id, anyPort());
                 break;
             case 3:
                 disconnect(material_, anyItem().id, pick<std::string>({"in_value1", "in_uv", "in_vec"}));

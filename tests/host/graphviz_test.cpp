@@ -243,6 +243,14 @@ TEST(ShaderGraph, ShowsConversionsAndAlpha) {
     expectPiece(text, " -> material:i1:w [label=\"half\"");
 }
 
+TEST(ShaderGraph, DrawsWhatTheFrameworkAdds) {
+    const std::string text = shaderGraphOf(node("c", "CoreConstant") + output("colour", "c", "read") +
+                                           output("emissive", "c", "read"));
+    EXPECT_EQ(count(text, "<B>the framework</B>"), 3U) << text;
+    expectPiece(text, "<B>the framework</B><BR/><FONT POINT-SIZE=\"9\">surfaceCode</FONT>");
+    expectPiece(text, "uniform float3[3]");
+}
+
 TEST(Graphs, AreTheSameInEveryLocale) {
     const std::string materialGraph = printMaterialGraph(built(shared));
     const std::string shaderGraph = shaderGraphOf(shared);

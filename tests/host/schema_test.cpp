@@ -101,7 +101,8 @@ struct OutputRow {
 };
 
 constexpr OutputRow outputs[] = {
-    {"colour", valid}, {"alpha", valid}, {"color", invalid}, {"Colour", invalid}, {"", invalid},
+    {"colour", valid}, {"alpha", valid},   {"normal", valid},   {"emissive", valid},
+    {"gloss", valid},  {"color", invalid}, {"Colour", invalid}, {"", invalid},
 };
 
 // The reader leaves it to an export to refuse other outputs.
