@@ -233,7 +233,7 @@ Bounded Arithmetic::dot(const BoundedVector& left, const BoundedVector& right) c
 
 Bounded Arithmetic::normalised(int channel) const {
     if (channel == 0 || channel == 255) {
-        return exactly(channel / 255);
+        return exactly(channel == 0 ? 0 : 1);
     }
     // by a division, or by a product with 1/255, which is rounded too
     return rounded(channel / 255.0, 0, 1.5);

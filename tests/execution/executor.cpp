@@ -39,11 +39,11 @@ std::string numberText(double number) {
 std::vector<float> positionsOf(std::size_t first, std::size_t count) {
     std::vector<float> positions;
     for (std::size_t point = first; point < first + count; ++point) {
-        const auto column = static_cast<float>(point % targetWidth);
-        const auto row = static_cast<float>(point / targetWidth);
-        for (const auto& [right, up] : {std::pair{0.0F, 0.0F}, {1.0F, 0.0F}, {1.0F, 1.0F}, {0.0F, 1.0F}}) {
-            positions.push_back((column + right) * 2 / targetWidth - 1);
-            positions.push_back((row + up) * 2 / targetHeight - 1);
+        const std::size_t column = point % targetWidth;
+        const std::size_t row = point / targetWidth;
+        for (const auto& [right, up] : {std::pair{0U, 0U}, {1U, 0U}, {1U, 1U}, {0U, 1U}}) {
+            positions.push_back(static_cast<float>(column + right) * 2 / targetWidth - 1);
+            positions.push_back(static_cast<float>(row + up) * 2 / targetHeight - 1);
             positions.push_back(0);
             positions.push_back(1);
         }
@@ -152,7 +152,8 @@ ShownPrograms exportShown(const Graph& graph) {
 }
 
 Executor::Executor(const char* driver)
-    : context_(makeContext(driver)), target_(targetWidth, targetHeight), translator_(makeTranslator()) {}
+    : context_(makeContext(driver)), target_(static_cast<int>(targetWidth), static_cast<int>(targetHeight)),
+      translator_(makeTranslator()) {}
 
 Executor::~Executor() = default;
 

@@ -9,6 +9,7 @@
 #include "tests/execution/tally.h"
 
 #include <array>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
@@ -75,7 +76,7 @@ inline constexpr const char* interpretingDriver = "softpipe";
 inline constexpr const char* compilingDriver = "llvmpipe";
 
 /// There are no more points in a case than this has pixels.
-inline constexpr int targetWidth = 16;
-inline constexpr int targetHeight = 16;
+inline constexpr std::size_t targetWidth = 16;
+inline constexpr std::size_t targetHeight = 16;
 
 } // namespace patina::testing

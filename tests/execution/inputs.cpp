@@ -16,14 +16,16 @@ constexpr std::array wideNumbers = {
     1.5F, 0.0009765625F, -0.0009765625F, 10000.0F, -10000.0F, 37.0F, -2.5F, 0.1F, 0.7F, 3.1415927F, 0.001F};
 constexpr std::array floatNumbers = {1e10F, -1e10F, 1e-10F, 123456.79F, 16777215.0F};
 
+std::mt19937 seeded(const std::string& seed) {
+    std::seed_seq sequence(seed.begin(), seed.end());
+    return std::mt19937(sequence);
+}
+
 /// One number after the other, by a fixed sequence.
 class NumberSource {
 public:
     NumberSource(Numbers numbers, const Format& format, const std::string& seed)
-        : numbers_(numbers), isFloat_(&format == &floatFormat) {
-        std::seed_seq sequence(seed.begin(), seed.end());
-        random_.seed(sequence);
-    }
+        : numbers_(numbers), isFloat_(&format == &floatFormat), random_(seeded(seed)) {}
 
     std::size_t below(std::size_t count) { return random_() % count; }
 

@@ -1,6 +1,7 @@
 // "CoreConstant", "CoreVertexColour", "CoreUv" and "CoreSwizzle": what brings values in, takes them apart and
 // puts them together.
 
+#include "nodemodel/text.h"
 #include "tests/execution/execution.h"
 #include "tests/execution/inputs.h"
 #include "tests/execution/node_rules.h"
@@ -32,7 +33,7 @@ Case showPort(const std::string& kind, Graph graph, const std::string& port, boo
     std::string title =
         kind + " " + port + (isFloat ? ", float" : ", half") + (isOtherRead ? ", all read" : "");
     for (const Setting& setting : graph.nodes[shown].settings) {
-        title += ", " + setting.name + " " + setting.value;
+        detail::appendText(title, {", ", setting.name, " ", setting.value});
     }
     std::vector<InputSet> sets = inputSets(graph, Numbers::Wide, pointsOfCase() / 2, title);
     return {kind, title, std::move(graph), std::move(sets)};
@@ -70,7 +71,7 @@ TEST_F(PortCases, Constants) {
                 std::vector<Setting> settings = constantSettings(type, isLocked);
                 settings.push_back(flag("Alpha", hasAlpha));
                 graph.add("CoreConstant", settings);
-                expectPorts("CoreConstant, " + type + locked, graph);
+                expectPorts(detail::joinText({"CoreConstant, ", type, locked}), graph);
             }
         }
         for (const int width : {2, 3, 4}) {

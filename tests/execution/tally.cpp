@@ -43,16 +43,17 @@ std::string printTally(const Tally& tally) {
 }
 
 std::string shortfall(const Tally& tally, const Tally& minimum, const std::string& prefix) {
+    const auto isOfPrefix = [&](const std::string& name) { return name.substr(0, prefix.size()) == prefix; };
     std::string text;
     for (const auto& [name, wanted] : minimum) {
         const auto found = tally.find(name);
         const Executed executed = found == tally.end() ? Executed() : found->second;
-        if (name.substr(0, prefix.size()) == prefix && lacks(executed, wanted)) {
+        if (isOfPrefix(name) && lacks(executed, wanted)) {
             text += "executed " + countsOf(name, executed) + "\nat least " + countsOf(name, wanted) + "\n";
         }
     }
     for (const auto& [name, executed] : tally) {
-        if (minimum.count(name) == 0) {
+        if (isOfPrefix(name) && minimum.count(name) == 0) {
             text += "there is no minimum for " + countsOf(name, executed) + "\n";
         }
     }
