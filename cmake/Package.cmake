@@ -22,7 +22,7 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 # neither free nor part of Debian
 set(CPACK_DEBIAN_PACKAGE_SECTION non-free/graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS graphviz)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "graphviz, libegl1, libgl1-mesa-dri, libopengl0")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, g++, libxml2-dev, nettle-dev")
 
 configure_file(${PROJECT_SOURCE_DIR}/packaging/debian/changelog.in

@@ -1,11 +1,14 @@
 #include "host/bindings_file.h"
 
 #include "host/digest.h"
+#include "host/targets.h"
 #include "host/xml.h"
 #include "nodemodel/text.h"
 #include "nodemodel/xml_attributes.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <numeric>
 #include <unordered_map>
 #include <vector>
@@ -32,11 +35,26 @@ LandingsByParameter findLandings(const Dataflow& flow, const RegisterAssignment&
     return landings;
 }
 
+const char* kindName(ParameterKind kind) {
+    constexpr std::array<const char*, 5> names = {"uniform", "sampler", "attribute", "interpolant", "output"};
+    return names.at(static_cast<std::size_t>(kind));
+}
+
 void appendProgram(xmlNode* root, const ExportedProgram& program) {
     xmlNode* element = appendElement(root, "program");
     writeAttribute(element, "stage", program.stage);
+    if (!program.target.empty()) {
+        writeAttribute(element, "target", program.target);
+        writeAttribute(element, "version", program.version);
+    }
     writeAttribute(element, "file", program.file);
     writeAttribute(element, "sha256", program.sha256);
+    for (const ProgramParameter& parameter : program.parameters) {
+        xmlNode* child = appendElement(element, "parameter");
+        for (const auto& [key, text] : describeParameter(parameter)) {
+            writeAttribute(child, key, text);
+        }
+    }
 }
 
 void appendBinding(xmlNode* root, const ExportedBinding& exported) {
@@ -149,7 +167,26 @@ BindingCollection collectBindings(const Material& material, Errors* errors) {
 }
 
 ExportedProgram describeProgram(const std::string& stage, const OutputFile& program) {
-    return {stage, program.name, sha256Text(program.content)};
+    return {stage, program.name, sha256Text(program.content), {}, {}, {}};
+}
+
+ExportedProgram describeProgram(const TargetProgram& program) {
+    ExportedProgram described = describeProgram(
+        program.stage == ProgramStage::Vertex ? vertexStageName : fragmentStageName, program.file);
+    described.target = targetName(program.target.language);
+    described.version = targetVersion(program.target);
+    described.parameters = program.parameters;
+    return described;
+}
+
+Annotations describeParameter(const ProgramParameter& parameter) {
+    Annotations described = {
+        {"name", parameter.name}, {"kind", kindName(parameter.kind)}, {"type", typeText(parameter.type)}};
+    if (parameter.targetName != parameter.name) {
+        described.emplace_back("target_name", parameter.targetName);
+    }
+    described.insert(described.end(), parameter.place.begin(), parameter.place.end());
+    return described;
 }
 
 std::vector<ExportedBinding> describeBindings(const BindingCollection& bindings, const Dataflow& flow,

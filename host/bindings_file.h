@@ -5,6 +5,7 @@
 #include "host/files.h"
 #include "host/material.h"
 #include "host/registers.h"
+#include "host/target_programs.h"
 
 #include <memory>
 #include <string>
@@ -26,6 +27,10 @@ struct ExportedProgram {
     std::string stage;
     std::string file;
     std::string sha256; ///< of its bytes
+    // of a program in another language than Cg
+    std::string target;
+    std::string version;
+    std::vector<ProgramParameter> parameters;
 };
 
 /// Where a program reads the parameter of a binding.
@@ -57,6 +62,11 @@ BindingCollection collectBindings(const Material& material, Errors* errors = nul
 
 /// A program as a bindings file refers to it.
 ExportedProgram describeProgram(const std::string& stage, const OutputFile& program);
+ExportedProgram describeProgram(const TargetProgram& program);
+
+/// What a bindings file says of a parameter, in order: name, kind and type as Cg has them, the name in the
+/// target where it is another, and the place.
+Annotations describeParameter(const ProgramParameter& parameter);
 
 /// The bindings with their landings: those of the uniform or varying that has the binding's `cgName`, or its
 /// name when that is empty. Shares the bindings. Throws what the bindings throw.

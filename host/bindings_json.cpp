@@ -8,6 +8,8 @@
 #include <array>
 #include <charconv>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace patina {
 
@@ -54,8 +56,30 @@ Json annotationValue(const Binding& binding, const std::string& key, const std::
     return text;
 }
 
+/// A text, or the number that it is.
+Json textOrNumber(const std::string& text) {
+    unsigned int number = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? Json(number) : Json(text);
+}
+
 Json programValue(const ExportedProgram& program) {
-    return {{"stage", program.stage}, {"file", program.file}, {"sha256", program.sha256}};
+    Json value = {{"stage", program.stage}};
+    if (!program.target.empty()) {
+        value["target"] = program.target;
+        value["version"] = program.version;
+    }
+    value["file"] = program.file;
+    value["sha256"] = program.sha256;
+    for (const ProgramParameter& parameter : program.parameters) {
+        Json entry;
+        for (const auto& [key, text] : describeParameter(parameter)) {
+            entry[key] = textOrNumber(text);
+        }
+        value["parameters"].push_back(std::move(entry));
+    }
+    return value;
 }
 
 Json bindingValue(const ExportedBinding& exported) {

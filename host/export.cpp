@@ -12,9 +12,7 @@
 #include "host/verify.h"
 #include "nodemodel/text.h"
 
-#include <algorithm>
 #include <string_view>
-#include <utility>
 
 namespace patina {
 
@@ -78,91 +76,6 @@ std::string printDependencies(const ExportedMaterial& exported, const std::files
     return text + '\n';
 }
 
-/// How the files of a language end.
-const char* fileEnding(TargetLanguage language) {
-    switch (language) {
-    case TargetLanguage::Hlsl:
-        return "hlsl";
-    case TargetLanguage::Glsl:
-        return "glsl";
-    case TargetLanguage::Essl:
-        return "essl";
-    case TargetLanguage::Msl:
-        return "metal";
-    case TargetLanguage::Spirv:
-        return "spv";
-    case TargetLanguage::Cg:
-        break;
-    }
-    return "cg";
-}
-
-/// Translates the two programs of one material.
-class ProgramTranslation {
-public:
-    ProgramTranslation(const Material& material, const ExportOptions& options)
-        : material_(material), options_(options) {
-        for (const ShaderTarget& target : options.targets) {
-            if (target.language != TargetLanguage::Cg) {
-                targets_.push_back(target);
-            }
-        }
-    }
-
-    std::vector<TargetProgram> translate(const OutputFile& vertex, const OutputFile& fragment) const {
-        if (targets_.empty()) {
-            return {};
-        }
-        if (options_.translator == nullptr) {
-            fail("nothing here translates programs; export them in Cg alone");
-        }
-        if (!options_.print.framework) {
-            fail("without the framework's functions the programs cannot be translated; export them in Cg "
-                 "alone, or with the framework");
-        }
-        std::vector<TranslatedProgram> vertexPrograms = translateProgram(ProgramStage::Vertex, vertex);
-        std::vector<TranslatedProgram> fragmentPrograms = translateProgram(ProgramStage::Fragment, fragment);
-        std::vector<TargetProgram> programs;
-        for (std::size_t i = 0; i < targets_.size(); ++i) {
-            programs.push_back(named(i, ProgramStage::Vertex, ".vert.", vertexPrograms[i]));
-            programs.push_back(named(i, ProgramStage::Fragment, ".frag.", fragmentPrograms[i]));
-        }
-        return programs;
-    }
-
-private:
-    [[noreturn]] void fail(std::string_view text) const {
-        throw HostError({material_.file, material_.line}, text);
-    }
-
-    std::vector<TranslatedProgram> translateProgram(ProgramStage stage, const OutputFile& program) const {
-        try {
-            return options_.translator->translate(stage, program.content, targets_);
-        } catch (const TranslationError& error) {
-            fail(joinText({program.name, " cannot be translated: ", error.what()}));
-        }
-    }
-
-    TargetProgram named(std::size_t target, ProgramStage stage, std::string_view middle,
-                        TranslatedProgram& translated) const {
-        const ShaderTarget& entry = targets_[target];
-        return {
-            entry,
-            stage,
-            {joinText({material_.name, middle, fileEnding(entry.language)}), std::move(translated.content)},
-            std::move(translated.parameters)};
-    }
-
-    const Material& material_;
-    const ExportOptions& options_;
-    std::vector<ShaderTarget> targets_;
-};
-
-bool wantsCg(const std::vector<ShaderTarget>& targets) {
-    const auto isCg = [](const ShaderTarget& target) { return target.language == TargetLanguage::Cg; };
-    return targets.empty() || std::any_of(targets.begin(), targets.end(), isCg);
-}
-
 } // namespace
 
 ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const ExportOptions& options,
@@ -183,14 +96,16 @@ ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const Ex
     result.fragmentProgram = {material.name + ".frag.cg", printFragmentProgram(shader)};
 
     result.writesCg = wantsCg(options.targets);
-    result.targetPrograms =
-        ProgramTranslation(material, options).translate(result.vertexProgram, result.fragmentProgram);
+    result.targetPrograms = translatePrograms(shader, options.targets, options.translator);
 
     BindingsFile bindings;
     bindings.material = material.name;
     if (result.writesCg) {
         bindings.programs = {describeProgram(vertexStageName, result.vertexProgram),
                              describeProgram(fragmentStageName, result.fragmentProgram)};
+    }
+    for (const TargetProgram& program : result.targetPrograms) {
+        bindings.programs.push_back(describeProgram(program));
     }
     const BindingCollection collected = collectBindings(material);
     restoreSavedValues(material, collected, warnings);

@@ -5,7 +5,7 @@
 #include "host/material.h"
 #include "host/print.h"
 #include "host/saved_bindings.h"
-#include "host/translation.h"
+#include "host/target_programs.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -29,14 +29,6 @@ struct ExportOptions {
     /// Take the colour as a value, of one to four components, and no other output: the fragment program gives
     /// (x, x, x, 1), (x, y, 0, 1), (x, y, z, 1) or (x, y, z, w). See showOutput.
     bool showValue = false;
-};
-
-/// A program of a material in another language than Cg.
-struct TargetProgram {
-    ShaderTarget target;
-    ProgramStage stage = ProgramStage::Vertex;
-    OutputFile file; ///< NAME.vert.glsl
-    std::vector<ProgramParameter> parameters;
 };
 
 /// What a material becomes, before anything is written.

@@ -109,6 +109,7 @@ std::string lineColour(const Colour& body) {
 struct NodeLabel {
     std::string title;
     std::string subtitle; ///< may be empty
+    std::string picture;  ///< may be empty
     std::vector<std::string> inputs;
     std::vector<std::string> outputs;
 };
@@ -136,6 +137,11 @@ std::string labelText(const NodeLabel& label) {
         appendText(text, {"<BR/><FONT POINT-SIZE=\"9\">", htmlText(label.subtitle), "</FONT>"});
     }
     text += "</TD></TR>";
+    if (!label.picture.empty()) {
+        const std::string size = std::to_string(graphPictureSize);
+        appendText(text, {"<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"", size, "\" HEIGHT=\"", size,
+                          "\"><IMG SCALE=\"TRUE\" SRC=\"", htmlText(label.picture), "\"/></TD></TR>"});
+    }
     const std::size_t rows = std::max(label.inputs.size(), label.outputs.size());
     text += rows > 0 ? "<HR/>" : "";
     for (std::size_t row = 0; row < rows; ++row) {
@@ -236,8 +242,8 @@ PortList listOf(const std::vector<Port>& ports) {
 
 class MaterialGraphPrinter {
 public:
-    explicit MaterialGraphPrinter(const Material& material)
-        : material_(material), printer_(material.name, material.name) {}
+    MaterialGraphPrinter(const Material& material, const GraphPictures& pictures)
+        : material_(material), pictures_(pictures), printer_(material.name, material.name) {}
 
     std::string print() {
         listPorts();
@@ -274,12 +280,16 @@ private:
             const std::string subtitle =
                 caption == node.name() ? item.id : joinText({node.name(), middleDot, item.id});
             printer_.node(
-                nodeName(i), {caption, subtitle, inputs_[i].labels, outputs_[i].labels},
+                nodeName(i), {caption, subtitle, pictureOf(i), inputs_[i].labels, outputs_[i].labels},
                 joinText({"fillcolor=\"", colourText(node.bodyColour), "\", color=\"",
                           lineColour(node.bodyColour), "\", fontcolor=\"", colourText(node.textColour),
                           "\", tooltip=", quotedTooltip(tooltipOf(item)),
                           item.placeholder ? ", style=\"rounded,filled,dashed\"" : ""}));
         }
+    }
+
+    std::string pictureOf(std::size_t item) const {
+        return item < pictures_.nodes.size() ? pictures_.nodes[item] : std::string();
     }
 
     static std::string tooltipOf(const MaterialItem& item) {
@@ -294,6 +304,7 @@ private:
         NodeLabel label;
         label.title = material_.name;
         label.subtitle = "material";
+        label.picture = pictures_.material;
         for (const MaterialOutput& output : material_.outputs) {
             label.inputs.push_back(output.name);
         }
@@ -340,6 +351,7 @@ private:
     }
 
     const Material& material_;
+    const GraphPictures& pictures_;
     DotPrinter printer_;
     std::vector<PortList> inputs_;
     std::vector<PortList> outputs_;
@@ -445,10 +457,13 @@ private:
 
     void printParameter(std::size_t node, const char* what, std::string_view attributes) {
         const GeneratorNode& parameter = *flow_.nodes[node].generated;
-        printer_.node(
-            nodeName(node, Program::Vertex),
-            {parameter.name, joinText({what, " ", typeText(parameter.type)}), {}, namesOf(parameter.outputs)},
-            attributes);
+        printer_.node(nodeName(node, Program::Vertex),
+                      {parameter.name,
+                       joinText({what, " ", typeText(parameter.type)}),
+                       {},
+                       {},
+                       namesOf(parameter.outputs)},
+                      attributes);
     }
 
     /// The parameters of a list, each once.
@@ -552,7 +567,9 @@ private:
 
 } // namespace
 
-std::string printMaterialGraph(const Material& material) { return MaterialGraphPrinter(material).print(); }
+std::string printMaterialGraph(const Material& material, const GraphPictures& pictures) {
+    return MaterialGraphPrinter(material, pictures).print();
+}
 
 std::string printShaderGraph(const Material& material, const Dataflow& flow, const StagedShader& stages) {
     return ShaderGraphPrinter(material, flow, stages).print();

@@ -43,5 +43,7 @@
 #include "host/saved_bindings.h"
 #include "host/show.h"
 #include "host/stages.h"
+#include "host/target_programs.h"
+#include "host/targets.h"
 #include "host/translation.h"
 #include "host/verify.h"

@@ -3,6 +3,7 @@
 #include "host/framework.h"
 #include "nodemodel/text.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <string_view>
@@ -31,8 +32,8 @@ constexpr StageTable fragmentStage = {"Fragment", &StagedShader::fragment,
 /// Appends one program to one text.
 class ProgramPrinter {
 public:
-    ProgramPrinter(const AssembledShader& shader, const StageTable& table)
-        : shader_(shader), table_(table), stage_(shader.stages.*table.stage) {}
+    ProgramPrinter(const AssembledShader& shader, const StageTable& table, CodeMap* map)
+        : shader_(shader), table_(table), stage_(shader.stages.*table.stage), map_(map) {}
 
     void printHeader() { append({"// ", table_.title, " program. Written by patina.\n"}); }
 
@@ -45,7 +46,10 @@ public:
     void printUniforms() {
         const char* separator = "\n";
         for (const PlacedParameter& uniform : shader_.registers.*table_.uniforms) {
-            append({separator, "uniform ", placedDeclaration(uniform), ";\n"});
+            text_ += separator;
+            const std::size_t begin = text_.size();
+            append({"uniform ", placedDeclaration(uniform), ";\n"});
+            mapCode(begin, uniform.node, "its uniform", shader_.flow.nodes[uniform.node].generated->name);
             separator = "";
         }
     }
@@ -88,7 +92,9 @@ public:
             const std::string& name = shader_.names.functions[index];
             if (!name.empty() && printed.insert(name).second) {
                 printUsers(users.at(name));
+                const std::size_t begin = text_.size();
                 printFunction(name, *shader_.flow.nodes[index].generated);
+                mapCode(begin, index, "its function", name);
             }
         }
     }
@@ -104,7 +110,9 @@ public:
 
     void printCalls() {
         for (const std::size_t index : stage_.functions) {
+            const std::size_t begin = text_.size();
             printCall(index);
+            mapCode(begin, index, "the call of its function", shader_.names.functions[index]);
         }
     }
 
@@ -161,6 +169,21 @@ public:
 
 private:
     void append(std::initializer_list<std::string_view> pieces) { appendText(text_, pieces); }
+
+    /// Notes whose the text from `begin` is.
+    void mapCode(std::size_t begin, std::size_t node, std::string_view noun, const std::string& name) {
+        if (map_ == nullptr) {
+            return;
+        }
+        const auto lineEnds = [&](std::size_t from, std::size_t to) {
+            return static_cast<int>(std::count(text_.begin() + static_cast<std::ptrdiff_t>(from),
+                                               text_.begin() + static_cast<std::ptrdiff_t>(to), '\n'));
+        };
+        const int firstLine = countedLines_ + lineEnds(countedSize_, begin) + 1;
+        countedLines_ = firstLine + lineEnds(begin, text_.size()) - 1;
+        countedSize_ = text_.size();
+        map_->push_back({node, firstLine, countedLines_, joinText({noun, " \"", name, "\""})});
+    }
 
     bool isUniformRegister(std::size_t index) const {
         const std::int32_t entry = shader_.flow.nodes[index].generated->registerReference.index;
@@ -256,6 +279,9 @@ private:
     const StageTable& table_;
     const ShaderStage& stage_;
     std::string text_;
+    CodeMap* map_;
+    std::size_t countedSize_ = 0; ///< of the text whose lines are counted
+    int countedLines_ = 0;
 };
 
 void appendAll(std::vector<std::string>& list, const std::vector<std::string>& more) {
@@ -264,8 +290,8 @@ void appendAll(std::vector<std::string>& list, const std::vector<std::string>& m
 
 } // namespace
 
-std::string printVertexProgram(const AssembledShader& shader) {
-    ProgramPrinter printer(shader, vertexStage);
+std::string printVertexProgram(const AssembledShader& shader, CodeMap* map) {
+    ProgramPrinter printer(shader, vertexStage, map);
     printer.printHeader();
     printer.printFramework(frameworkText() + vertexFrameworkText());
     printer.printUniforms();
@@ -295,8 +321,8 @@ std::string printVertexProgram(const AssembledShader& shader) {
     return printer.finish();
 }
 
-std::string printFragmentProgram(const AssembledShader& shader) {
-    ProgramPrinter printer(shader, fragmentStage);
+std::string printFragmentProgram(const AssembledShader& shader, CodeMap* map) {
+    ProgramPrinter printer(shader, fragmentStage, map);
     printer.printHeader();
     printer.printFramework(frameworkText() + (shader.flow.lit ? litFrameworkText() : ""));
     printer.printUniforms();

@@ -5,7 +5,9 @@
 #include "host/registers.h"
 #include "host/stages.h"
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace patina {
 
@@ -27,7 +29,19 @@ struct AssembledShader {
 // Complete Cg programs: the framework, uniforms, each distinct function once, and `main`. The text depends on
 // the material alone, to the byte, and not on its name. Threads: as the material, one thread at a time.
 
-std::string printVertexProgram(const AssembledShader& shader);
-std::string printFragmentProgram(const AssembledShader& shader);
+/// Lines of a program that come from one node of the dataflow, counted from 1.
+struct CodeRange {
+    std::size_t node = 0;
+    int firstLine = 0;
+    int lastLine = 0;
+    std::string what; ///< for messages: `its function "mathsCode"`
+};
+
+using CodeMap = std::vector<CodeRange>;
+
+// With `map`, what nodes wrote is put there: their uniforms, their functions, each once, and the calls.
+
+std::string printVertexProgram(const AssembledShader& shader, CodeMap* map = nullptr);
+std::string printFragmentProgram(const AssembledShader& shader, CodeMap* map = nullptr);
 
 } // namespace patina

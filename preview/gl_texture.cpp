@@ -33,7 +33,8 @@ void setSampling(GLenum target, const TextureOptions& options, int levelCount) {
     glTexParameteri(target, GL_TEXTURE_MAG_FILTER,
                     options.filter == TextureFilter::Nearest ? GL_NEAREST : GL_LINEAR);
     glTexParameteri(target, GL_TEXTURE_MIN_FILTER, minifyingFilter(options.filter, levelCount > 1));
-    if (options.anisotropy > 1.0F) {
+    // drivers need not look for it where there is one direction only, and llvmpipe crashes
+    if (target == GL_TEXTURE_2D && options.anisotropy > 1.0F) {
         glTexParameterf(target, GL_TEXTURE_MAX_ANISOTROPY_EXT, options.anisotropy);
     }
 }

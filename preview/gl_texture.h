@@ -17,7 +17,7 @@ struct TextureOptions {
     TexelFormat format = TexelFormat::Float;
     TextureFilter filter = TextureFilter::Linear; ///< between texels, and between levels
     TextureWrap wrap = TextureWrap::Repeat;
-    float anisotropy = 1.0F; ///< at most GlContext::anisotropyLimit
+    float anisotropy = 1.0F; ///< at most GlContext::anisotropyLimit; of two dimensions
 };
 
 /// A size of a texture, and its texels.

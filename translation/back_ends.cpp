@@ -1,13 +1,14 @@
 #include "translation/back_ends.h"
 
 #include "nodemodel/text.h"
+#include "translation/hlsl_words.h"
+#include "translation/text_pieces.h"
 
 #include <spirv_glsl.hpp>
 #include <spirv_hlsl.hpp>
 #include <spirv_msl.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <set>
 
@@ -111,31 +112,13 @@ TranslatedProgram writeGlsl(Translation translation, bool isEs) {
 /// How the back end is to name a uniform; its own names have that of the block in front.
 constexpr const char* uniformMark = "PatinaUniform";
 
-bool isNameLetter(char letter) {
-    return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_';
-}
-
-/// Calls an action with each piece of a text: names and numbers as a whole, and what is between.
-template <typename Action>
-void forEachPiece(std::string_view text, Action&& action) {
-    for (std::size_t begin = 0; begin < text.size();) {
-        const bool isName = isNameLetter(text[begin]);
-        std::size_t end = begin + 1;
-        while (end < text.size() && isNameLetter(text[end]) == isName) {
-            ++end;
-        }
-        action(text.substr(begin, end - begin));
-        begin = end;
-    }
-}
-
 /// Replaces names in a text, as long as nothing else has the new one; a "_" makes it another then.
 std::string replaceNames(const std::string& text,
                          std::map<std::string, std::string, std::less<>>& replacements) {
     std::set<std::string, std::less<>> taken;
     forEachPiece(text, [&](std::string_view piece) { taken.emplace(piece); });
     for (auto& [from, to] : replacements) {
-        while (taken.contains(to)) {
+        while (taken.contains(to) || isHlslWord(to)) {
             to += '_';
         }
         taken.insert(to);
@@ -146,6 +129,24 @@ std::string replaceNames(const std::string& text,
         result += found != replacements.end() ? std::string_view(found->second) : piece;
     });
     return result;
+}
+
+/// What has a uniform's name, such as a parameter of a function, gets another: the back end does not know
+/// what the uniforms will be called.
+void giveWay(spirv_cross::CompilerHLSL& compiler, const Translation& translation) {
+    std::set<std::string, std::less<>> uniforms;
+    std::set<std::uint32_t> ids;
+    for (const SpirvParameter& parameter : translation.parameters) {
+        ids.insert(parameter.id);
+        if (isBlockMember(parameter)) {
+            uniforms.insert(parameter.name);
+        }
+    }
+    for (const auto& [id, name] : translation.module.names()) {
+        if (uniforms.contains(name) && !ids.contains(id)) {
+            compiler.set_name(id, joinText({name, "_"}));
+        }
+    }
 }
 
 std::string hlslSemantic(const SpirvParameter& parameter, ProgramStage stage) {
@@ -165,7 +166,7 @@ std::string hlslSemantic(const SpirvParameter& parameter, ProgramStage stage) {
     return joinText({isColour ? "SV_Target" : "TEXCOORD", std::to_string(parameter.number)});
 }
 
-TranslatedProgram writeHlsl(Translation translation) {
+TranslatedProgram writeHlsl(const Translation& translation) {
     spirv_cross::CompilerHLSL compiler(translation.module.words());
     spirv_cross::CompilerHLSL::Options options = compiler.get_hlsl_options();
     options.shader_model = translation.version;
@@ -190,6 +191,7 @@ TranslatedProgram writeHlsl(Translation translation) {
                 {parameter.number, hlslSemantic(parameter, translation.stage)});
         }
     }
+    giveWay(compiler, translation);
     TranslatedProgram program;
     program.content = replaceNames(compiler.compile(), names);
     for (const SpirvParameter& parameter : translation.parameters) {
@@ -233,7 +235,7 @@ Place mslPlace(const SpirvParameter& parameter) {
     return {{"user", joinText({"locn", number})}};
 }
 
-TranslatedProgram writeMsl(Translation translation) {
+TranslatedProgram writeMsl(const Translation& translation) {
     spirv_cross::CompilerMSL compiler(translation.module.words());
     spirv_cross::CompilerMSL::Options options = compiler.get_msl_options();
     options.set_msl_version(translation.version / 10, translation.version % 10);

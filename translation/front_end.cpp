@@ -1,17 +1,19 @@
 #include "translation/front_end.h"
 
 #include "nodemodel/text.h"
+#include "translation/hlsl_words.h"
 #include "translation/prelude.h"
 
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
 #include <glslang/SPIRV/GlslangToSpv.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace patina {
 
@@ -43,6 +45,19 @@ std::string_view firstLineWith(std::string_view log, std::string_view mark) {
     return {};
 }
 
+/// The compiler's words without what it says for its own developers.
+std::string readable(std::string_view message) {
+    constexpr std::pair<std::string_view, std::string_view> replacements[] = {
+        {"'' : ", ""}, {" :  ", ": "}, {" : ", ": "}, {"' temp ", "'"}};
+    std::string text(message.substr(0, message.find_last_not_of(' ') + 1));
+    for (const auto& [from, to] : replacements) {
+        for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at)) {
+            text.replace(at, from.size(), to);
+        }
+    }
+    return text;
+}
+
 /// The first error of a log, `ERROR: 1:23: 'name' : what is wrong`, without what every message has.
 TranslationError errorIn(std::string_view log) {
     const std::string_view inProgram = firstLineWith(log, programMark);
@@ -56,7 +71,7 @@ TranslationError errorIn(std::string_view log) {
     const auto number = std::from_chars(rest.data(), rest.data() + rest.size(), line);
     rest.remove_prefix(static_cast<std::size_t>(number.ptr - rest.data()));
     rest.remove_prefix(std::min(rest.find_first_not_of(": "), rest.size()));
-    return {std::string(rest), line};
+    return {readable(rest), line};
 }
 
 } // namespace
@@ -64,9 +79,9 @@ TranslationError errorIn(std::string_view log) {
 std::vector<std::uint32_t> detail::compileCg(ProgramStage stage, std::string_view program) {
     initialiseOnce();
     const EShLanguage language = stage == ProgramStage::Vertex ? EShLangVertex : EShLangFragment;
-    const std::array<const char*, 2> texts = {translationPrelude(), program.data()};
-    const std::array<int, 2> lengths = {static_cast<int>(std::strlen(texts[0])),
-                                        static_cast<int>(program.size())};
+    const std::string prelude = joinText({translationPrelude(), renameHlslWords(program)});
+    const std::array<const char*, 2> texts = {prelude.data(), program.data()};
+    const std::array<int, 2> lengths = {static_cast<int>(prelude.size()), static_cast<int>(program.size())};
     constexpr int version = 100; // of the input language; for HLSL it has no meaning
 
     glslang::TShader shader(language);

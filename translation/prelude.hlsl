@@ -60,7 +60,7 @@
 #define TEXUNIT13 register( s13 )
 #define TEXUNIT14 register( s14 )
 #define TEXUNIT15 register( s15 )
-#define WPOS VPOS
+#define WPOS SV_Position
 
 float f1tex1D( sampler1D in_sampler, float in_uv ) { return tex1D( in_sampler, in_uv ).x; }
 float2 f2tex1D( sampler1D in_sampler, float in_uv ) { return tex1D( in_sampler, in_uv ).xy; }

@@ -1,5 +1,7 @@
 #include "translation/spirv_module.h"
 
+#include "translation/hlsl_words.h"
+
 #include <spirv.hpp>
 
 #include <algorithm>
@@ -47,10 +49,11 @@ std::vector<std::uint32_t> textWords(std::string_view text) {
     return words;
 }
 
-void setName(SpirvInstruction& instruction, std::string_view name) {
-    std::vector<std::uint32_t> operands = textWords(name);
-    operands.insert(operands.begin(), instruction.operands.front());
-    instruction.operands = std::move(operands);
+/// Replaces the text that begins at an operand and ends the instruction.
+void setName(SpirvInstruction& instruction, std::size_t index, std::string_view name) {
+    const std::vector<std::uint32_t> words = textWords(name);
+    instruction.operands.resize(index);
+    instruction.operands.insert(instruction.operands.end(), words.begin(), words.end());
 }
 
 SpirvInstruction decorate(std::uint32_t id, spv::Decoration decoration, std::vector<std::uint32_t> values) {
@@ -61,7 +64,7 @@ SpirvInstruction decorate(std::uint32_t id, spv::Decoration decoration, std::vec
 /// What the instructions before the first function say, by id.
 class ModuleIndex {
 public:
-    explicit ModuleIndex(const SpirvModule& module) : module_(module) {
+    explicit ModuleIndex(const SpirvModule& module) {
         for (const SpirvInstruction& instruction : module.instructions) {
             if (is(instruction, spv::OpFunction)) {
                 break;
@@ -184,7 +187,6 @@ private:
         }
     }
 
-    const SpirvModule& module_;
     std::unordered_map<std::uint32_t, std::string> names_;
     std::map<Member, std::string> memberNames_;
     std::unordered_map<std::uint32_t, std::string> semantics_;
@@ -222,7 +224,7 @@ std::uint32_t locationOf(const std::string& semantic, ProgramStage stage, spv::S
     };
     const auto* row = std::find_if(std::begin(semanticRows), std::end(semanticRows), matches);
     if (row == std::end(semanticRows)) {
-        throw TranslationError("no other language has the semantic \"" + semantic + "\"", 0);
+        throw TranslationError("what Cg calls \"" + semantic + "\" cannot be translated", 0);
     }
     return row->firstLocation +
            (digits < semantic.size() ? static_cast<std::uint32_t>(std::stoul(semantic.substr(digits))) : 0);
@@ -295,12 +297,24 @@ std::vector<std::uint32_t> SpirvModule::words() const {
 
 std::uint32_t SpirvModule::newId() { return header[boundIndex]++; }
 
-std::size_t SpirvModule::functionsBegin() const {
-    const auto isFunction = [](const SpirvInstruction& instruction) {
-        return is(instruction, spv::OpFunction);
-    };
-    return static_cast<std::size_t>(std::find_if(instructions.begin(), instructions.end(), isFunction) -
-                                    instructions.begin());
+std::vector<std::pair<std::uint32_t, std::string>> SpirvModule::names() const {
+    std::vector<std::pair<std::uint32_t, std::string>> result;
+    for (const SpirvInstruction& instruction : instructions) {
+        if (is(instruction, spv::OpName)) {
+            result.emplace_back(instruction.operands[0], textAt(instruction.operands, 1));
+        }
+    }
+    return result;
+}
+
+void restoreNames(SpirvModule& module) {
+    for (SpirvInstruction& instruction : module.instructions) {
+        if (is(instruction, spv::OpName)) {
+            setName(instruction, 1, nameInCg(textAt(instruction.operands, 1)));
+        } else if (is(instruction, spv::OpMemberName)) {
+            setName(instruction, 2, nameInCg(textAt(instruction.operands, 2)));
+        }
+    }
 }
 
 std::vector<SpirvParameter> readParameters(const SpirvModule& module, ProgramStage stage) {
@@ -349,9 +363,9 @@ void nameBlock(SpirvModule& module, std::uint32_t variable) {
     const std::uint32_t type = index.pointee((*entry)->operands[0]);
     for (SpirvInstruction& instruction : module.instructions) {
         if (is(instruction, spv::OpName) && instruction.operands[0] == type) {
-            setName(instruction, blockName);
+            setName(instruction, 1, blockName);
         } else if (is(instruction, spv::OpName) && instruction.operands[0] == variable) {
-            setName(instruction, blockInstanceName);
+            setName(instruction, 1, blockInstanceName);
         }
     }
 }
@@ -399,7 +413,7 @@ namespace {
 class BlockSplitter {
 public:
     BlockSplitter(SpirvModule& module, std::vector<SpirvParameter>& parameters, std::uint32_t block)
-        : module_(module), parameters_(parameters), block_(block), index_(module) {
+        : module_(module), block_(block), index_(module) {
         for (const SpirvInstruction* variable : index_.variables()) {
             if (variable->operands[1] == block) {
                 pointer_ = variable->operands[0];
@@ -492,7 +506,6 @@ private:
     }
 
     SpirvModule& module_;
-    std::vector<SpirvParameter>& parameters_;
     std::uint32_t block_;
     const ModuleIndex index_;
     std::uint32_t pointer_ = 0;

@@ -2,9 +2,9 @@
 
 #include "host/translation.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace patina::detail {
@@ -25,10 +25,10 @@ struct SpirvModule {
     explicit SpirvModule(const std::vector<std::uint32_t>& words);
     std::vector<std::uint32_t> words() const;
 
+    /// The ids that have names.
+    std::vector<std::pair<std::uint32_t, std::string>> names() const;
     /// An id that nothing has yet.
     std::uint32_t newId();
-    /// Where the types, constants and global variables end.
-    std::size_t functionsBegin() const;
 };
 
 /// The descriptor binding of the block with a program's uniforms, behind those of the texture units.
@@ -50,6 +50,9 @@ struct SpirvParameter {
     std::string builtIn;  ///< instead of the number: "Position"
     std::string semantic; ///< in Cg
 };
+
+/// Undoes what a Cg program was changed by for its front end: see hlsl_words.h.
+void restoreNames(SpirvModule& module);
 
 /// The parameters of a module that still has its semantics.
 std::vector<SpirvParameter> readParameters(const SpirvModule& module, ProgramStage stage);

@@ -15,6 +15,7 @@ public:
     std::vector<TranslatedProgram> translate(ProgramStage stage, std::string_view program,
                                              const std::vector<ShaderTarget>& targets) const override {
         SpirvModule module(compileCg(stage, program));
+        restoreNames(module);
         const std::vector<SpirvParameter> parameters = readParameters(module, stage);
         placeParameters(module, stage, parameters);
         std::vector<TranslatedProgram> translated;

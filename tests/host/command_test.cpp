@@ -278,7 +278,8 @@ TEST(Usage, IsCheckedBeforeAnythingElse) {
 }
 
 TEST(Usage, NamesTheCommandsWhenThereIsNoneOfAName) {
-    const std::string commands = "; the commands are export, check, nodes, describe, graph, validate\n";
+    const std::string commands =
+        "; the commands are export, check, nodes, describe, graph, preview, validate\n";
     EXPECT_EQ(patina({"foo"}).errors, "error: there is no command \"foo\"" + commands);
     EXPECT_EQ(patina({"foo", "--help"}).exitCode, 2);
     EXPECT_EQ(patina({""}).errors, "error: there is no command \"\"" + commands);

@@ -126,6 +126,17 @@ TEST(MaterialGraph, EscapesEveryText) {
     expectPiece(text, "tooltip=\"CoreTexture a\\\\\\\\N<b>: say &quot;\\\\\\\\N&quot; &amp;amp; \\\\\\\\\"]");
 }
 
+TEST(MaterialGraph, ShowsPicturesBetweenTitleAndPorts) {
+    const std::string text = printMaterialGraph(
+        built(node("a", "CoreUv") + maths("m", "Invert") + output("colour", "m", "out_value")),
+        {{"a & b.png", ""}, "whole.png"});
+    const std::string cell = "<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"96\" HEIGHT=\"96\">"
+                             "<IMG SCALE=\"TRUE\" SRC=\"";
+    expectPiece(text, "a</FONT></TD></TR>" + cell + "a &amp; b.png\"/></TD></TR><HR/>");
+    expectPiece(text, "material</FONT></TD></TR>" + cell + "whole.png\"/></TD></TR><HR/>");
+    EXPECT_EQ(count(text, "<IMG"), 2U) << "a node without a picture has none";
+}
+
 TEST(MaterialGraph, ReplacesWhatIsNoUtf8AndNoColour) {
     Material material = built(node("u", "CoreUv"));
     material.items[0].node->setName("caf\xE9\x01");

@@ -498,7 +498,8 @@ TEST(BashCompletion, OffersCommandsOptionsAndValues) {
         std::vector<std::string> words;
         Offers offers;
     } rows[] = {
-        {{""}, {"export", "check", "nodes", "describe", "graph", "validate", "--help", "--version"}},
+        {{""},
+         {"export", "check", "nodes", "describe", "graph", "preview", "validate", "--help", "--version"}},
         {{"de"}, {"describe"}},
         {{"nodes", "--"}, {"--json", "--names", "--plugin", "--help"}},
         {{"graph", "--f"}, {"--format"}},

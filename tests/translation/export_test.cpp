@@ -1,10 +1,13 @@
 // Materials, exported in other languages than Cg.
 
 #include "tests/host/host_checks.h"
+#include "tests/host/process.h"
 #include "translation/translator.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -74,6 +77,174 @@ TEST(ExportedTargets, GlslHasPlainUniforms) {
     EXPECT_EQ(declarationsIn(fragment.file.content),
               (std::vector<std::string>{"uniform sampler2D Paint;", "uniform vec3 Tint;",
                                         "in vec2 interpolant0;", "layout(location = 0) out vec4 colour;"}));
+}
+
+TEST(ExportedTargets, ComeBesideCgWhenBothAreWanted) {
+    Material material = testing::built(tintedTexture());
+    const ExportedMaterial exported = exportedIn(
+        material, {{TargetLanguage::Msl, 20}, {TargetLanguage::Cg, 0}, {TargetLanguage::Spirv, 10}});
+    EXPECT_TRUE(exported.writesCg);
+    std::vector<std::string> names;
+    for (const TargetProgram& program : exported.targetPrograms) {
+        names.push_back(program.file.name);
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"Sample.vert.metal", "Sample.frag.metal", "Sample.vert.spv",
+                                               "Sample.frag.spv"}));
+}
+
+TEST(ExportedTargets, StandInTheBindingsFile) {
+    Material material = testing::built(tintedTexture());
+    ExportedMaterial exported = exportedIn(material, {{TargetLanguage::Hlsl, 51}});
+    EXPECT_NE(exported.bindings.content.find("  <program stage=\"fragment\" target=\"hlsl\" version=\"5.1\" "
+                                             "file=\"Sample.frag.hlsl\" sha256=\""),
+              std::string::npos);
+    EXPECT_NE(
+        exported.bindings.content.find(
+            "    <parameter name=\"Paint\" kind=\"sampler\" type=\"sampler2D\" texture=\"0\" "
+            "sampler=\"0\"/>\n"
+            "    <parameter name=\"Tint\" kind=\"uniform\" type=\"half3\" buffer=\"0\" offset=\"0\"/>\n"),
+        std::string::npos)
+        << exported.bindings.content;
+    EXPECT_EQ(exported.bindings.content.find("Sample.frag.cg"), std::string::npos);
+}
+
+TEST(ExportedTargets, AnArtistsChangesAreReadBesideThem) {
+    const testing::TemporaryDirectory directory;
+    const std::string document = directory.write("m.xml", testing::documentText(tintedTexture())).string();
+    Warnings warnings;
+    ExportOptions options;
+    options.targets = {{TargetLanguage::Glsl, 330}};
+    options.translator = &translator();
+    exportDocument(document, directory.path(), testing::corePlugins(), warnings, options);
+    const std::filesystem::path file = directory / "Sample.bindings.xml";
+    std::string text = testing::readText(file);
+    const std::string unset = "default=\"0, 0, 0\"";
+    const std::size_t at = text.find(unset);
+    ASSERT_NE(at, std::string::npos) << text;
+    text.replace(at, unset.size(), "default=\"0.5, 0, 0\"");
+    testing::writeText(file, text);
+    exportDocument(document, directory.path(), testing::corePlugins(), warnings, options);
+    EXPECT_NE(testing::readText(file).find("default=\"0.5, 0, 0\""), std::string::npos);
+    EXPECT_TRUE(warnings.empty());
+}
+
+/// What an export says of a node whose code no compiler takes; nothing may have been written.
+std::string untranslatable(const std::string& type) {
+    PluginSet plugins;
+    plugins.add(PATINA_UNTRANSLATABLE);
+    const testing::TemporaryDirectory directory;
+    const std::string document =
+        directory
+            .write("m.xml", testing::documentText(node("bad", type) + output("colour", "bad", "out_colour")))
+            .string();
+    Warnings warnings;
+    ExportOptions options;
+    options.targets = {{TargetLanguage::Cg, 0}, {TargetLanguage::Glsl, 330}};
+    options.translator = &translator();
+    std::string message = testing::hostErrorOf(
+        [&] { exportDocument(document, directory / "out", plugins, warnings, options); });
+    EXPECT_FALSE(std::filesystem::exists(directory / "out"));
+    return message.substr(message.find("m.xml"));
+}
+
+TEST(ExportedTargets, ErrorsAreReportedAtTheNode) {
+    EXPECT_EQ(
+        untranslatable("UndeclaredName"),
+        "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: 'nowhere': "
+        "unknown variable (line 15 of Sample.frag.cg); correct what the node emits, or export it in Cg "
+        "alone");
+    EXPECT_EQ(
+        untranslatable("WrongType"),
+        "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: '=': cannot "
+        "convert from '3-component vector of float' to 'sampler2D' (line 15 of Sample.frag.cg); correct "
+        "what the node emits, or export it in Cg alone");
+}
+
+std::string refusal(const ExportOptions& options) {
+    Material material = testing::built(tintedTexture());
+    return testing::hostErrorOf([&] { testing::exportedFrom(material, options); });
+}
+
+TEST(ExportedTargets, NeedTheFrameworkAndATranslator) {
+    ExportOptions options;
+    options.targets = {{TargetLanguage::Glsl, 330}};
+    testing::expectErrorAt(refusal(options), 1, {"there is nothing that translates programs"});
+    options.translator = &translator();
+    options.print.framework = false;
+    testing::expectErrorAt(refusal(options), 1, {"without the framework's functions cannot be translated"});
+    options.targets = {{TargetLanguage::Cg, 0}};
+    EXPECT_EQ(refusal(options), testing::noError);
+}
+
+TEST(TargetNames, AreReadWithAndWithoutVersion) {
+    EXPECT_EQ(parseTarget("cg"), (ShaderTarget{TargetLanguage::Cg, 0}));
+    EXPECT_EQ(parseTarget("glsl"), (ShaderTarget{TargetLanguage::Glsl, 330}));
+    EXPECT_EQ(parseTarget("glsl:450"), (ShaderTarget{TargetLanguage::Glsl, 450}));
+    EXPECT_EQ(parseTarget("essl"), (ShaderTarget{TargetLanguage::Essl, 300}));
+    EXPECT_EQ(parseTarget("hlsl"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
+    EXPECT_EQ(parseTarget("hlsl:6.2"), (ShaderTarget{TargetLanguage::Hlsl, 62}));
+    EXPECT_EQ(parseTarget("msl:2.4"), (ShaderTarget{TargetLanguage::Msl, 24}));
+    EXPECT_EQ(parseTarget("spirv"), (ShaderTarget{TargetLanguage::Spirv, 10}));
+    for (const char* text : {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1"}) {
+        EXPECT_EQ(parseTarget(text), std::nullopt) << text;
+    }
+}
+
+testing::Outcome exportCommand(const testing::TemporaryDirectory& directory,
+                               const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = {"export", PATINA_EXAMPLE, "-o", (directory / "out").string()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return testing::run(PATINA_COMMAND, arguments);
+}
+
+TEST(TargetOption, WritesThoseThatAreNamed) {
+    const testing::TemporaryDirectory directory;
+    EXPECT_EQ(exportCommand(directory, {"--target", "glsl,spirv", "--target", "msl:2.1", "-q"}).exitCode, 0);
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory / "out")) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"PaintedMetal.bindings.xml", "PaintedMetal.frag.glsl",
+                                               "PaintedMetal.frag.metal", "PaintedMetal.frag.spv",
+                                               "PaintedMetal.vert.glsl", "PaintedMetal.vert.metal",
+                                               "PaintedMetal.vert.spv"}));
+}
+
+TEST(TargetOption, RefusesUnknownTargetsAndLanguagesTwice) {
+    const testing::TemporaryDirectory directory;
+    const testing::Outcome unknown = exportCommand(directory, {"--target", "glsl:120"});
+    EXPECT_EQ(unknown.exitCode, 2);
+    EXPECT_NE(unknown.errors.find(
+                  "there is no \"glsl:120\"; there are cg; hlsl:5.0, 5.1, 6.0, 6.1, 6.2, 6.3, 6.4, "
+                  "6.5, 6.6; glsl:330, 450; essl:300, 310; msl:2.0, 2.1, 2.2, 2.3, 2.4, 3.0; spirv:1.0"),
+              std::string::npos)
+        << unknown.errors;
+    const testing::Outcome twice = exportCommand(directory, {"--target", "glsl", "--target", "glsl:450"});
+    EXPECT_EQ(twice.exitCode, 2);
+    EXPECT_NE(twice.errors.find("\"glsl\" is there twice"), std::string::npos) << twice.errors;
+    EXPECT_FALSE(std::filesystem::exists(directory / "out"));
+}
+
+TEST(TargetOption, SeveralMaterialsAtOnceGiveTheSame) {
+    const testing::TemporaryDirectory directory;
+    std::vector<std::string> arguments = {"export", "--target", "glsl,essl,hlsl,msl,spirv", "-q"};
+    for (int i = 0; i < 8; ++i) {
+        const std::string name = "M" + std::to_string(i);
+        arguments.push_back(
+            directory.write(name + ".xml", testing::documentText(tintedTexture(), name)).string());
+    }
+    const auto exportWith = [&](const std::string& jobs) {
+        std::vector<std::string> all = arguments;
+        all.insert(all.end(), {"-j", jobs, "-o", (directory / jobs).string()});
+        EXPECT_EQ(testing::run(PATINA_COMMAND, all).exitCode, 0);
+    };
+    exportWith("1");
+    exportWith("4");
+    for (const auto& entry : std::filesystem::directory_iterator(directory / "1")) {
+        EXPECT_EQ(testing::readText(entry.path()),
+                  testing::readText(directory / "4" / entry.path().filename()));
+    }
 }
 
 } // namespace

@@ -37,6 +37,7 @@ void addExportCommand(CommandLine& commandLine);
 void addNodesCommand(CommandLine& commandLine);
 void addDescribeCommand(CommandLine& commandLine);
 void addGraphCommand(CommandLine& commandLine);
+void addPreviewCommand(CommandLine& commandLine);
 void addValidateCommand(CommandLine& commandLine);
 
 /// Gives a subcommand the option --plugin.

@@ -1,7 +1,9 @@
 #include "host/export.h"
+#include "host/targets.h"
 #include "tools/patina/command.h"
 #include "tools/patina/in_order.h"
 #include "tools/patina/terminal.h"
+#include "translation/translator.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -24,6 +26,7 @@ struct ExportCommandOptions {
     std::vector<std::string> materials;
     std::string directory = ".";
     std::string framework = "patina";
+    std::vector<std::string> targets;
     std::size_t threadCount = 1;
     bool quiet = false;
     ExportOptions exporting;
@@ -44,8 +47,16 @@ void printSummary(const ExportedMaterial& exported, const std::filesystem::path&
     std::cout << exported.name << ": " << counted(exported.nodeCount, "node") << ", "
               << counted(exported.connectionCount, "connection") << ", "
               << counted(exported.interpolantCount, "interpolant register") << '\n';
-    printFile(directory / exported.vertexProgram.name, exported.vertexFunctionCount, "call");
-    printFile(directory / exported.fragmentProgram.name, exported.fragmentFunctionCount, "call");
+    if (exported.writesCg) {
+        printFile(directory / exported.vertexProgram.name, exported.vertexFunctionCount, "call");
+        printFile(directory / exported.fragmentProgram.name, exported.fragmentFunctionCount, "call");
+    }
+    for (const TargetProgram& program : exported.targetPrograms) {
+        printFile(directory / program.file.name,
+                  program.stage == ProgramStage::Vertex ? exported.vertexFunctionCount
+                                                        : exported.fragmentFunctionCount,
+                  "call");
+    }
     printFile(directory / exported.bindings.name, exported.bindingCount, "binding");
     if (exported.bindingsJson) {
         printFile(directory / exported.bindingsJson->name, exported.bindingCount, "binding");
@@ -127,10 +138,45 @@ private:
     std::size_t changedCount_ = 0;
 };
 
+constexpr const char* targetOption = "--target";
+
+/// The targets that the user named. Throws CLI::ValidationError for one that does not exist, and for a
+/// language that is named twice.
+std::vector<ShaderTarget> parseTargets(const std::vector<std::string>& texts) {
+    std::vector<ShaderTarget> targets;
+    for (const std::string& text : texts) {
+        const std::optional<ShaderTarget> target = parseTarget(text);
+        if (!target) {
+            throw CLI::ValidationError(targetOption,
+                                       "there is no \"" + text + "\"; there are " + targetsText());
+        }
+        for (const ShaderTarget& earlier : targets) {
+            if (earlier.language == target->language) {
+                throw CLI::ValidationError(targetOption,
+                                           "\"" + targetName(target->language) +
+                                               "\" is there twice, and its files have one name; "
+                                               "export the versions into different directories");
+            }
+        }
+        targets.push_back(*target);
+    }
+    return targets;
+}
+
+bool needsTranslator(const std::vector<ShaderTarget>& targets) {
+    const auto isOther = [](const ShaderTarget& target) { return target.language != TargetLanguage::Cg; };
+    return std::any_of(targets.begin(), targets.end(), isOther);
+}
+
 int runExport(ExportCommandOptions& options, const CommandLine& commandLine) {
     options.exporting.print.framework = options.framework == "patina";
     if (options.threadCount == 0) {
         options.threadCount = std::max(1U, std::thread::hardware_concurrency());
+    }
+    std::unique_ptr<ShaderTranslator> translator;
+    if (needsTranslator(options.exporting.targets)) {
+        translator = makeTranslator();
+        options.exporting.translator = translator.get();
     }
     const PluginSet plugins = loadPlugins(commandLine);
     return Exporter(options, plugins).run();
@@ -156,6 +202,14 @@ void addExportCommand(CommandLine& commandLine) {
         ->type_name("N")
         ->check(CLI::Range(std::size_t{0}, threadLimit));
     command
+        ->add_option(
+            targetOption, options->targets,
+            "the languages of the programs, separated by commas or given repeatedly: cg, hlsl, glsl, "
+            "essl, msl, spirv, or with a version, glsl:450; cg without this option")
+        ->type_name("LIST")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    command
         ->add_option("--framework", options->framework,
                      "\"none\" leaves the framework's functions out, for those who have their own")
         ->check(CLI::IsMember({"patina", "none"}));
@@ -173,10 +227,13 @@ void addExportCommand(CommandLine& commandLine) {
                     "Examples:\n"
                     "  patina export painted_metal.xml\n"
                     "  patina export -j 0 -MD -o shaders materials/*.xml\n"
+                    "  patina export painted_metal.xml --target glsl:450,spirv\n"
                     "  patina export painted_metal.xml --framework none --plugin studio_nodes.so\n\n"
                     "Exit code: 0 when all went well, 1 for an error in a material, 2 for wrong usage.");
-    command->callback(
-        [options, &commandLine] { commandLine.run = [&] { return runExport(*options, commandLine); }; });
+    command->callback([options, &commandLine] {
+        options->exporting.targets = parseTargets(options->targets);
+        commandLine.run = [options, &commandLine] { return runExport(*options, commandLine); };
+    });
 }
 
 } // namespace patina::tool

@@ -1,12 +1,11 @@
-#include "host/child_process.h"
 #include "host/files.h"
 #include "host/generate.h"
 #include "host/graphviz.h"
 #include "host/resolve.h"
 #include "tools/patina/command.h"
+#include "tools/patina/graphviz_program.h"
 #include "tools/patina/terminal.h"
 
-#include <cstddef>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -40,31 +39,6 @@ std::string graphText(const GraphOptions& options, const PluginSet& plugins) {
     return options.shader ? shaderGraphText(material) : printMaterialGraph(material);
 }
 
-constexpr const char* program = "dot";
-constexpr std::size_t svgLimit = std::size_t{1024} * 1024 * 1024;
-
-/// What Graphviz's program draws, when it is there and succeeds.
-std::string drawn(const std::string& dot) {
-    const ChildOutcome outcome = runChild(program, {"-Tsvg", "-q"}, {.input = dot, .outputLimit = svgLimit});
-    std::cerr << outcome.errors;
-    if (outcome.end == ChildOutcome::End::TooMuchOutput) {
-        throw HostError({program, 0}, "this program's drawing is larger than 1 GiB");
-    }
-    if (outcome.end != ChildOutcome::End::Exited || outcome.code != 0) {
-        throw HostError({program, 0}, "this program failed");
-    }
-    return outcome.output;
-}
-
-std::string toSvg(const std::string& dot) {
-    try {
-        return drawn(dot);
-    } catch (const HostError& failure) {
-        throw HostError(failure,
-                        "install Graphviz, or write the graph with --format dot and draw it elsewhere");
-    }
-}
-
 /// Opening /dev/stdout anew would begin a file that it leads to from its start.
 bool isStandardOutput(const std::string& file) { return file.empty() || file == "/dev/stdout"; }
 
@@ -79,7 +53,10 @@ void write(const std::string& text, const std::string& file) {
 int runGraph(const GraphOptions& options, const CommandLine& commandLine) {
     const PluginSet plugins = loadPlugins(commandLine);
     const std::string text = graphText(options, plugins);
-    write(wantsSvg(options) ? toSvg(text) : text, options.output);
+    write(wantsSvg(options)
+              ? drawGraph(text, "svg", ", or write the graph with --format dot and draw it elsewhere")
+              : text,
+          options.output);
     return success;
 }
 

@@ -51,6 +51,7 @@ int run(int argc, char** argv) {
     patina::tool::addNodesCommand(commandLine);
     patina::tool::addDescribeCommand(commandLine);
     patina::tool::addGraphCommand(commandLine);
+    patina::tool::addPreviewCommand(commandLine);
     patina::tool::addValidateCommand(commandLine);
     const std::string complaint = argc > 1 && *argv[1] != '-' ? complaintAbout(argv[1], parser) : "";
     if (!complaint.empty()) {

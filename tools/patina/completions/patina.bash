@@ -62,7 +62,7 @@ _patina_words() {
 
 _patina() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands='export check nodes describe graph validate'
+    local commands='export check nodes describe graph preview validate'
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
@@ -76,9 +76,22 @@ _patina() {
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -d -- "$word")
             return ;;
+        'preview -o' | 'preview --output') _patina_files '*.png'; return ;;
+        'preview --mesh')
+            _patina_files '*.obj'
+            mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W 'sphere plane cube' -- "$word")
+            return ;;
+        'preview --textures')
+            compopt -o filenames 2>/dev/null
+            mapfile -t COMPREPLY < <(compgen -d -- "$word")
+            return ;;
+        'preview --background') _patina_words 'transparent'; return ;;
+        'preview --size' | 'preview --texture' | 'preview --set' | 'preview --animate') return ;;
+        'preview --time' | 'preview --frames' | 'preview --node' | 'preview --samples') return ;;
         'graph -o' | 'graph --output') _patina_files '*'; return ;;
         *' --plugin') _patina_files '*.so'; return ;;
         'export --framework') _patina_words 'patina none'; return ;;
+        'export --target') _patina_words 'cg hlsl glsl essl msl spirv'; return ;;
         'graph --format') _patina_words 'dot svg'; return ;;
         'validate --only') _patina_words "$(_patina_checks)"; return ;;
         'export -j' | 'export --jobs' | 'validate --timeout') return ;;
@@ -86,18 +99,21 @@ _patina() {
 
     if [[ $word == -* ]]; then
         case $command in
-            export) _patina_words '-o --output --plugin -j --jobs -MD --depfile --framework --annotate --json -q --quiet --help' ;;
+            export) _patina_words '-o --output --plugin -j --jobs -MD --depfile --target --framework --annotate --json -q --quiet --help' ;;
             check) _patina_words '--plugin --werror -q --quiet --help' ;;
             nodes) _patina_words '--json --names --plugin --help' ;;
             describe) _patina_words '--json --plugin --help' ;;
             graph) _patina_words '--shader --format -o --output --plugin --help' ;;
+            preview)
+                _patina_words '-o --output --size --mesh --texture --textures --set --animate --time --frames
+                    --node --contact-sheet --background --samples --plugin -q --quiet --help' ;;
             validate) _patina_words '--list --only --json --timeout --help' ;;
         esac
         return
     fi
 
     case $command in
-        export | check | graph) _patina_files '*.xml' ;;
+        export | check | graph | preview) _patina_files '*.xml' ;;
         describe) _patina_words "$(_patina_node_types)" ;;
         validate) _patina_files '*.so' ;;
     esac

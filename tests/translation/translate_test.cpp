@@ -1,0 +1,228 @@
+// Cg programs in other languages, to the letter.
+
+#include "tests/host/host_checks.h"
+#include "translation/translator.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace patina {
+namespace {
+
+using testing::readText;
+
+constexpr ShaderTarget glsl = {TargetLanguage::Glsl, 330};
+constexpr ShaderTarget hlsl = {TargetLanguage::Hlsl, 50};
+constexpr ShaderTarget spirv = {TargetLanguage::Spirv, 10};
+
+const ShaderTranslator& translator() {
+    static const std::unique_ptr<ShaderTranslator> made = makeTranslator();
+    return *made;
+}
+
+TranslatedProgram translated(ProgramStage stage, const std::string& program, const ShaderTarget& target) {
+    return translator().translate(stage, program, {target}).front();
+}
+
+std::string expectedFile(const std::string& name) {
+    return readText(std::filesystem::path(PATINA_EXPECTED) / name);
+}
+
+/// "half3 Tint -> Tint offset=32", a line for each parameter.
+std::string parametersOf(const TranslatedProgram& program) {
+    constexpr const char* kinds[] = {"uniform", "sampler", "attribute", "interpolant", "output"};
+    std::ostringstream text;
+    for (const ProgramParameter& parameter : program.parameters) {
+        text << kinds[static_cast<std::size_t>(parameter.kind)] << ' ' << parameter.type << ' '
+             << parameter.name << " ->";
+        if (parameter.targetName != parameter.name) {
+            text << ' ' << parameter.targetName;
+        }
+        for (const auto& [key, value] : parameter.place) {
+            text << ' ' << key << '=' << value;
+        }
+        text << '\n';
+    }
+    return text.str();
+}
+
+struct LanguageRow {
+    const char* ending;
+    ShaderTarget target;
+};
+
+constexpr LanguageRow languages[] = {{"glsl", glsl},
+                                     {"essl", {TargetLanguage::Essl, 300}},
+                                     {"hlsl", hlsl},
+                                     {"metal", {TargetLanguage::Msl, 20}}};
+
+TEST(Translate, WritesEachLanguage) {
+    for (const auto& [stage, name] :
+         {std::pair{ProgramStage::Vertex, "sample.vert."}, {ProgramStage::Fragment, "sample.frag."}}) {
+        const std::string program = expectedFile(std::string(name) + "cg");
+        for (const auto& [ending, target] : languages) {
+            EXPECT_EQ(translated(stage, program, target).content, expectedFile(std::string(name) + ending))
+                << ending;
+        }
+    }
+}
+
+TEST(Translate, SaysWhereParametersAreInEachLanguage) {
+    const std::string vertex = expectedFile("sample.vert.cg");
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Vertex, vertex, glsl)),
+              "uniform float4x4 worldViewProjection ->\n"
+              "uniform half Scale ->\n"
+              "attribute float4 position -> location=0\n"
+              "attribute float2 map1 -> location=3\n"
+              "attribute half4 Wear -> location=2\n"
+              "output float4 clipPosition -> gl_Position\n"
+              "interpolant float2 interpolant0 ->\n"
+              "interpolant half4 interpolant1 ->\n");
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Vertex, vertex, {TargetLanguage::Glsl, 450})),
+              "uniform float4x4 worldViewProjection ->\n"
+              "uniform half Scale ->\n"
+              "attribute float4 position -> location=0\n"
+              "attribute float2 map1 -> location=3\n"
+              "attribute half4 Wear -> location=2\n"
+              "output float4 clipPosition -> gl_Position\n"
+              "interpolant float2 interpolant0 -> location=1\n"
+              "interpolant half4 interpolant1 -> location=0\n");
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Vertex, vertex, hlsl)),
+              "uniform float4x4 worldViewProjection -> buffer=0 offset=0\n"
+              "uniform half Scale -> buffer=0 offset=96\n"
+              "attribute float4 position -> semantic=ATTR0\n"
+              "attribute float2 map1 -> semantic=ATTR3\n"
+              "attribute half4 Wear -> semantic=ATTR2\n"
+              "output float4 clipPosition -> gl_Position semantic=SV_Position\n"
+              "interpolant float2 interpolant0 -> semantic=TEXCOORD1\n"
+              "interpolant half4 interpolant1 -> semantic=TEXCOORD0\n");
+    const std::string fragment = expectedFile("sample.frag.cg");
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment, fragment, {TargetLanguage::Msl, 20})),
+              "sampler sampler2D Paint -> texture=1 sampler=1\n"
+              "uniform half3 Tint -> buffer=0 offset=32\n"
+              "uniform float4x3 Turn -> buffer=0 offset=64\n"
+              "uniform float[3] Weights -> buffer=0 offset=160\n"
+              "interpolant float4 interpolant0 -> user=locn2\n"
+              "output float4 colour -> color=0\n");
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment, fragment, spirv)),
+              "sampler sampler2D Paint -> set=1 binding=1\n"
+              "uniform half3 Tint -> set=1 binding=16 offset=32\n"
+              "uniform float4x3 Turn -> set=1 binding=16 offset=64\n"
+              "uniform float[3] Weights -> set=1 binding=16 offset=160\n"
+              "interpolant float4 interpolant0 -> location=2\n"
+              "output float4 colour -> location=0\n");
+}
+
+// words of the targets, a name that back ends make up, and one that a parameter of a function has too
+constexpr const char* awkwardNames = R"cg(uniform sampler1D linear : TEXUNIT1;
+uniform sampler3D Volume : TEXUNIT2;
+uniform samplerCUBE sample : TEXUNIT3;
+uniform half3 in_tint : register( c2 );
+uniform float param_1 : register( c3 );
+uniform float line : register( c4 );
+uniform bool Flag : register( c5 );
+uniform int Count : register( c6 );
+
+void tint( float2 in_uv, half3 in_tint, out half3 out_colour )
+{
+	out_colour = in_uv.xyx * in_tint;
+}
+
+void main(
+	float4 point : TEXCOORD2,
+	float4 place : WPOS,
+	out float4 colour : COLOR0 )
+{
+	half3 tinted;
+	tint( point.xy, in_tint, tinted );
+	tinted += param_1 * f3tex3D( Volume, point.xyz ) + h3texCUBE( sample, point.xyz );
+	colour = float4( tinted + f1tex1D( linear, point.x ) + line + ( Flag ? Count : 1 ), 1.0 ) + place;
+}
+)cg";
+
+TEST(Translate, AnyNameOfCgWillDo) {
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment, awkwardNames, glsl)),
+              "uniform half3 in_tint ->\n"
+              "uniform float param_1 ->\n"
+              "uniform float line ->\n"
+              "uniform bool Flag ->\n"
+              "uniform int Count ->\n"
+              "sampler sampler3D Volume ->\n"
+              "sampler samplerCUBE sample -> _sample\n"
+              "sampler sampler1D linear ->\n"
+              "interpolant float4 point ->\n"
+              "interpolant float4 place -> gl_FragCoord\n"
+              "output float4 colour -> location=0\n");
+    const TranslatedProgram inHlsl = translated(ProgramStage::Fragment, awkwardNames, hlsl);
+    EXPECT_EQ(parametersOf(inHlsl), "uniform half3 in_tint -> buffer=0 offset=32\n"
+                                    "uniform float param_1 -> param_1_ buffer=0 offset=48\n"
+                                    "uniform float line -> line_ buffer=0 offset=64\n"
+                                    "uniform bool Flag -> buffer=0 offset=80\n"
+                                    "uniform int Count -> buffer=0 offset=96\n"
+                                    "sampler sampler3D Volume -> texture=2 sampler=2\n"
+                                    "sampler samplerCUBE sample -> _sample texture=3 sampler=3\n"
+                                    "sampler sampler1D linear -> _linear texture=1 sampler=1\n"
+                                    "interpolant float4 point -> _point semantic=TEXCOORD2\n"
+                                    "interpolant float4 place -> gl_FragCoord semantic=SV_Position\n"
+                                    "output float4 colour -> semantic=SV_Target0\n");
+    EXPECT_NE(inHlsl.content.find("float3 in_tint : packoffset(c2);"), std::string::npos) << inHlsl.content;
+}
+
+TEST(Translate, EsslSamplesOneDimensionInARowOfTwo) {
+    const TranslatedProgram program =
+        translated(ProgramStage::Fragment, awkwardNames, {TargetLanguage::Essl, 300});
+    EXPECT_NE(program.content.find("uniform highp sampler2D linear;\n"), std::string::npos)
+        << program.content;
+    EXPECT_NE(program.content.find("texture(in_sampler, vec2(in_uv, 0.0)).x"), std::string::npos)
+        << program.content;
+}
+
+std::pair<int, std::string> errorOf(const std::string& program, const ShaderTarget& target = glsl) {
+    try {
+        translated(ProgramStage::Fragment, program, target);
+    } catch (const TranslationError& error) {
+        return {error.line(), error.what()};
+    }
+    return {-1, ""};
+}
+
+using Error = std::pair<int, std::string>;
+
+TEST(Translate, RefusesWhatDoesNotCompile) {
+    EXPECT_EQ(errorOf("void main( out float4 colour : COLOR0 )\n{\n\tcolour = nowhere;\n}\n"),
+              (Error{3, "'nowhere': unknown variable"}));
+    EXPECT_EQ(errorOf("\nvoid main( out float4 colour : COLOR0 ) {"), (Error{2, "'declaration': Expected"}));
+}
+
+TEST(Translate, RefusesSemanticsThatOtherLanguagesLack) {
+    EXPECT_EQ(errorOf("void main( float side : FACE, out float4 colour : COLOR0 ) { colour = side; }\n"),
+              (Error{0, "what Cg calls \"FACE\" cannot be translated"}));
+}
+
+TEST(Translate, SeveralThreadsAtOnce) {
+    const std::string program = expectedFile("sample.frag.cg");
+    const std::string expected = expectedFile("sample.frag.hlsl");
+    const std::unique_ptr<ShaderTranslator> shared = makeTranslator();
+    std::vector<std::string> results(4);
+    std::vector<std::thread> threads;
+    for (std::string& result : results) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 5; ++i) {
+                result = shared->translate(ProgramStage::Fragment, program, {hlsl}).front().content;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const std::string& result : results) {
+        EXPECT_EQ(result, expected);
+    }
+}
+
+} // namespace
+} // namespace patina
