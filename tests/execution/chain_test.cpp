@@ -41,7 +41,7 @@ Case makeSum(InputKind kind, int width, std::size_t floatNode) {
 TEST_F(ChainExecution, Conversions) {
     for (const InputKind kind : {InputKind::Varying, InputKind::Uniform}) {
         for (const int width : {1, 2, 3, 4}) {
-            for (const std::size_t floatNode : {0, 1, 2}) {
+            for (const std::size_t floatNode : {0U, 1U, 2U}) {
                 expectReference(makeSum(kind, width, floatNode));
             }
         }

@@ -282,7 +282,7 @@ Outputs evaluateTexture(const NodeCall& call) {
     const bool is1D = call.node.setting("Texture Type", "2D") == "1D";
     const Image& image = imageOf(call.node.name(), is1D ? 1 : 2);
     BoundedVector value;
-    for (const std::size_t channel : {0, 1, 2, 3}) {
+    for (const std::size_t channel : {0U, 1U, 2U, 3U}) {
         value.push_back(sample(call.arithmetic, image, call["in_uv"], channel));
     }
     if (isNormalMap(type)) {
@@ -293,7 +293,7 @@ Outputs evaluateTexture(const NodeCall& call) {
         return outputs;
     }
     if (call.node.setting("sRGB", "Yes") == "Yes") {
-        for (const std::size_t channel : {0, 1, 2}) {
+        for (const std::size_t channel : {0U, 1U, 2U}) {
             value[channel] = linearFromSrgb(call.arithmetic, value[channel]);
         }
     }
