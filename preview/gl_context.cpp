@@ -121,6 +121,7 @@ struct GlContext::Connection {
         return false;
     }
 
+    /// The display stays open until the process ends: a driver that is unloaded with it loses memory.
     void close() {
         if (display == EGL_NO_DISPLAY) {
             return;
@@ -129,8 +130,6 @@ struct GlContext::Connection {
         if (context != EGL_NO_CONTEXT) {
             eglDestroyContext(display, context);
         }
-        eglTerminate(display);
-        eglReleaseThread();
         display = EGL_NO_DISPLAY;
         context = EGL_NO_CONTEXT;
     }

@@ -32,7 +32,7 @@ private:
     Tally tally_;
 };
 
-/// The same with the driver that compiles.
+/// The same with the driver that compiles, when it is the first of its process, as under CTest.
 class CompiledExecution : public Execution {
 protected:
     static void SetUpTestSuite() { start(compilingDriver); }

@@ -4,7 +4,6 @@
 #include "preview/gl_program.h"
 #include "tests/execution/images.h"
 #include "tests/host/host_checks.h"
-#include "tests/support/gl_drivers.h"
 #include "translation/translator.h"
 
 #include <stdlib.h> // NOLINT: setenv is POSIX
@@ -27,9 +26,7 @@ constexpr ShaderTarget glsl = {TargetLanguage::Glsl, 330};
 std::unique_ptr<preview::GlContext> makeContext(const char* driver) {
     setenv("GALLIUM_DRIVER", driver, 1);
     setenv("MESA_SHADER_CACHE_DISABLE", "true", 1); // nothing is kept on disk
-    auto context = std::make_unique<preview::GlContext>();
-    keepGlDriversLoaded();
-    return context;
+    return std::make_unique<preview::GlContext>();
 }
 
 std::string numberText(double number) {
