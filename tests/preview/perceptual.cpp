@@ -34,15 +34,20 @@ Plane blurredAlong(const Plane& plane, int width, int height, int across, int do
     constexpr std::array<double, 7> bell = {0.004433, 0.054006, 0.242036, 0.399050,
                                             0.242036, 0.054006, 0.004433};
     Plane result(plane.size());
+    const auto index = [&](int column, int row) {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
+               static_cast<std::size_t>(column);
+    };
     for (int row = 0; row < height; ++row) {
         for (int column = 0; column < width; ++column) {
-            Triple& sum = result[static_cast<std::size_t>(row * width + column)];
-            for (int i = -3; i <= 3; ++i) {
-                const int x = std::clamp(column + i * across, 0, width - 1);
-                const int y = std::clamp(row + i * down, 0, height - 1);
-                const Triple& from = plane[static_cast<std::size_t>(y * width + x)];
+            Triple& sum = result[index(column, row)];
+            for (std::size_t i = 0; i < bell.size(); ++i) {
+                const int step = static_cast<int>(i) - 3;
+                const int x = std::clamp(column + step * across, 0, width - 1);
+                const int y = std::clamp(row + step * down, 0, height - 1);
+                const Triple& from = plane[index(x, y)];
                 for (std::size_t c = 0; c < 3; ++c) {
-                    sum.at(c) += bell.at(static_cast<std::size_t>(i + 3)) * from.at(c);
+                    sum.at(c) += bell.at(i) * from.at(c);
                 }
             }
         }
