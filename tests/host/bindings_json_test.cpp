@@ -16,7 +16,8 @@ using Json = nlohmann::ordered_json;
 BindingsFile sample() {
     BindingsFile file;
     file.material = "Rusty \"4\"";
-    file.programs = {{"vertex", "Rusty.vert.cg", "12ab"}, {"fragment", "Rusty.frag.cg", "34cd"}};
+    file.programs = {{"vertex", "Rusty.vert.cg", "12ab", {}, {}, {}},
+                     {"fragment", "Rusty.frag.cg", "34cd", {}, {}, {}}};
 
     const auto tint = createBinding(BindingKind::Float, "Tint", 3);
     tint->group = "Paint";

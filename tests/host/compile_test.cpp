@@ -109,15 +109,19 @@ TEST(Compiler, TellsGoodProgramsFromBad) {
     EXPECT_NONFATAL_FAILURE(bad.expectRead(), "bad.frag.hlsl");
 }
 
-TEST(Compile, PaintedMetal) {
+TEST(Compile, Examples) {
     if (!hasCompiler()) {
         GTEST_SKIP() << "there is no " << compiler;
     }
-    Warnings warnings;
-    Material material = buildMaterial(readMaterial(PATINA_EXAMPLE), testing::corePlugins(), warnings);
-    EXPECT_TRUE(warnings.empty());
     Programs programs;
-    programs.add("painted_metal", testing::exportedFrom(material));
+    for (const auto& entry : std::filesystem::directory_iterator(PATINA_EXAMPLES)) {
+        if (entry.path().extension() == ".xml") {
+            Warnings warnings;
+            Material material = buildMaterial(readMaterial(entry.path()), testing::corePlugins(), warnings);
+            EXPECT_TRUE(warnings.empty()) << entry.path();
+            programs.add(entry.path().stem().string(), testing::exportedFrom(material));
+        }
+    }
     programs.expectCompiled();
 }
 
