@@ -46,8 +46,8 @@ using Pixels = std::vector<std::array<float, 4>>;
 /// points is the same all over one, so that nothing is interpolated. One at a time in a process.
 class Executor {
 public:
-    /// With a driver of Mesa's for processors, where it is Mesa that provides OpenGL. Throws HostError
-    /// without OpenGL or a translator.
+    /// With a driver of Mesa's for processors, where it is Mesa that provides OpenGL; the first one of a
+    /// process decides. Throws HostError without OpenGL or a translator.
     explicit Executor(const char* driver);
     ~Executor();
 
