@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,9 @@ struct NamedMesh {
     Mesh (*make)();
     bool isClosed;
 };
+
+/// How the lists of tests name it: without this, by its bytes.
+void PrintTo(const NamedMesh& mesh, std::ostream* stream) { *stream << mesh.name; }
 
 class BuiltInMesh : public ::testing::TestWithParam<NamedMesh> {
 protected:
