@@ -45,6 +45,7 @@ TEST_F(BlendExecution, LayerBlends) {
             expectReference(makeCase(mode, 0, 0, isFloat, InputKind::Varying));
             for (const int width : {1, 2, 3, 4}) {
                 expectReference(makeCase(mode, width, width, isFloat, InputKind::Varying));
+                expectReference(perVertex(makeCase(mode, width, width, isFloat, InputKind::Varying)));
             }
         }
     }

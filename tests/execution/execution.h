@@ -32,11 +32,15 @@ private:
     Tally tally_;
 };
 
-/// The same with the driver that compiles, when it is the first of its process, as under CTest.
+/// The same with the driver that compiles. The first driver of a process stays, so that tests of both kinds
+/// take a process each.
 class CompiledExecution : public Execution {
 protected:
     static void SetUpTestSuite() { start(compilingDriver); }
 };
+
+/// The same case with its value computed per vertex: a vertex function reads it, and adds nothing.
+Case perVertex(Case shown);
 
 /// Every how many of the cases of a large table a test takes.
 std::size_t strideOfTables();

@@ -2,9 +2,11 @@
 
 #include "tests/execution/execution.h"
 #include "tests/execution/inputs.h"
+#include "tests/host/host_checks.h"
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -199,6 +201,22 @@ TEST(Tally, FallsShortOfItsMinimum) {
     EXPECT_EQ(shortfall({{"Two: c", {1, 10, 100}}, {"Two: d", {1, 10, 100}}}, minimum, "Two: "),
               "there is no minimum for Two: d\t1\t10\t100\n");
     EXPECT_EQ(printTally({{"One: a", {2, 20, 200, 0.5}}}), "One: a\t2\t20\t200\t0.5\n");
+}
+
+TEST(Counts, BelongToTests) {
+    std::set<std::string> tests;
+    const ::testing::UnitTest& all = *::testing::UnitTest::GetInstance();
+    for (int i = 0; i < all.total_test_suite_count(); ++i) {
+        const ::testing::TestSuite& suite = *all.GetTestSuite(i);
+        for (int j = 0; j < suite.total_test_count(); ++j) {
+            tests.insert(suite.GetTestInfo(j)->name());
+        }
+    }
+    const Tally minimum = readMinimum(readText(PATINA_EXECUTION_COUNTS));
+    EXPECT_GT(minimum.size(), 250U);
+    for (const auto& [name, executed] : minimum) {
+        EXPECT_EQ(tests.count(name.substr(0, name.find(':'))), 1U) << name << ": no test executes it";
+    }
 }
 
 } // namespace

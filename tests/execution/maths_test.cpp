@@ -22,7 +22,7 @@ struct MathsInput {
 struct MathsFunction {
     const char* name;
     std::vector<MathsInput> inputs;
-    bool scalar = false; ///< whatever its inputs are
+    bool needsFirst = false; ///< its first input must be connected
 };
 
 const MathsInput value1 = {"in_value1", false, "Default Value 1"};
@@ -89,7 +89,7 @@ Case makeCase(const MathsUse& use) {
     std::vector<PortOf> sources(inputs.size());
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         const bool isUniform = (use.uniforms >> i & 1U) != 0;
-        const bool isNarrow = inputs[i].scalar || use.function.scalar || (use.narrow >> i & 1U) != 0;
+        const bool isNarrow = inputs[i].scalar || (use.narrow >> i & 1U) != 0;
         if (use.isConnected(i)) {
             sources[i] =
                 graph.addInput(isUniform ? InputKind::Uniform : InputKind::Varying, isNarrow ? 1 : use.width);
@@ -120,9 +120,7 @@ protected:
         for (const MathsFunction& function : functions) {
             for (const int width : {1, 2, 3, 4}) {
                 for (const bool isFloat : {false, true}) {
-                    if (width == 1 || !function.scalar) {
-                        expectReference(makeCase({function, width, level, isFloat}));
-                    }
+                    expectReference(makeCase({function, width, level, isFloat}));
                 }
             }
         }
@@ -135,27 +133,27 @@ TEST_F(MathsExecution, MathsPerFragment) { expectAtLevel("Fragment"); }
 
 TEST_F(MathsExecution, MathsAtAutomaticLevel) { expectAtLevel("Automatic"); }
 
-// Each set of inputs once with a new node's values for the rest, and once with others.
+// Each set of inputs at each width and in both formats, once with a new node's values for the rest, and once
+// with others.
 TEST_F(MathsExecution, MathsWithSomeInputs) {
     unsigned turn = 0;
     for (const MathsFunction& function : functions) {
         const unsigned all = (1U << function.inputs.size()) - 1;
         for (unsigned connected = 0; connected < all; ++connected) {
-            // a Fresnel node needs its facing
-            if (function.scalar && (connected & 1U) == 0) {
+            if (function.needsFirst && (connected & 1U) == 0) {
                 continue;
             }
-            for (const bool hasSettings : {false, true}) {
-                ++turn;
-                MathsUse use = {function, static_cast<int>(turn % 4 + 1), levels[turn % 3], turn % 5 < 2,
-                                connected};
-                use.hasSettings = hasSettings;
-                use.uniforms = hasSettings ? 0U : turn % 8;
-                if (function.scalar) {
-                    use.width = 1;
-                }
-                if (turn % strideOfTables() == 0) {
-                    expectReference(makeCase(use));
+            for (const int width : {1, 2, 3, 4}) {
+                for (const bool isFloat : {false, true}) {
+                    for (const bool hasSettings : {false, true}) {
+                        ++turn;
+                        MathsUse use = {function, width, levels[turn % 3], isFloat, connected};
+                        use.hasSettings = hasSettings;
+                        use.uniforms = turn / 4 % 3 == 0 ? all : 0U;
+                        if (turn % strideOfTables() == 0) {
+                            expectReference(makeCase(use));
+                        }
+                    }
                 }
             }
         }
@@ -165,9 +163,8 @@ TEST_F(MathsExecution, MathsWithSomeInputs) {
 // Each function runs in either program; both must agree, better than the bound asks of the two.
 TEST_F(MathsExecution, VerticesAndFragmentsAgree) {
     for (const MathsFunction& function : functions) {
-        const int width = function.scalar ? 1 : 3;
-        const Case perVertex = makeCase({function, width, "Vertex", true});
-        Case perFragment = makeCase({function, width, "Fragment", true});
+        const Case perVertex = makeCase({function, 3, "Vertex", true});
+        Case perFragment = makeCase({function, 3, "Fragment", true});
         perFragment.inputs = perVertex.inputs;
         const Pixels vertices =
             executor().draw(exportShown(perVertex.graph), perVertex.graph, perVertex.inputs);
@@ -194,7 +191,7 @@ TEST_F(MathsExecution, MathsOfMixedWidths) {
     for (const MathsFunction& function : functions) {
         const auto isFree = [](const MathsInput& input) { return !input.scalar; };
         const auto freeInputs = std::count_if(function.inputs.begin(), function.inputs.end(), isFree);
-        if (function.scalar || freeInputs < 2) {
+        if (function.inputs.front().scalar || freeInputs < 2) {
             continue;
         }
         for (const int width : {2, 3, 4}) {
@@ -219,7 +216,7 @@ using CompiledMaths = CompiledExecution;
 TEST_F(CompiledMaths, CompiledFunctions) {
     for (const MathsFunction& function : functions) {
         for (const std::string level : {"Vertex", "Fragment"}) {
-            expectReference(makeCase({function, function.scalar ? 1 : 3, level, true}));
+            expectReference(makeCase({function, 3, level, true}));
         }
     }
 }

@@ -51,6 +51,7 @@ protected:
                         expectReference(showPort(kind, graph, output.name, isFloat, isOtherRead));
                     }
                 }
+                expectReference(perVertex(showPort(kind, graph, output.name, isFloat, false)));
             }
         }
     }
@@ -140,8 +141,7 @@ TEST_F(PortCases, Merges) {
                     graph.connect(inputs[static_cast<std::size_t>(i)], node, std::string("in_") + "xyzw"[i]);
                 }
             }
-            expectReference(showPort(std::string("CoreSwizzle, merge ") + type, graph, "out_vec",
-                                     connected % 2 == 0, false));
+            expectPorts(std::string("CoreSwizzle, merge ") + type, graph);
         }
     }
 }
