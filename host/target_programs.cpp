@@ -36,25 +36,65 @@ CgProgram fragmentProgramOf(const AssembledShader& shader) {
     return program;
 }
 
+/// The lines of a program, counted from 1.
+std::string_view linesOf(std::string_view program, int first, int last) {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    for (int line = 1; line <= last && end < program.size(); ++line) {
+        begin = line == first ? end : begin;
+        end = std::min(program.find('\n', end), program.size() - 1) + 1;
+    }
+    return program.substr(begin, end - begin);
+}
+
+/// Whether code closes every brace that it opens, and no more; those in comments do not count.
+bool hasMatchingBraces(std::string_view code) {
+    int depth = 0;
+    for (std::size_t at = 0; at < code.size() && depth >= 0; ++at) {
+        if (code.substr(at, 2) == "//") {
+            at = std::min(code.find('\n', at), code.size());
+        } else if (code.substr(at, 2) == "/*") {
+            at = std::min(code.find("*/", at + 2), code.size());
+        } else {
+            depth += code[at] == '{' ? 1 : code[at] == '}' ? -1 : 0;
+        }
+    }
+    return depth == 0;
+}
+
+/// The code that a failure is to be laid at: braces that do not match fail in what comes behind them.
+CodeMap::const_iterator findBlamed(const CgProgram& program, int errorLine) {
+    const auto opens = [&](const CodeRange& range) {
+        return range.firstLine <= errorLine &&
+               !hasMatchingBraces(linesOf(program.text, range.firstLine, range.lastLine));
+    };
+    const auto holds = [&](const CodeRange& range) {
+        return errorLine >= range.firstLine && errorLine <= range.lastLine;
+    };
+    const auto open = std::find_if(program.map.begin(), program.map.end(), opens);
+    return open != program.map.end() ? open : std::find_if(program.map.begin(), program.map.end(), holds);
+}
+
 /// The failure at the node whose code holds the line, or at the material when that is nobody's.
 HostError failureIn(const AssembledShader& shader, const CgProgram& program, const TranslationError& error) {
     const Material& material = shader.material;
     const std::string file = joinText({material.name, program.middle, "cg"});
-    const auto holds = [&](const CodeRange& range) {
-        return error.line() >= range.firstLine && error.line() <= range.lastLine;
-    };
-    const auto range = std::find_if(program.map.begin(), program.map.end(), holds);
+    const auto range = findBlamed(program, error.line());
     if (range == program.map.end()) {
         const std::string line =
             error.line() > 0 ? joinText({" (line ", std::to_string(error.line()), ")"}) : "";
         return {{material.file, material.line},
                 joinText({file, line, " cannot be translated: ", error.what()})};
     }
-    const MaterialItem& item = material.items[shader.flow.nodes[range->node].owner];
-    return {{material.file, item.line},
-            joinText({nodeTitle(item), ": ", range->what, " does not compile: ", oneLine(error.what()),
-                      " (line ", std::to_string(error.line()), " of ", file,
-                      "); correct what the node emits, or export it in Cg alone"})};
+    const DataflowNode& node = shader.flow.nodes[range->node];
+    const bool isInside = error.line() <= range->lastLine;
+    const char* advice = node.owner == frameworkOwner
+                             ? "); take out what a node's code redefines, or export it in Cg alone"
+                             : "); correct what the node emits, or export it in Cg alone";
+    return {ownerPosition(material, node),
+            joinText({ownerTitle(material, node), ": ", range->what,
+                      " does not compile: ", isInside ? "" : "its braces do not match, ",
+                      oneLine(error.what()), " (line ", std::to_string(error.line()), " of ", file, advice})};
 }
 
 } // namespace

@@ -131,8 +131,8 @@ std::string replaceNames(const std::string& text,
     return result;
 }
 
-/// What has a uniform's name, such as a parameter of a function, gets another: the back end does not know
-/// what the uniforms will be called.
+/// What has a uniform's name, such as a parameter of a function, gets another, since the back end does not
+/// know what the uniforms will be called; and what has a word's, since it knows few of them.
 void giveWay(spirv_cross::CompilerHLSL& compiler, const Translation& translation) {
     std::set<std::string, std::less<>> uniforms;
     std::set<std::uint32_t> ids;
@@ -143,11 +143,17 @@ void giveWay(spirv_cross::CompilerHLSL& compiler, const Translation& translation
         }
     }
     for (const auto& [id, name] : translation.module.names()) {
-        if (uniforms.contains(name) && !ids.contains(id)) {
-            compiler.set_name(id, joinText({name, "_"}));
+        std::string given = isHlslWord(name) ? joinText({"_", name}) : name;
+        if (uniforms.contains(given) && (given != name || !ids.contains(id))) {
+            given += '_';
+        }
+        if (given != name) {
+            compiler.set_name(id, given);
         }
     }
 }
+
+constexpr const char* pointSize = "PointSize";
 
 std::string hlslSemantic(const SpirvParameter& parameter, ProgramStage stage) {
     if (parameter.builtIn == "Position" || parameter.builtIn == "FragCoord") {
@@ -156,7 +162,7 @@ std::string hlslSemantic(const SpirvParameter& parameter, ProgramStage stage) {
     if (parameter.builtIn == "FragDepth") {
         return "SV_Depth";
     }
-    if (!parameter.builtIn.empty()) {
+    if (parameter.builtIn == "FrontFacing") {
         return "SV_IsFrontFace";
     }
     if (parameter.kind == ParameterKind::Attribute) {
@@ -196,6 +202,9 @@ TranslatedProgram writeHlsl(const Translation& translation) {
     program.content = replaceNames(compiler.compile(), names);
     for (const SpirvParameter& parameter : translation.parameters) {
         const std::string number = std::to_string(parameter.number);
+        if (parameter.builtIn == pointSize) {
+            continue; // its points have one size, and the program does not write it
+        }
         if (isBlockMember(parameter)) {
             program.parameters.push_back(
                 describe(parameter, names.at(joinText({uniformMark, "_u", std::to_string(parameter.member)})),

@@ -1,7 +1,7 @@
 #include "translation/front_end.h"
 
 #include "nodemodel/text.h"
-#include "translation/hlsl_words.h"
+#include "translation/cg_text.h"
 #include "translation/prelude.h"
 
 #include <glslang/Public/ResourceLimits.h>
@@ -79,9 +79,11 @@ TranslationError errorIn(std::string_view log) {
 std::vector<std::uint32_t> detail::compileCg(ProgramStage stage, std::string_view program) {
     initialiseOnce();
     const EShLanguage language = stage == ProgramStage::Vertex ? EShLangVertex : EShLangFragment;
-    const std::string prelude = joinText({translationPrelude(), renameHlslWords(program)});
-    const std::array<const char*, 2> texts = {prelude.data(), program.data()};
-    const std::array<int, 2> lengths = {static_cast<int>(prelude.size()), static_cast<int>(program.size())};
+    const std::string_view prelude = translationPrelude();
+    const std::string readableProgram = rewriteForHlsl(program);
+    const std::array<const char*, 2> texts = {prelude.data(), readableProgram.data()};
+    const std::array<int, 2> lengths = {static_cast<int>(prelude.size()),
+                                        static_cast<int>(readableProgram.size())};
     constexpr int version = 100; // of the input language; for HLSL it has no meaning
 
     glslang::TShader shader(language);

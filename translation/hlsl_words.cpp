@@ -1,10 +1,8 @@
 #include "translation/hlsl_words.h"
 
 #include "nodemodel/text.h"
-#include "translation/text_pieces.h"
 
 #include <algorithm>
-#include <set>
 
 namespace patina {
 
@@ -68,28 +66,33 @@ constexpr std::string_view words[] = {
     "unorm",
 };
 
+// scalar types of low precision; each is the beginning of vector and matrix types too
+constexpr std::string_view lowTypes[] = {"min10float", "min12int", "min16float", "min16int", "min16uint"};
+
+bool isDimension(char letter) { return letter >= '1' && letter <= '4'; }
+
+/// "min16float", "min16float3", "min16float4x4" and the like.
+bool isLowType(std::string_view name) {
+    return std::any_of(std::begin(lowTypes), std::end(lowTypes), [&](std::string_view scalar) {
+        if (!name.starts_with(scalar)) {
+            return false;
+        }
+        const std::string_view rest = name.substr(scalar.size());
+        return rest.empty() || (rest.size() == 1 && isDimension(rest[0])) ||
+               (rest.size() == 3 && isDimension(rest[0]) && rest[1] == 'x' && isDimension(rest[2]));
+    });
+}
+
 // what behind such a word makes another name of it
 constexpr std::string_view ending = "_hlsl_word";
 
 } // namespace
 
 bool detail::isHlslWord(std::string_view name) {
-    return std::binary_search(std::begin(words), std::end(words), name);
+    return std::binary_search(std::begin(words), std::end(words), name) || isLowType(name);
 }
 
-std::string detail::renameHlslWords(std::string_view program) {
-    std::set<std::string_view> found;
-    forEachPiece(program, [&](std::string_view piece) {
-        if (isHlslWord(piece)) {
-            found.insert(piece);
-        }
-    });
-    std::string definitions;
-    for (const std::string_view word : found) {
-        appendText(definitions, {"#define ", word, " ", word, ending, "\n"});
-    }
-    return definitions;
-}
+std::string detail::nameInHlsl(std::string_view word) { return joinText({word, ending}); }
 
 std::string detail::nameInCg(std::string_view name) {
     const bool isRenamed = name.size() > ending.size() &&

@@ -10,10 +10,10 @@ namespace patina::detail {
 
 bool isHlslWord(std::string_view name);
 
-/// Definitions for the preprocessor that give each such word in a program another name.
-std::string renameHlslWords(std::string_view program);
+/// What such a word is called in a program that is read as HLSL.
+std::string nameInHlsl(std::string_view word);
 
-/// The name in the Cg program, given that behind the preprocessor.
+/// The name in the Cg program, given that in the program that is read as HLSL.
 std::string nameInCg(std::string_view name);
 
 } // namespace patina::detail

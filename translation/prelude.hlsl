@@ -44,24 +44,6 @@
 #define fixed4x3 min10float4x3
 #define fixed4x4 min10float4x4
 
-#define TEXUNIT0 register( s0 )
-#define TEXUNIT1 register( s1 )
-#define TEXUNIT2 register( s2 )
-#define TEXUNIT3 register( s3 )
-#define TEXUNIT4 register( s4 )
-#define TEXUNIT5 register( s5 )
-#define TEXUNIT6 register( s6 )
-#define TEXUNIT7 register( s7 )
-#define TEXUNIT8 register( s8 )
-#define TEXUNIT9 register( s9 )
-#define TEXUNIT10 register( s10 )
-#define TEXUNIT11 register( s11 )
-#define TEXUNIT12 register( s12 )
-#define TEXUNIT13 register( s13 )
-#define TEXUNIT14 register( s14 )
-#define TEXUNIT15 register( s15 )
-#define WPOS SV_Position
-
 float f1tex1D( sampler1D in_sampler, float in_uv ) { return tex1D( in_sampler, in_uv ).x; }
 float2 f2tex1D( sampler1D in_sampler, float in_uv ) { return tex1D( in_sampler, in_uv ).xy; }
 float3 f3tex1D( sampler1D in_sampler, float in_uv ) { return tex1D( in_sampler, in_uv ).xyz; }

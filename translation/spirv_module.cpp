@@ -230,7 +230,7 @@ std::uint32_t locationOf(const std::string& semantic, ProgramStage stage, spv::S
            (digits < semantic.size() ? static_cast<std::uint32_t>(std::stoul(semantic.substr(digits))) : 0);
 }
 
-std::string builtInName(std::uint32_t builtIn) {
+std::string builtInName(std::uint32_t builtIn, const std::string& parameter) {
     switch (static_cast<spv::BuiltIn>(builtIn)) {
     case spv::BuiltInPosition:
         return "Position";
@@ -243,7 +243,8 @@ std::string builtInName(std::uint32_t builtIn) {
     case spv::BuiltInFrontFacing:
         return "FrontFacing";
     default:
-        return std::to_string(builtIn);
+        throw TranslationError(
+            "the built-in value that \"" + parameter + "\" stands for cannot be translated", 0);
     }
 }
 
@@ -341,7 +342,7 @@ std::vector<SpirvParameter> readParameters(const SpirvModule& module, ProgramSta
             parameter.kind = kindOf(stage, storage, builtIn.has_value());
             parameter.semantic = index.semantic(id);
             if (builtIn) {
-                parameter.builtIn = builtInName(*builtIn);
+                parameter.builtIn = builtInName(*builtIn, parameter.name);
             } else {
                 parameter.number = locationOf(parameter.semantic, stage, storage);
             }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace patina {
@@ -129,13 +130,14 @@ TEST(ExportedTargets, AnArtistsChangesAreReadBesideThem) {
 }
 
 /// What an export says of a node whose code no compiler takes; nothing may have been written.
-std::string untranslatable(const std::string& type) {
+std::string untranslatable(const std::string& type, const std::string& otherOutputs = "") {
     PluginSet plugins;
     plugins.add(PATINA_UNTRANSLATABLE);
     const testing::TemporaryDirectory directory;
     const std::string document =
         directory
-            .write("m.xml", testing::documentText(node("bad", type) + output("colour", "bad", "out_colour")))
+            .write("m.xml", testing::documentText(node("bad", type) + output("colour", "bad", "out_colour") +
+                                                  otherOutputs))
             .string();
     Warnings warnings;
     ExportOptions options;
@@ -158,6 +160,29 @@ TEST(ExportedTargets, ErrorsAreReportedAtTheNode) {
         "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: '=': cannot "
         "convert from '3-component vector of float' to 'sampler2D' (line 15 of Sample.frag.cg); correct "
         "what the node emits, or export it in Cg alone");
+    EXPECT_EQ(
+        untranslatable("MovesLines"),
+        "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: 'nowhere': "
+        "unknown variable (line 16 of Sample.frag.cg); correct what the node emits, or export it in Cg "
+        "alone");
+}
+
+TEST(ExportedTargets, ErrorsInTheFrameworksCodeAreReportedAtTheMaterial) {
+    EXPECT_EQ(untranslatable("RenamesTheFramework", output("emissive", "bad", "out_colour")),
+              "m.xml:1: error: the framework: its function \"surfaceCode\" does not compile: 'Nothing': no "
+              "matching overloaded function found (line 90 of Sample.frag.cg); take out what a node's code "
+              "redefines, or export it in Cg alone");
+}
+
+TEST(ExportedTargets, AnOpenBraceIsReportedAtItsNode) {
+    for (const auto& [outputs, line] :
+         {std::pair{std::string(), "26"}, {output("emissive", "bad", "out_colour"), "106"}}) {
+        EXPECT_EQ(untranslatable("OpenBrace", outputs),
+                  "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: "
+                  "its braces do not match, 'declaration': Expected (line " +
+                      std::string(line) +
+                      " of Sample.frag.cg); correct what the node emits, or export it in Cg alone");
+    }
 }
 
 std::string refusal(const ExportOptions& options) {

@@ -172,6 +172,66 @@ TEST(Translate, AnyNameOfCgWillDo) {
     EXPECT_NE(inHlsl.content.find("float3 in_tint : packoffset(c2);"), std::string::npos) << inHlsl.content;
 }
 
+/// Names in place of every "NAME" of a program.
+std::string withName(std::string program, const std::string& name) {
+    const std::string mark = "NAME";
+    for (std::size_t at = program.find(mark); at != std::string::npos; at = program.find(mark, at)) {
+        program.replace(at, mark.size(), name);
+        at += name.size();
+    }
+    return program;
+}
+
+// where `: NAME` is a value, and no semantic
+constexpr const char* namedValue = R"cg(uniform sampler2D Paint : TEXUNIT3;
+uniform half3 NAME : register( c2 );
+
+void main(
+	float4 place /* of the pixel */ : WPOS,
+	out float4 colour : COLOR0 )
+{
+	half3 value = place.x > 1.0 ? place.xyz : NAME;
+	colour = float4( value + f3tex2D( Paint, place.xy ), 1.0 );
+}
+)cg";
+
+TEST(Translate, SemanticsAndTypesOfHlslAreNamesLikeOthers) {
+    for (const std::string name : {"WPOS", "TEXUNIT0", "TEXUNIT3", "TEXUNIT", "TEXUNIT3x", "SV_Position",
+                                   "min16float", "min16float3", "min10float4x4", "min12int", "s3"}) {
+        EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment, withName(namedValue, name), spirv)),
+                  "uniform half3 " + name +
+                      " -> set=1 binding=16 offset=32\n"
+                      "sampler sampler2D Paint -> set=1 binding=3\n"
+                      "interpolant float4 place -> builtin=FragCoord\n"
+                      "output float4 colour -> location=0\n");
+    }
+}
+
+TEST(Translate, AParameterMayHaveTheNameOfItsSemantic) {
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment,
+                                      "uniform sampler2D TEXUNIT2 : TEXUNIT2;\n"
+                                      "void main( float4 WPOS : WPOS, out float4 colour : COLOR0 )\n"
+                                      "{ colour = f4tex2D( TEXUNIT2, WPOS.xy ); }\n",
+                                      hlsl)),
+              "sampler sampler2D TEXUNIT2 -> texture=2 sampler=2\n"
+              "interpolant float4 WPOS -> gl_FragCoord semantic=SV_Position\n"
+              "output float4 colour -> semantic=SV_Target0\n");
+}
+
+constexpr const char* pointProgram = "void main( float4 position : ATTR0, out float4 place : POSITION,\n"
+                                     "\tout float size : PSIZE )\n"
+                                     "{ place = position; size = position.x; }\n";
+
+TEST(Translate, PointsHaveSizesWhereTheTargetHas) {
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Vertex, pointProgram, glsl)),
+              "attribute float4 position -> location=0\n"
+              "output float4 place -> gl_Position\n"
+              "output float size -> gl_PointSize\n");
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Vertex, pointProgram, hlsl)),
+              "attribute float4 position -> semantic=ATTR0\n"
+              "output float4 place -> gl_Position semantic=SV_Position\n");
+}
+
 TEST(Translate, EsslSamplesOneDimensionInARowOfTwo) {
     const TranslatedProgram program =
         translated(ProgramStage::Fragment, awkwardNames, {TargetLanguage::Essl, 300});
@@ -198,9 +258,22 @@ TEST(Translate, RefusesWhatDoesNotCompile) {
     EXPECT_EQ(errorOf("\nvoid main( out float4 colour : COLOR0 ) {"), (Error{2, "'declaration': Expected"}));
 }
 
+TEST(Translate, LinesAreThoseOfTheProgramWhateverItSays) {
+    for (const char* directive :
+         {"#line 5000", "  #  line 5000 7", "#line 1 // once more", "# /**/ line 5000"}) {
+        EXPECT_EQ(errorOf(std::string("void main( out float4 colour : COLOR0 )\n{\n") + directive +
+                          "\n\tcolour = nowhere;\n}\n"),
+                  (Error{4, "'nowhere': unknown variable"}))
+            << directive;
+    }
+}
+
 TEST(Translate, RefusesSemanticsThatOtherLanguagesLack) {
     EXPECT_EQ(errorOf("void main( float side : FACE, out float4 colour : COLOR0 ) { colour = side; }\n"),
               (Error{0, "what Cg calls \"FACE\" cannot be translated"}));
+    EXPECT_EQ(
+        errorOf("void main( int part : SV_PrimitiveID, out float4 colour : COLOR0 ) { colour = part; }\n"),
+        (Error{0, "the built-in value that \"part\" stands for cannot be translated"}));
 }
 
 TEST(Translate, SeveralThreadsAtOnce) {

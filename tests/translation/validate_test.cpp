@@ -151,5 +151,45 @@ TEST_F(Validate, ParametersInRegisters) {
     programs.expectValid();
 }
 
+TEST_F(Validate, WordsOfHlslAsNames) {
+    const std::string vertex = "void main( float4 position : ATTR0, float2 NAME : ATTR1,\n"
+                               "\tout float4 place : POSITION, out float2 handed : TEXCOORD0 )\n"
+                               "{ place = position; handed = NAME; }\n";
+    const std::string fragmentBody =
+        "void main( float2 STREAM : TEXCOORD0, out float4 colour : COLOR0 )\n"
+        "{ float2 LOCAL = STREAM * 2.0; colour = f4tex2D( PAINT, LOCAL ) + TINT; }\n";
+    Programs programs;
+    int number = 0;
+    for (const std::string word : {"globallycoherent", "SubpassInput", "linear", "sample", "min16float",
+                                   "min12int3", "WPOS", "TEXUNIT0", "line", "SamplerState"}) {
+        const auto withWord = [&](std::string text, const std::string& mark) {
+            for (const std::string name : {"NAME", "STREAM", "LOCAL", "PAINT", "TINT"}) {
+                const std::string& used = name == mark ? word : name + "_";
+                for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at)) {
+                    text.replace(at, name.size(), used);
+                    at += used.size();
+                }
+            }
+            return text;
+        };
+        const std::string fragment =
+            "uniform sampler2D PAINT : TEXUNIT0;\nuniform float4 TINT : register( c0 );\n" + fragmentBody;
+        const std::string name = "word" + std::to_string(++number);
+        programs.add(name, ProgramStage::Vertex, withWord(vertex, "NAME"));
+        for (const std::string mark : {"STREAM", "LOCAL", "PAINT", "TINT"}) {
+            programs.add(name + mark, ProgramStage::Fragment, withWord(fragment, mark));
+        }
+    }
+    programs.expectValid();
+}
+
+TEST_F(Validate, SizesOfPoints) {
+    Programs programs;
+    programs.add("points", ProgramStage::Vertex,
+                 "void main( float4 position : ATTR0, out float4 place : POSITION, out float size : PSIZE )\n"
+                 "{ place = position; size = position.x; }\n");
+    programs.expectValid();
+}
+
 } // namespace
 } // namespace patina

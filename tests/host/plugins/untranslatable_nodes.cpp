@@ -4,6 +4,8 @@
 #include "plugin/plugin.h"
 #include "shadergraph/shadergraph.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -36,17 +38,31 @@ private:
     std::string code_;
 };
 
+struct WrongCode {
+    const char* type;
+    const char* code;
+};
+
+constexpr WrongCode wrongCodes[] = {
+    {"UndeclaredName", "\tout_colour = value * nowhere;\n"},
+    {"WrongType", "\tsampler2D colour = value;\n\tout_colour = value;\n"},
+    {"RenamesTheFramework", "\tout_colour = value;\n#define QelShade Nothing\n"},
+    {"OpenBrace", "\tout_colour = value; // }\n\t{\n"},
+    {"MovesLines", "#line 5000\n\tout_colour = value * nowhere;\n"},
+};
+
 class Factory : public NodeFactory {
 public:
     Factory() {
-        nodeLibrary.emplace_back("UndeclaredName");
-        nodeLibrary.emplace_back("WrongType");
+        for (const auto& [type, code] : wrongCodes) {
+            nodeLibrary.emplace_back(type);
+        }
     }
 
     std::shared_ptr<MaterialNode> createNode(const std::string& typeName) override {
-        return std::make_shared<WrongNode>(
-            typeName, typeName == "WrongType" ? "\tsampler2D colour = value;\n\tout_colour = value;\n"
-                                              : "\tout_colour = value * nowhere;\n");
+        const auto hasName = [&](const WrongCode& entry) { return typeName == entry.type; };
+        const auto* entry = std::find_if(std::begin(wrongCodes), std::end(wrongCodes), hasName);
+        return std::make_shared<WrongNode>(typeName, entry->code);
     }
 };
 
