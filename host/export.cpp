@@ -95,6 +95,7 @@ ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const Ex
     result.vertexProgram = {material.name + ".vert.cg", printVertexProgram(shader)};
     result.fragmentProgram = {material.name + ".frag.cg", printFragmentProgram(shader)};
 
+    result.lit = flow.lit;
     result.writesCg = wantsCg(options.targets);
     result.targetPrograms = translatePrograms(shader, options.targets, options.translator);
 

@@ -36,6 +36,7 @@ struct ExportedMaterial {
     std::string name;
     OutputFile vertexProgram;                  ///< NAME.vert.cg
     OutputFile fragmentProgram;                ///< NAME.frag.cg
+    bool lit = false;                          ///< whether the fragment program shades; see Dataflow
     bool writesCg = true;                      ///< whether these two are to be written
     std::vector<TargetProgram> targetPrograms; ///< in the order of the targets, the vertex program first
     OutputFile bindings;                       ///< NAME.bindings.xml

@@ -59,26 +59,27 @@ GlObject link(const GlObject& vertex, const GlObject& fragment) {
     return program;
 }
 
-constexpr GLsizei nameLimit = 512;
-
 using GetVariable = void (*)(GLuint program, GLuint index, GLsizei size, GLsizei* length, GLint* count,
                              GLenum* type, GLchar* name);
 using GetLocation = GLint (*)(GLuint program, const GLchar* name);
 
 /// Those that have a location, which built-in ones have not.
-std::vector<GlVariable> variablesOf(GLuint program, GLenum countName, GetVariable getVariable,
-                                    GetLocation getLocation) {
+std::vector<GlVariable> variablesOf(GLuint program, GLenum countName, GLenum nameSizeName,
+                                    GetVariable getVariable, GetLocation getLocation) {
     GLint variableCount = 0;
     glGetProgramiv(program, countName, &variableCount);
+    GLint nameSize = 0; // of the longest
+    glGetProgramiv(program, nameSizeName, &nameSize);
     std::vector<GlVariable> variables;
     for (GLint i = 0; i < variableCount; ++i) {
-        std::array<GLchar, nameLimit> name = {};
+        std::string name(static_cast<std::size_t>(nameSize), '\0');
         GlVariable variable;
-        getVariable(program, static_cast<GLuint>(i), nameLimit, nullptr, &variable.count, &variable.type,
+        GLsizei length = 0;
+        getVariable(program, static_cast<GLuint>(i), nameSize, &length, &variable.count, &variable.type,
                     name.data());
-        variable.location = getLocation(program, name.data());
-        const std::string_view text = name.data();
-        variable.name = text.substr(0, text.find('['));
+        name.resize(static_cast<std::size_t>(length));
+        variable.location = getLocation(program, name.c_str());
+        variable.name = name.substr(0, name.find('['));
         if (variable.location >= 0) {
             variables.push_back(variable);
         }
@@ -86,10 +87,11 @@ std::vector<GlVariable> variablesOf(GLuint program, GLenum countName, GetVariabl
     return variables;
 }
 
-std::vector<GLint> integers(std::span<const float> values) {
-    std::vector<GLint> whole(values.size());
+template <typename Integer>
+std::vector<Integer> integers(std::span<const float> values) {
+    std::vector<Integer> whole(values.size());
     std::transform(values.begin(), values.end(), whole.begin(),
-                   [](float value) { return static_cast<GLint>(std::lround(value)); });
+                   [](float value) { return static_cast<Integer>(std::lround(value)); });
     return whole;
 }
 
@@ -103,9 +105,9 @@ void setMatrices(GLint location, GLsizei count, std::span<const float> values) {
     Set(location, count, GL_FALSE, values.data());
 }
 
-template <auto& Set>
+template <auto& Set, typename Integer>
 void setIntegers(GLint location, GLsizei count, std::span<const float> values) {
-    Set(location, count, integers(values).data());
+    Set(location, count, integers<Integer>(values).data());
 }
 
 struct UniformType {
@@ -119,14 +121,14 @@ constexpr std::array<UniformType, 21> uniformTypes = {{
     {GL_FLOAT_VEC2, 2, setFloats<glUniform2fv>},
     {GL_FLOAT_VEC3, 3, setFloats<glUniform3fv>},
     {GL_FLOAT_VEC4, 4, setFloats<glUniform4fv>},
-    {GL_INT, 1, setIntegers<glUniform1iv>},
-    {GL_INT_VEC2, 2, setIntegers<glUniform2iv>},
-    {GL_INT_VEC3, 3, setIntegers<glUniform3iv>},
-    {GL_INT_VEC4, 4, setIntegers<glUniform4iv>},
-    {GL_BOOL, 1, setIntegers<glUniform1iv>},
-    {GL_BOOL_VEC2, 2, setIntegers<glUniform2iv>},
-    {GL_BOOL_VEC3, 3, setIntegers<glUniform3iv>},
-    {GL_BOOL_VEC4, 4, setIntegers<glUniform4iv>},
+    {GL_INT, 1, setIntegers<glUniform1iv, GLint>},
+    {GL_INT_VEC2, 2, setIntegers<glUniform2iv, GLint>},
+    {GL_INT_VEC3, 3, setIntegers<glUniform3iv, GLint>},
+    {GL_INT_VEC4, 4, setIntegers<glUniform4iv, GLint>},
+    {GL_UNSIGNED_INT, 1, setIntegers<glUniform1uiv, GLuint>},
+    {GL_UNSIGNED_INT_VEC2, 2, setIntegers<glUniform2uiv, GLuint>},
+    {GL_UNSIGNED_INT_VEC3, 3, setIntegers<glUniform3uiv, GLuint>},
+    {GL_UNSIGNED_INT_VEC4, 4, setIntegers<glUniform4uiv, GLuint>},
     {GL_FLOAT_MAT2, 4, setMatrices<glUniformMatrix2fv>},
     {GL_FLOAT_MAT3, 9, setMatrices<glUniformMatrix3fv>},
     {GL_FLOAT_MAT4, 16, setMatrices<glUniformMatrix4fv>},
@@ -144,10 +146,12 @@ GlProgram::GlProgram(const std::string& vertexText, const std::string& fragmentT
     : object_(link(compile(GL_VERTEX_SHADER, "a vertex program", vertexText),
                    compile(GL_FRAGMENT_SHADER, "a fragment program", fragmentText))),
       uniforms_(variablesOf(
-          object_.name(), GL_ACTIVE_UNIFORMS, [](auto... arguments) { glGetActiveUniform(arguments...); },
+          object_.name(), GL_ACTIVE_UNIFORMS, GL_ACTIVE_UNIFORM_MAX_LENGTH,
+          [](auto... arguments) { glGetActiveUniform(arguments...); },
           [](auto... arguments) { return glGetUniformLocation(arguments...); })),
       attributes_(variablesOf(
-          object_.name(), GL_ACTIVE_ATTRIBUTES, [](auto... arguments) { glGetActiveAttrib(arguments...); },
+          object_.name(), GL_ACTIVE_ATTRIBUTES, GL_ACTIVE_ATTRIBUTE_MAX_LENGTH,
+          [](auto... arguments) { glGetActiveAttrib(arguments...); },
           [](auto... arguments) { return glGetAttribLocation(arguments...); })) {}
 
 const GlVariable* GlProgram::findUniform(std::string_view name) const {
@@ -155,8 +159,6 @@ const GlVariable* GlProgram::findUniform(std::string_view name) const {
                                     [&](const GlVariable& variable) { return variable.name == name; });
     return found == uniforms_.end() ? nullptr : &*found;
 }
-
-bool GlProgram::hasUniform(std::string_view name) const { return findUniform(name) != nullptr; }
 
 bool GlProgram::setUniform(std::string_view name, std::span<const float> values) {
     const GlVariable* uniform = findUniform(name);

@@ -28,11 +28,10 @@ public:
     const std::vector<GlVariable>& uniforms() const { return uniforms_; }
     const std::vector<GlVariable>& attributes() const { return attributes_; }
 
-    bool hasUniform(std::string_view name) const;
-
-    /// Sets a uniform of floats, integers or booleans, or an array of them, to be kept until it is set again.
-    /// Matrices come as they lie in memory. Gives false, having done nothing, where the program has no such
-    /// uniform. Throws HostError when it is of another type or number of components than there are values.
+    /// Sets a uniform of floats or integers, signed or not, or an array of them, to be kept until it is set
+    /// again. Matrices come as they lie in memory. Gives false, having done nothing, where the program has no
+    /// such uniform. Throws HostError when it is of another type or number of components than there are
+    /// values.
     bool setUniform(std::string_view name, std::span<const float> values);
 
     /// Lets a sampler read from a texture unit. Gives false where the program has no such sampler.

@@ -13,11 +13,8 @@ public:
     /// Throws HostError when the driver takes no image of that size.
     GlTarget(int width, int height);
 
-    int width() const { return width_; }
-    int height() const { return height_; }
-
-    /// What is drawn from now on is drawn here, and covers all of it. Depth is tested, nothing is blended,
-    /// clamped or culled.
+    /// What is drawn from now on is drawn here, over the whole image, the nearest in front. Blending, culling
+    /// and clamping stay as they are in the context: off, when it is new.
     void bind() const;
 
     /// Fills the bound target with a colour, and its depth with the farthest.

@@ -36,7 +36,8 @@ public:
     /// One dimension, one level.
     GlTexture(std::span<const float> texels, const TextureOptions& options);
 
-    /// Lets samplers of a unit, from 0 to 15, read this texture.
+    /// Lets samplers of a unit read this texture. Units count from 0; every driver has 48. The unit is the
+    /// active one afterwards.
     void bind(int unit) const;
 
 private:

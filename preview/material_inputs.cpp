@@ -81,6 +81,11 @@ const Binding* MaterialInputs::find(const std::string& parameter) const {
     return found == bindings_.bindings.end() ? nullptr : found->get();
 }
 
+bool MaterialInputs::isGiven(const Binding& binding) const {
+    return binding.kind == BindingKind::Float &&
+           (options_.values.contains(binding.name) || options_.rates.contains(binding.name));
+}
+
 std::vector<float> MaterialInputs::value(const Binding& binding, double seconds) const {
     const auto component = [](const std::vector<float>& list, std::size_t index) {
         return list.size() == 1 ? list.front() : list.at(index);

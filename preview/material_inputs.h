@@ -31,6 +31,9 @@ public:
     /// The binding that presents a parameter of the programs; null when there is none.
     const Binding* find(const std::string& parameter) const;
 
+    /// Whether the options say what a float binding's value is.
+    bool isGiven(const Binding& binding) const;
+
     /// The value of a float binding at a time.
     std::vector<float> value(const Binding& binding, double seconds) const;
 

@@ -101,6 +101,11 @@ std::vector<float> middleRow(const TextureLevel& level) {
     return {begin, begin + rowSize};
 }
 
+bool canLoadTexture(const ProgramParameter& parameter) {
+    return parameter.type.componentType == ComponentType::Sampler1D ||
+           parameter.type.componentType == ComponentType::Sampler2D;
+}
+
 GlTexture loadTexture(const ProgramParameter& parameter, const MaterialInputs& inputs,
                       const GlContext& context, Warnings& warnings, Errors& errors) {
     constexpr float anisotropy = 8.0F;
@@ -109,11 +114,6 @@ GlTexture loadTexture(const ProgramParameter& parameter, const MaterialInputs& i
                                     .anisotropy = std::min(anisotropy, context.anisotropyLimit())};
     if (parameter.type.componentType == ComponentType::Sampler1D) {
         return {middleRow(input.levels.front()), options};
-    }
-    if (parameter.type.componentType != ComponentType::Sampler2D) {
-        throw HostError(
-            {}, joinText({"the texture \"", parameter.name, "\" is a ", componentTypeName(parameter.type),
-                          "; previews have sampler1D and sampler2D only"}));
     }
     return {input.levels, options};
 }
@@ -133,8 +133,6 @@ MaterialProgram::MaterialProgram(const ExportedMaterial& exported, MaterialInput
     setTime(0.0);
 }
 
-bool MaterialProgram::isLit() const { return program_.hasUniform("lightDirections"); }
-
 /// The programs may have the parameter under different names, if at all.
 void MaterialProgram::set(const std::string& parameter, std::span<const float> values) {
     for (const ProgramParameter& entry : parameters_) {
@@ -143,6 +141,13 @@ void MaterialProgram::set(const std::string& parameter, std::span<const float> v
             fitting.resize(numberCount(entry.type));
             program_.setUniform(entry.targetName, fitting);
         }
+    }
+}
+
+void MaterialProgram::setUnlessGiven(const std::string& parameter, std::span<const float> values) {
+    const Binding* binding = inputs_.find(parameter);
+    if (binding == nullptr || !inputs_.isGiven(*binding)) {
+        set(parameter, values);
     }
 }
 
@@ -172,9 +177,9 @@ void MaterialProgram::setTime(double seconds) {
 }
 
 void MaterialProgram::setView(const Matrix& world, const Matrix& worldViewProjection, const Vec3& eye) {
-    set("world", world);
-    set("worldViewProjection", worldViewProjection);
-    set("eyePosition", eye);
+    setUnlessGiven("world", world);
+    setUnlessGiven("worldViewProjection", worldViewProjection);
+    setUnlessGiven("eyePosition", eye);
 }
 
 Warning MaterialProgram::warning(std::string text) const {
@@ -195,16 +200,21 @@ void MaterialProgram::warnOfUnsetUniforms(Warnings& warnings) const {
     }
 }
 
-/// Each sampler reads a texture unit of its own, in both programs.
+/// Each sampler reads a texture unit of its own, in both programs; also one that has nothing to read, as
+/// samplers of different types must not share a unit.
 void MaterialProgram::loadTextures(const GlContext& context, Warnings& warnings, Errors& errors) {
     std::map<std::string, int> units;
     for (const ProgramParameter& parameter : parameters_) {
         if (parameter.kind != ParameterKind::Sampler) {
             continue;
         }
-        const auto [unit, isNew] = units.try_emplace(parameter.name, static_cast<int>(textures_.size()));
-        if (isNew) {
-            textures_.push_back(loadTexture(parameter, inputs_, context, warnings, errors));
+        const auto [unit, isNew] = units.try_emplace(parameter.name, static_cast<int>(units.size()));
+        if (isNew && canLoadTexture(parameter)) {
+            textures_.emplace(unit->second, loadTexture(parameter, inputs_, context, warnings, errors));
+        } else if (isNew) {
+            warnings.push_back(warning(
+                joinText({"the texture \"", parameter.name, "\" is a ", componentTypeName(parameter.type),
+                          "; previews show those of 1D and 2D, and black for it"})));
         }
         program_.setSampler(parameter.targetName, unit->second);
     }
@@ -242,9 +252,8 @@ GlGeometry MaterialProgram::geometry(const Mesh& mesh) const {
 
 void MaterialProgram::use() const {
     program_.use();
-    int unit = 0;
-    for (const GlTexture& texture : textures_) {
-        texture.bind(unit++);
+    for (const auto& [unit, texture] : textures_) {
+        texture.bind(unit);
     }
 }
 

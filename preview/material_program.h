@@ -9,6 +9,7 @@
 #include "preview/mesh.h"
 #include "preview/scene.h"
 
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,13 +23,11 @@ public:
     MaterialProgram(const ExportedMaterial& exported, MaterialInputs inputs, const GlContext& context,
                     Warnings& warnings, Errors& errors);
 
-    /// Whether the lights shine on it.
-    bool isLit() const;
-
     /// What its vertex program reads of a mesh.
     GlGeometry geometry(const Mesh& mesh) const;
 
     void setTime(double seconds);
+    /// What the options give a value keeps it.
     void setView(const Matrix& world, const Matrix& worldViewProjection, const Vec3& eye);
 
     /// What is drawn from now on is drawn with it.
@@ -36,6 +35,7 @@ public:
 
 private:
     void set(const std::string& parameter, std::span<const float> values);
+    void setUnlessGiven(const std::string& parameter, std::span<const float> values);
     void setLights();
     void loadTextures(const GlContext& context, Warnings& warnings, Errors& errors);
     void warnOfUnsetUniforms(Warnings& warnings) const;
@@ -50,7 +50,7 @@ private:
     std::vector<ProgramParameter> parameters_; ///< of both programs
     GlProgram program_;
     MaterialInputs inputs_;
-    std::vector<GlTexture> textures_;
+    std::map<int, GlTexture> textures_; ///< by their units
     std::vector<Stream> streams_;
 };
 

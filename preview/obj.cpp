@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <limits>
 #include <map>
+#include <optional>
 
 namespace patina::preview {
 
@@ -29,16 +30,47 @@ struct Corner {
     auto operator<=>(const Corner&) const = default;
 };
 
+/// As exact as the file, which may have a small mesh far from its origin.
+using Position = std::array<double, 3>;
+
+float narrow(double value) { return static_cast<float>(value); }
+
+/// A text without its plus sign.
+std::string_view unsignedText(std::string_view text) {
+    const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    return text.substr(hasPlus ? 1 : 0);
+}
+
+/// Whether a number that is out of range is too small rather than too large.
+bool isTiny(std::string_view number) {
+    const std::size_t exponent = number.find_first_of("eE");
+    return exponent == std::string_view::npos ? number.find_first_not_of("-0") == number.find('.')
+                                              : number.substr(exponent + 1).starts_with('-');
+}
+
+/// A number that is all of a text; 0 for one that is too small.
+std::optional<double> parseNumber(std::string_view text) {
+    const std::string_view number = unsignedText(text);
+    double value = 0.0;
+    const char* end = number.data() + number.size();
+    const auto [stop, error] = std::from_chars(number.data(), end, value);
+    if (stop != end) {
+        return std::nullopt;
+    }
+    if (error == std::errc::result_out_of_range && isTiny(number)) {
+        return 0.0;
+    }
+    return error == std::errc() ? std::optional(value) : std::nullopt;
+}
+
 class ObjReader {
 public:
     explicit ObjReader(std::string file) : file_(std::move(file)) {}
 
     Mesh read(std::string_view text) {
         while (!text.empty()) {
-            ++line_;
-            const std::string_view line = text.substr(0, text.find('\n'));
-            text.remove_prefix(std::min(line.size() + 1, text.size()));
-            readLine(line.substr(0, line.find('#')));
+            line_ = nextLine_;
+            readLine(takeStatement(text));
         }
         if (mesh_.indices.empty()) {
             throw HostError({file_, 0}, "this file has no faces to show; save a mesh as Wavefront OBJ");
@@ -57,6 +89,24 @@ public:
 private:
     [[noreturn]] void fail(std::initializer_list<std::string_view> pieces) const {
         throw HostError({file_, line_}, joinText(pieces));
+    }
+
+    /// What is left of a text loses a line, and those after it as long as one ends with a backslash. Gives
+    /// them without comments.
+    std::string takeStatement(std::string_view& text) {
+        std::string statement;
+        for (bool isMore = true; isMore && !text.empty(); ++nextLine_) {
+            const std::size_t size = std::min(text.find('\n'), text.size());
+            std::string_view line = text.substr(0, size);
+            text.remove_prefix(std::min(size + 1, text.size()));
+            line = line.substr(0, line.find('#'));
+            if (line.ends_with('\r')) {
+                line.remove_suffix(1);
+            }
+            isMore = line.ends_with('\\');
+            appendText(statement, {line.substr(0, line.size() - (isMore ? 1 : 0)), " "});
+        }
+        return statement;
     }
 
     static std::vector<std::string_view> words(std::string_view line) {
@@ -79,28 +129,27 @@ private:
         if (parts[0] == "v") {
             readPosition(parts);
         } else if (parts[0] == "vt") {
-            const std::vector<float> values = numbers(parts, 1);
-            uvs_.push_back({values[0], values.size() > 1 ? values[1] : 0.0F});
+            const std::vector<double> values = numbers(parts, 1);
+            uvs_.push_back({narrow(values[0]), values.size() > 1 ? narrow(values[1]) : 0.0F});
         } else if (parts[0] == "vn") {
-            const std::vector<float> values = numbers(parts, 3);
-            normals_.push_back(normalised({values[0], values[1], values[2]}, {0.0F, 0.0F, 1.0F}));
+            const std::vector<double> values = numbers(parts, 3);
+            normals_.push_back(
+                normalised({narrow(values[0]), narrow(values[1]), narrow(values[2])}, {0.0F, 0.0F, 1.0F}));
         } else if (parts[0] == "f") {
             readFace(parts);
         } // groups, materials, lines and curves do not matter here
     }
 
     /// What follows the first word, at least that many.
-    std::vector<float> numbers(const std::vector<std::string_view>& parts, std::size_t least) const {
+    std::vector<double> numbers(const std::vector<std::string_view>& parts, std::size_t least) const {
         constexpr double largest = 1.0e18; // of which a mesh can still be computed
-        std::vector<float> values;
+        std::vector<double> values;
         for (std::size_t i = 1; i < parts.size(); ++i) {
-            double value = 0.0; // smaller ones than a float has are 0
-            const char* end = parts[i].data() + parts[i].size();
-            const auto [stop, error] = std::from_chars(parts[i].data(), end, value);
-            if (error != std::errc() || stop != end || !(std::abs(value) <= largest)) {
+            const std::optional<double> value = parseNumber(parts[i]);
+            if (!value || !(std::abs(*value) <= largest)) {
                 fail({"\"", parts[i], "\" is no number"});
             }
-            values.push_back(static_cast<float>(value));
+            values.push_back(*value);
         }
         if (values.size() < least) {
             fail({"\"", parts[0], "\" needs ", std::to_string(least), " numbers"});
@@ -110,10 +159,11 @@ private:
 
     void readPosition(const std::vector<std::string_view>& parts) {
         constexpr std::size_t withColour = 6;
-        const std::vector<float> values = numbers(parts, 3);
+        const std::vector<double> values = numbers(parts, 3);
         positions_.push_back({values[0], values[1], values[2]});
-        colours_.push_back(values.size() < withColour ? Vec4{1.0F, 1.0F, 1.0F, 1.0F}
-                                                      : Vec4{values[3], values[4], values[5], 1.0F});
+        colours_.push_back(values.size() < withColour
+                               ? Vec4{1.0F, 1.0F, 1.0F, 1.0F}
+                               : Vec4{narrow(values[3]), narrow(values[4]), narrow(values[5]), 1.0F});
     }
 
     /// An index, from 1 on, or counting back from the last one that was read; `none` for no text.
@@ -122,9 +172,11 @@ private:
             return none;
         }
         long long number = 0;
-        const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        const std::string_view digits = unsignedText(text);
+        const char* end = digits.data() + digits.size();
+        const auto [stop, error] = std::from_chars(digits.data(), end, number);
         const auto limit = static_cast<long long>(count);
-        if (error != std::errc() || stop != text.data() + text.size()) {
+        if (error != std::errc() || stop != end) {
             fail({"\"", text, "\" is no index of a ", what});
         }
         if (number == 0 || number > limit || number < -limit) {
@@ -169,7 +221,6 @@ private:
             vertices_.try_emplace(corner, static_cast<std::uint32_t>(mesh_.vertices.size()));
         if (isNew) {
             Vertex made;
-            made.position = positions_[corner.position];
             made.colour = colours_[corner.position];
             lacksUvs_ = lacksUvs_ || corner.uv == none;
             lacksNormals_ = lacksNormals_ || corner.normal == none;
@@ -183,23 +234,26 @@ private:
 
     /// Moves and scales what is used of the positions, so that it fits.
     void scale() {
-        Vec3 low = mesh_.vertices.front().position;
-        Vec3 high = low;
-        for (const Vertex& vertex : mesh_.vertices) {
+        Position low = positions_[corners_.front().position];
+        Position high = low;
+        for (const Corner& corner : corners_) {
+            const Position& position = positions_[corner.position];
             for (std::size_t i = 0; i < low.size(); ++i) {
-                low.at(i) = std::min(low.at(i), vertex.position.at(i));
-                high.at(i) = std::max(high.at(i), vertex.position.at(i));
+                low.at(i) = std::min(low.at(i), position.at(i));
+                high.at(i) = std::max(high.at(i), position.at(i));
             }
         }
-        const Vec3 centre = low * 0.5F + high * 0.5F;
-        const Vec3 half = high * 0.5F - low * 0.5F;
-        const float largest = *std::max_element(half.begin(), half.end());
-        if (largest <= 0.0F) {
+        const double largest = std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2]}) / 2.0;
+        if (largest <= 0.0) {
             throw HostError({file_, 0}, "this mesh has no size: all its corners are in one place");
         }
-        for (Vertex& vertex : mesh_.vertices) {
-            const Vec3 moved = vertex.position - centre;
-            vertex.position = {moved[0] / largest, moved[1] / largest, moved[2] / largest};
+        for (std::size_t vertex = 0; vertex < corners_.size(); ++vertex) {
+            for (std::size_t i = 0; i < low.size(); ++i) {
+                const double fromCentre =
+                    positions_[corners_[vertex].position].at(i) - (low.at(i) + high.at(i)) / 2.0;
+                const double scaled = std::clamp(fromCentre / largest, -1.0, 1.0); // the centre is rounded
+                mesh_.vertices[vertex].position.at(i) = narrow(scaled);
+            }
         }
     }
 
@@ -273,8 +327,9 @@ private:
     }
 
     std::string file_;
-    int line_ = 0;
-    std::vector<Vec3> positions_;
+    int line_ = 0; ///< where what is being read begins
+    int nextLine_ = 1;
+    std::vector<Position> positions_;
     std::vector<Vec4> colours_; ///< of the positions
     std::vector<Vec2> uvs_;
     std::vector<Vec3> normals_;

@@ -50,7 +50,7 @@ public:
     std::string draw(double seconds, float turn) override {
         program_.setTime(seconds);
         const Studio studio(subject_, camera_, turn);
-        const Development development(options_, studio, program_.isLit());
+        const Development development(options_, studio, exported_.lit);
         Picture picture = development.start();
         for (int top = 0; top < options_.height; top += tileSide_) {
             for (int left = 0; left < options_.width; left += tileSide_) {

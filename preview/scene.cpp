@@ -1,5 +1,6 @@
 #include "preview/scene.h"
 
+#include "bindings/binding_kinds.h"
 #include "host/diagnostic.h"
 #include "nodemodel/text.h"
 
@@ -95,7 +96,7 @@ Subject makeSubject(const std::string& mesh) {
                 .pitch = 20.0F * degree,
                 .footprint = Footprint::Square};
     }
-    if (std::filesystem::path(mesh).extension() != ".obj") {
+    if (lowerCase(std::filesystem::path(mesh).extension().string()) != ".obj") {
         throw HostError({}, joinText({"there is no mesh \"", mesh,
                                       "\"; give sphere, plane, cube, or a Wavefront file, NAME.obj"}));
     }

@@ -3,6 +3,7 @@
 #include "preview/gl_program.h"
 #include "preview/gl_target.h"
 #include "preview/gl_texture.h"
+#include "preview/material_program.h"
 #include "tests/host/host_checks.h"
 
 #include <gtest/gtest.h>
@@ -98,11 +99,11 @@ TEST_F(Gl, AMissingAttributeReadsAsTheOrigin) {
 
 TEST_F(Gl, UniformsAreSetByName) {
     GlProgram program(vertexText,
-                      fragmentText("matrix[1] + vec4(list[1], list[0], float(whole), flag ? 1.0 : 0.0)",
+                      fragmentText("matrix[1] + vec4(list[1], list[0], float(whole), flag != 0u ? 1.0 : 0.0)",
                                    "uniform mat4 matrix;\n"
                                    "uniform float list[2];\n"
                                    "uniform int whole;\n"
-                                   "uniform bool flag;\n"));
+                                   "uniform uint flag;\n"));
     const std::array<float, 16> matrix = {0, 0, 0, 0, 10, 20, 30, 40, 0, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_TRUE(program.setUniform("matrix", matrix));
     EXPECT_TRUE(program.setUniform("list", std::array<float, 2>{1, 2}));
@@ -110,6 +111,59 @@ TEST_F(Gl, UniformsAreSetByName) {
     EXPECT_TRUE(program.setUniform("flag", std::array<float, 1>{1}));
     EXPECT_FALSE(program.setUniform("absent", std::array<float, 1>{1}));
     EXPECT_EQ(draw(program, 1, 1), (std::vector<Pixel>{{12, 21, 33, 41}}));
+}
+
+TEST_F(Gl, UnsignedIntegersMayBeVectors) {
+    GlProgram program(vertexText,
+                      fragmentText("vec4(pair, list[1].xy) + vec4(all)", "uniform uvec2 pair;\n"
+                                                                         "uniform uvec3 list[2];\n"
+                                                                         "uniform uvec4 all;\n"));
+    EXPECT_TRUE(program.setUniform("pair", std::array<float, 2>{1, 2}));
+    EXPECT_TRUE(program.setUniform("list", std::array<float, 6>{3, 4, 5, 6, 7, 8}));
+    EXPECT_TRUE(program.setUniform("all", std::array<float, 4>{10, 20, 30, 40}));
+    EXPECT_EQ(draw(program, 1, 1), (std::vector<Pixel>{{11, 22, 36, 47}}));
+}
+
+TEST_F(Gl, NamesMayBeLong) {
+    const std::string name(800, 'n');
+    GlProgram program(vertexText, fragmentText(name, "uniform vec4 " + name + ";\n"));
+    EXPECT_TRUE(program.setUniform(name, std::array<float, 4>{1, 2, 3, 4}));
+    EXPECT_EQ(draw(program, 1, 1), (std::vector<Pixel>{{1, 2, 3, 4}}));
+}
+
+TEST_F(Gl, ATextureOfAnotherKindIsBlackWithAWarning) {
+    ExportedMaterial exported;
+    exported.targetPrograms.resize(2);
+    exported.targetPrograms[0].file.content = vertexText;
+    TargetProgram& fragment = exported.targetPrograms[1];
+    fragment.stage = ProgramStage::Fragment;
+    fragment.file.content = fragmentText("vec4(1.0, texture(sky, vec3(1.0)).rg, 1.0) + texture(map, uv).aaaa",
+                                         "uniform samplerCube sky;\nuniform sampler2D map;\n");
+    const auto sampler = [](const char* name, ComponentType type) {
+        ProgramParameter parameter;
+        parameter.name = name;
+        parameter.kind = ParameterKind::Sampler;
+        parameter.type.componentType = type;
+        parameter.targetName = name;
+        return parameter;
+    };
+    fragment.parameters = {sampler("sky", ComponentType::SamplerCube),
+                           sampler("map", ComponentType::Sampler2D)};
+    const PreviewOptions options;
+    Warnings warnings;
+    Errors errors;
+    const MaterialProgram material(exported, MaterialInputs({}, options, "m.xml"), context_, warnings,
+                                   errors);
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_EQ(warnings[0].text,
+              "the texture \"sky\" is a samplerCUBE; previews show those of 1D and 2D, and black for it");
+    EXPECT_TRUE(errors.empty());
+    const GlTarget target(1, 1);
+    target.bind();
+    target.clear({});
+    material.use();
+    makeSquare().draw();
+    EXPECT_EQ(target.read(), (std::vector<float>{2, 1, 1, 2}));
 }
 
 TEST_F(Gl, AUniformIsRefusedAWrongNumberOfValues) {

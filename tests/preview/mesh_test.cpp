@@ -240,6 +240,46 @@ TEST(ObjFile, NormalsOfAClosedMeshPointOutwards) {
     }
 }
 
+TEST(ObjFile, LargeCoordinatesKeepTheShape) {
+    const Mesh far = parseObj(
+        "v 16777216 16777216 0\nv 16777218 16777216 0\nv 16777216 16777217 0\nf 1 2 3\n", "mesh.obj");
+    EXPECT_EQ(far.vertices[0].position, (Vec3{-1, -0.5F, 0}));
+    EXPECT_EQ(far.vertices[1].position, (Vec3{1, -0.5F, 0}));
+    EXPECT_EQ(far.vertices[2].position, (Vec3{-1, 0.5F, 0}));
+}
+
+TEST(ObjFile, NothingLiesBeyondOne) {
+    for (const char* text : {"v 0 16777216 0\nv 1 16777217 0\nv 0 16777219 0\nf 1 2 3\n",
+                             "v 5e17 0 0\nv 5.00000000000000064e17 0 0\nv 5e17 7 0\nf 1 2 3\n",
+                             "v 1e-300 0 0\nv 0 1e-300 0\nv 0 0 3e-300\nf 1 2 3\n"}) {
+        for (const Vertex& vertex : parseObj(text, "mesh.obj").vertices) {
+            for (const float coordinate : vertex.position) {
+                EXPECT_LE(std::abs(coordinate), 1.0F) << text;
+            }
+        }
+    }
+}
+
+TEST(ObjFile, NumbersMayHaveAPlusSignAndBeTooSmall) {
+    const Mesh mesh = parseObj("v +0 1e-400 -1E-400\nv +2 -0.0e0 0\nv 0 +2e+0 0\nf +1 2 3\n", "mesh.obj");
+    EXPECT_EQ(mesh.vertices[0].position, (Vec3{-1, -1, 0}));
+    EXPECT_EQ(mesh.vertices[1].position, (Vec3{1, -1, 0}));
+    EXPECT_EQ(mesh.vertices[2].position, (Vec3{-1, 1, 0}));
+    EXPECT_EQ(
+        parseObj("v 0." + std::string(400, '0') + "1 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3", "").vertices.size(),
+        3U);
+    EXPECT_EQ(parseError("v 1 2 +-3\n"), "mesh.obj:1: error: \"+-3\" is no number");
+    EXPECT_EQ(parseError("v 1 2 +\n"), "mesh.obj:1: error: \"+\" is no number");
+    EXPECT_EQ(parseError("v 1 2 1e400\n"), "mesh.obj:1: error: \"1e400\" is no number");
+}
+
+TEST(ObjFile, ABackslashContinuesALine) {
+    const Mesh mesh = parseObj("v 0 \\\n0 0\nv 1 0 0\nv 0 1 0\nf 1\\\r\n2 \\\n3 # last \\\n", "mesh.obj");
+    EXPECT_EQ(mesh.indices, (std::vector<std::uint32_t>{0, 1, 2}));
+    EXPECT_EQ(parseError("v 0 0 \\\n0\n\nv 1 \\\n2\n"), "mesh.obj:4: error: \"v\" needs 3 numbers");
+    EXPECT_EQ(parseError("v 0 0 \\"), "mesh.obj:1: error: \"v\" needs 3 numbers");
+}
+
 TEST(ObjFile, ErrorsNameTheLine) {
     EXPECT_EQ(parseError("v 1 2\n"), "mesh.obj:1: error: \"v\" needs 3 numbers");
     EXPECT_EQ(parseError("\nv 1 2 x\n"), "mesh.obj:2: error: \"x\" is no number");

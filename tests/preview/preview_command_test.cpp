@@ -207,6 +207,20 @@ TEST_F(PreviewCommand, ValuesOfALitMaterialAreNotLit) {
     EXPECT_EQ(picture({"--node", "gloss"}).middle(), (Colour{137, 137, 137}));
 }
 
+TEST_F(PreviewCommand, NamesOfTheFrameworkDoNotLight) {
+    write(node("tint", "CoreConstant", property("Name", "string", "lightDirections")) +
+          output("colour", "tint", "read"));
+    EXPECT_EQ(picture({"--set", "lightDirections=1"}).middle(), (Colour{255, 255, 255}));
+}
+
+TEST_F(PreviewCommand, WhatIsSetStaysWhatItIs) {
+    for (const std::string name : {"world", "eyePosition", "time"}) {
+        write(node("tint", "CoreConstant", property("Name", "string", name)) +
+              output("colour", "tint", "read"));
+        EXPECT_EQ(picture({"--set", name + "=0.5,0.25,1"}).middle(), (Colour{188, 137, 255})) << name;
+    }
+}
+
 // Background and alpha
 
 TEST_F(PreviewCommand, TheBackgroundIsLinearLight) {
@@ -432,6 +446,14 @@ TEST_F(ContactSheet, NeedsGraphviz) {
         "dot: error: cannot start this program: there is no such file or directory; install Graphviz\n");
 }
 
+TEST_F(ContactSheet, NeedsATemporaryDirectory) {
+    write(tinted);
+    EXPECT_EQ(refusal(1, {}, {{"TMPDIR", path("none")}}),
+              "error: cannot make a directory for temporary files: there is no such file or directory; set "
+              "TMPDIR to a "
+              "directory that can be written to\n");
+}
+
 TEST_F(ContactSheet, ExcludesWhatItDecidesItself) {
     write(tinted);
     for (const Names& row : {Names{"--node", "tint"}, Names{"--size", "64"}, Names{"--frames", "2"},
@@ -466,6 +488,19 @@ TEST_F(PreviewCommand, ThePictureMustBeWritable) {
     const Outcome outcome = run({});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.errors, path("out.png") + ": error: cannot write this file: it is a directory\n");
+}
+
+TEST_F(PreviewCommand, FramesNeedANameThatCanBeNumbered) {
+    write(tinted);
+    for (const std::string& output : {path("."), path("new/"), std::string("/dev/null")}) {
+        const Outcome outcome = testing::run(PATINA_COMMAND, {"preview", path("m.xml"), "-o", output,
+                                                              "--frames", "2", "--plugin", PATINA_CORENODES});
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.errors, output + ": error: this is no file that can be numbered; of several frames "
+                                           "each is a file of its own: give a name such as turn.png\n");
+    }
+    EXPECT_EQ(directory_.names(), Names{"m.xml"});
 }
 
 TEST_F(PreviewCommand, WrongUsage) {

@@ -77,6 +77,11 @@ TEST(Subjects, OthersGoRoundOnce) {
     EXPECT_NEAR(worldMatrix(cube, 1.0F).at(0), worldMatrix(cube, 0.0F).at(0), 1e-5F);
 }
 
+TEST(Subjects, TheEndingOfAFileMayHaveCapitals) {
+    EXPECT_EQ(testing::hostErrorOf([] { makeSubject("/nowhere/MESH.OBJ"); }),
+              "/nowhere/MESH.OBJ:1: error: cannot read this file: there is no such file or directory");
+}
+
 TEST(Subjects, UnknownMeshesAreRefused) {
     EXPECT_EQ(testing::hostErrorOf([] { makeSubject("spere"); }),
               "error: there is no mesh \"spere\"; give sphere, plane, cube, or a Wavefront file, NAME.obj");

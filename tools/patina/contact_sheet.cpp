@@ -5,6 +5,7 @@
 #include "host/graphviz.h"
 #include "host/material.h"
 #include "host/show.h"
+#include "nodemodel/text.h"
 #include "tools/patina/graphviz_program.h"
 
 #include <algorithm>
@@ -19,17 +20,23 @@
 
 namespace patina::tool {
 
+using namespace detail;
+
 namespace {
 
 /// A directory of this process alone, which goes with what is in it.
 class WorkingDirectory {
 public:
     WorkingDirectory() {
-        const std::filesystem::path parent = std::filesystem::temp_directory_path();
+        std::error_code error;
+        const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
+        require(error);
         std::random_device random;
         do {
             path_ = parent / ("patina-" + std::to_string(random()));
-        } while (!std::filesystem::create_directory(path_));
+            // one that is there already is somebody else's, and no error
+        } while (!std::filesystem::create_directory(path_, error) && !error);
+        require(error);
     }
     ~WorkingDirectory() {
         std::error_code ignored;
@@ -45,6 +52,13 @@ public:
     }
 
 private:
+    static void require(const std::error_code& error) {
+        if (error) {
+            throw HostError({}, joinText({"cannot make a directory for temporary files: ", reasonText(error),
+                                          "; set TMPDIR to a directory that can be written to"}));
+        }
+    }
+
     std::filesystem::path path_;
 };
 
@@ -120,12 +134,22 @@ private:
     std::string drawPicture(const std::string& name, Material& material, const PreviewOptions& options) {
         Warnings warnings;
         Errors errors;
-        const std::unique_ptr<Preview> preview = makePreview(material, options, warnings, errors);
+        std::unique_ptr<Preview> preview;
+        try {
+            preview = makePreview(material, options, warnings, errors);
+        } catch (...) {
+            addReports(warnings, errors);
+            throw;
+        }
+        addReports(warnings, errors);
+        return directory_.write({name + ".png", preview->draw(seconds_, 0.0F)});
+    }
+
+    void addReports(const Warnings& warnings, const Errors& errors) {
         addNew(warnings_, warnings, [](const Warning& warning) {
             return diagnosticText(warning.position, "warning", warning.text);
         });
         addNew(errors_, errors, errorText);
-        return directory_.write({name + ".png", preview->draw(seconds_, 0.0F)});
     }
 
     const MaterialDocument& document_;

@@ -194,6 +194,19 @@ std::filesystem::path frameFile(const std::filesystem::path& output, unsigned fr
     return file.replace_filename(output.stem().string() + "_" + number + output.extension().string());
 }
 
+/// Refuses an output from which no names of frames can be made: a directory, a device or a pipe.
+void requireNameForFrames(const PreviewCommandOptions& options) {
+    const std::filesystem::path output = options.output;
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(output, ignored);
+    const bool isFile = !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+    if (options.frames > 1 && !options.output.empty() && (!output.has_filename() || !isFile)) {
+        throw HostError({options.output, 0},
+                        "this is no file that can be numbered; of several frames each is "
+                        "a file of its own: give a name such as turn.png");
+    }
+}
+
 void drawFrames(Preview& preview, const PreviewCommandOptions& options, const std::filesystem::path& output) {
     Progress progress(options.frames, !options.quiet && options.frames > 1);
     for (unsigned frame = 0; frame < options.frames; ++frame) {
@@ -250,6 +263,7 @@ int runPreview(PreviewCommandOptions& options, const CommandLine& commandLine) {
     if (options.contactSheet) {
         return runContactSheet(options, plugins);
     }
+    requireNameForFrames(options);
     Warnings warnings;
     Errors errors;
     std::unique_ptr<Preview> preview;
@@ -258,7 +272,7 @@ int runPreview(PreviewCommandOptions& options, const CommandLine& commandLine) {
         material = buildMaterial(readShown(options), plugins, warnings);
         preview = makePreview(*material, options.preview, warnings, errors);
     } catch (...) {
-        printWarnings(warnings);
+        printReports(warnings, errors);
         throw;
     }
     printReports(warnings, errors);
