@@ -108,4 +108,17 @@ Image labelledChecker(const std::string& label) {
     return image;
 }
 
+Image labelledSlopes(const std::string& label) {
+    constexpr float steepness = 0.25F;
+    Image image = labelledChecker(label);
+    for (std::size_t i = 0; i < image.pixels.size(); i += 4) {
+        const float slope = 0.5F + steepness * (image.pixels[i] - 0.5F);
+        image.pixels[i] = slope;
+        image.pixels[i + 1] = slope;
+        image.pixels[i + 2] = 1.0F;
+        image.pixels[i + 3] = slope;
+    }
+    return image;
+}
+
 } // namespace patina::preview

@@ -41,6 +41,10 @@ std::vector<TextureLevel> textureLevels(const Image& image, bool srgb);
 /// What stands in for a texture that is not there: a grey checker that bears a name.
 Image labelledChecker(const std::string& label);
 
+/// The same for a texture that holds no colours: its greys become the slopes of a nearly flat surface, so
+/// that it may stand in for normals, be they in red, green and blue or in alpha and green.
+Image labelledSlopes(const std::string& label);
+
 /// A picture of bytes as sRGB colours, red first.
 struct Picture {
     int width = 0;

@@ -38,16 +38,16 @@ void requireSide(const Image& image, int sideLimit, const std::filesystem::path&
 } // namespace
 
 MaterialInputs::MaterialInputs(BindingCollection bindings, const PreviewOptions& options,
-                               const std::string& materialFile)
+                               const std::string& materialFile, Errors& errors)
     : bindings_(std::move(bindings)), options_(options), materialFile_(materialFile) {
-    for (const auto* values : {&options.values, &options.rates}) {
-        for (const auto& [name, list] : *values) {
-            requireValues(name, list);
-        }
+    for (auto* values : {&options_.values, &options_.rates}) {
+        std::erase_if(*values, [&](const auto& entry) {
+            return !attempt(&errors, [&] { requireValues(entry.first, entry.second); });
+        });
     }
-    for (const auto& [name, file] : options.textures) {
-        require(name, BindingKind::Texture);
-    }
+    std::erase_if(options_.textures, [&](const auto& entry) {
+        return !attempt(&errors, [&] { require(entry.first, BindingKind::Texture); });
+    });
 }
 
 const Binding& MaterialInputs::require(const std::string& name, BindingKind kind) const {
@@ -106,8 +106,11 @@ std::vector<float> MaterialInputs::value(const Binding& binding, double seconds)
 TextureInput MaterialInputs::texture(const std::string& parameter, int sideLimit, Warnings& warnings,
                                      Errors& errors) const {
     const auto* binding = dynamic_cast<const TextureBinding*>(find(parameter));
-    const Image found = image(binding == nullptr ? parameter : binding->name, sideLimit, warnings, errors);
-    TextureInput input = {textureLevels(found, binding != nullptr && binding->srgb), found.depth};
+    const std::string& name = binding == nullptr ? parameter : binding->name;
+    const bool isColour = binding != nullptr && binding->srgb;
+    const std::optional<Image> found = image(name, sideLimit, warnings, errors);
+    const Image shown = found ? *found : isColour ? labelledChecker(name) : labelledSlopes(name);
+    TextureInput input = {textureLevels(shown, isColour), shown.depth};
     if (binding != nullptr && binding->signedExpanded) {
         input.format = TexelFormat::Float;
         for (TextureLevel& level : input.levels) {
@@ -118,8 +121,8 @@ TextureInput MaterialInputs::texture(const std::string& parameter, int sideLimit
     return input;
 }
 
-Image MaterialInputs::image(const std::string& name, int sideLimit, Warnings& warnings,
-                            Errors& errors) const {
+std::optional<Image> MaterialInputs::image(const std::string& name, int sideLimit, Warnings& warnings,
+                                           Errors& errors) const {
     const auto given = options_.textures.find(name);
     const bool isGiven = given != options_.textures.end();
     std::filesystem::path file;
@@ -142,7 +145,7 @@ Image MaterialInputs::image(const std::string& name, int sideLimit, Warnings& wa
             }
         }
     }
-    return labelledChecker(name);
+    return std::nullopt;
 }
 
 } // namespace patina::preview

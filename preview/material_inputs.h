@@ -6,6 +6,7 @@
 #include "preview/preview.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,10 +22,10 @@ struct TextureInput {
 /// Threads: as the bindings.
 class MaterialInputs {
 public:
-    /// Throws HostError when the options set what no binding of the right kind has, or values that do not
-    /// fit.
-    MaterialInputs(BindingCollection bindings, const PreviewOptions& options,
-                   const std::string& materialFile);
+    /// What the options set that no binding of the right kind has, and values that do not fit, go to `errors`
+    /// and have no effect.
+    MaterialInputs(BindingCollection bindings, const PreviewOptions& options, const std::string& materialFile,
+                   Errors& errors);
 
     const std::string& materialFile() const { return materialFile_; } ///< as messages name it
 
@@ -45,10 +46,11 @@ public:
 private:
     const Binding& require(const std::string& name, BindingKind kind) const;
     void requireValues(const std::string& name, const std::vector<float>& values) const;
-    Image image(const std::string& name, int sideLimit, Warnings& warnings, Errors& errors) const;
+    std::optional<Image> image(const std::string& name, int sideLimit, Warnings& warnings,
+                               Errors& errors) const;
 
     BindingCollection bindings_;
-    const PreviewOptions& options_;
+    PreviewOptions options_;
     std::string materialFile_;
 };
 

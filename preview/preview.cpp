@@ -40,8 +40,8 @@ public:
     PreviewOnDriver(Material& material, const PreviewOptions& options, Warnings& warnings, Errors& errors)
         : options_(options), subject_(makeSubject(options.mesh)),
           exported_(exportForDriver(material, options.showValue, warnings)),
-          program_(exported_, MaterialInputs(savedBindings(material), options_, material.file), context_,
-                   warnings, errors),
+          program_(exported_, MaterialInputs(savedBindings(material), options_, material.file, errors),
+                   context_, warnings, errors),
           geometry_(program_.geometry(subject_.mesh)),
           camera_(frame(subject_, options.width, options.height, options.share)),
           tileSide_(std::max(1, targetSide / options.samples)),

@@ -52,9 +52,9 @@ public:
 /// one with a warning. Whatever else is read and cannot be shown has a warning. The material must outlive the
 /// preview.
 ///
-/// Throws HostError for a material that cannot be exported, names that no binding has, values that do not fit
-/// theirs, a mesh that cannot be read, where there is no OpenGL, and where this library was built without
-/// what it needs.
+/// Names that no binding has and values that do not fit theirs are errors too, and have no effect. Throws
+/// HostError for a material that cannot be exported, a mesh that cannot be read, where there is no OpenGL,
+/// and where this library was built without what it needs.
 std::unique_ptr<Preview> makePreview(Material& material, const PreviewOptions& options, Warnings& warnings,
                                      Errors& errors);
 

@@ -152,7 +152,7 @@ TEST_F(Gl, ATextureOfAnotherKindIsBlackWithAWarning) {
     const PreviewOptions options;
     Warnings warnings;
     Errors errors;
-    const MaterialProgram material(exported, MaterialInputs({}, options, "m.xml"), context_, warnings,
+    const MaterialProgram material(exported, MaterialInputs({}, options, "m.xml", errors), context_, warnings,
                                    errors);
     ASSERT_EQ(warnings.size(), 1U);
     EXPECT_EQ(warnings[0].text,
