@@ -27,6 +27,7 @@ struct Corner {
     std::size_t uv = none;
     std::size_t normal = none;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): what is compared with 0 is no pointer
     auto operator<=>(const Corner&) const = default;
 };
 
