@@ -108,8 +108,9 @@ TextureInput MaterialInputs::texture(const std::string& parameter, int sideLimit
     const auto* binding = dynamic_cast<const TextureBinding*>(find(parameter));
     const std::string& name = binding == nullptr ? parameter : binding->name;
     const bool isColour = binding != nullptr && binding->srgb;
+    const bool mayHoldNormals = binding != nullptr && !binding->srgb;
     const std::optional<Image> found = image(name, sideLimit, warnings, errors);
-    const Image shown = found ? *found : isColour ? labelledChecker(name) : labelledSlopes(name);
+    const Image shown = found ? *found : mayHoldNormals ? labelledSlopes(name) : labelledChecker(name);
     TextureInput input = {textureLevels(shown, isColour), shown.depth};
     if (binding != nullptr && binding->signedExpanded) {
         input.format = TexelFormat::Float;
