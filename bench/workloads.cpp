@@ -43,6 +43,27 @@ void generateCode(const std::string& type, std::size_t count) {
     }
 }
 
+/// What an assembly starts from.
+Material buildResolved(const MaterialDocument& document) {
+    Material material = buildQuietly(document);
+    resolveMaterial(material);
+    return material;
+}
+
+void assemble(const MaterialDocument& document) {
+    const Material material = buildResolved(document);
+    const GeneratedGraph graph = generateGraph(material);
+    const Dataflow flow = joinGraph(material, graph);
+    verifyCode(material, flow);
+    const StagedShader stages = placeInStages(material, flow);
+    const ShaderNames names = nameShader(material, flow, stages);
+    const RegisterAssignment registers = assignRegisters(material, flow, stages);
+    const PrintOptions options;
+    const AssembledShader shader = {material, flow, stages, names, registers, options};
+    printVertexProgram(shader);
+    printFragmentProgram(shader);
+}
+
 void exportWhole(const MaterialDocument& document) {
     Material material = buildQuietly(document);
     Warnings warnings;
@@ -68,6 +89,8 @@ std::map<std::string, Workload> allWorkloads() {
         const MakeDocument make = makeDocument;
         // what an export starts from, to be subtracted
         workloads["document/" + name] = [make](std::size_t size) { make(size); };
+        workloads["build/" + name] = [make](std::size_t size) { buildResolved(make(size)); };
+        workloads["assemble/" + name] = [make](std::size_t size) { assemble(make(size)); };
         workloads["export/" + name] = [make](std::size_t size) { exportWhole(make(size)); };
     }
     return workloads;
