@@ -38,6 +38,8 @@ bool isOutputConnected(const MaterialNode& node, const std::string& portName) {
 
 void declareInputs(FunctionBuilder& builder, const MaterialNode& node,
                    const std::function<float(const Port&)>& defaultFor) {
+    constexpr std::size_t commonCodeLength = 127;
+    builder.reserve(node.inputs.size() + node.outputs.size(), commonCodeLength);
     for (const Port& input : node.inputs) {
         if (input.connected) {
             builder.addInputPort(input);
@@ -59,7 +61,7 @@ void declareOutputs(FunctionBuilder& builder, const MaterialNode& node) {
 
 void emitFunction(GraphGenerator& generator, MaterialNode& node, FunctionBuilder& builder,
                   ExecutionLevel level, const std::string& functionName) {
-    const auto function = builder.makeNode(level, functionName);
+    const auto function = builder.finish(level, functionName);
     generator.addNode(function);
     node.attachLinks(generator, function);
 }

@@ -70,7 +70,8 @@ void declareInputs(FunctionBuilder& builder, const MaterialNode& node);
 /// Makes a function output of every output.
 void declareOutputs(FunctionBuilder& builder, const MaterialNode& node);
 
-/// Makes the function, adds it to the generator and links it to the node's connections.
+/// Makes the function of the builder, which is good for nothing else then, adds it to the generator and links
+/// it to the node's connections.
 void emitFunction(GraphGenerator& generator, MaterialNode& node, FunctionBuilder& builder,
                   ExecutionLevel level, const std::string& functionName);
 

@@ -1,15 +1,16 @@
 #include "host/cg_names.h"
 
 #include "host/framework.h"
+#include "nodemodel/text.h"
 
 #include <algorithm>
 #include <array>
 
 namespace patina {
 
-namespace {
+using namespace detail;
 
-// each list in byte order, for binary search
+namespace {
 
 constexpr std::string_view keywords[] = {
     "AttribArray",
@@ -190,9 +191,6 @@ constexpr std::string_view standardFunctions[] = {
     "unpack_4ubyte",
 };
 
-static_assert(std::is_sorted(std::begin(keywords), std::end(keywords)));
-static_assert(std::is_sorted(std::begin(standardFunctions), std::end(standardFunctions)));
-
 /// Scalar types; each is the beginning of vector and matrix types too.
 constexpr std::array<std::string_view, 10> scalarTypes = {"bool", "char", "double", "fixed", "float",
                                                           "half", "int",  "long",   "short", "uint"};
@@ -205,8 +203,12 @@ bool isDimension(char letter) { return letter >= '1' && letter <= '4'; }
 
 /// "float", "float3", "float4x4" and the like.
 bool isTypeName(std::string_view name) {
+    constexpr std::size_t longest = std::string_view("double4x4").size();
+    if (name.empty() || name.size() > longest) {
+        return false;
+    }
     return std::any_of(scalarTypes.begin(), scalarTypes.end(), [&](std::string_view scalar) {
-        if (!name.starts_with(scalar)) {
+        if (name.front() != scalar.front() || !name.starts_with(scalar)) {
             return false;
         }
         const std::string_view rest = name.substr(scalar.size());
@@ -243,44 +245,78 @@ bool isSamplingFunction(std::string_view name) {
            });
 }
 
-bool isNameCharacter(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-           (letter >= '0' && letter <= '9');
+/// By the code of a character, whether it stays in a name.
+constexpr std::array<bool, 256> nameCharacters = [] {
+    std::array<bool, 256> table = {};
+    for (const char letter :
+         std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789")) {
+        table[static_cast<unsigned char>(letter)] = true;
+    }
+    return table;
+}();
+
+bool isNameCharacter(char letter) { return nameCharacters[static_cast<unsigned char>(letter)]; }
+
+/// Cg's words and functions, and the framework's names.
+bool isReservedWord(std::string_view name) {
+    static const std::unordered_set<std::string_view> words = [] {
+        std::unordered_set<std::string_view> all(std::begin(keywords), std::end(keywords));
+        all.insert(std::begin(standardFunctions), std::end(standardFunctions));
+        all.insert(frameworkNames.begin(), frameworkNames.end());
+        return all;
+    }();
+    return words.count(name) != 0;
 }
 
 } // namespace
 
 bool isReservedName(std::string_view name) {
-    return std::binary_search(std::begin(keywords), std::end(keywords), name) ||
-           std::binary_search(std::begin(standardFunctions), std::end(standardFunctions), name) ||
-           std::find(frameworkNames.begin(), frameworkNames.end(), name) != frameworkNames.end() ||
-           name.starts_with("__") || isTypeName(name) || isSamplerType(name) || isSamplingFunction(name);
+    return isReservedWord(name) || name.starts_with("__") || isTypeName(name) || isSamplerType(name) ||
+           isSamplingFunction(name);
 }
 
 std::string toCgName(std::string_view text) {
     std::string name;
-    for (const char letter : text) {
-        if (isNameCharacter(letter)) {
-            name += letter;
-        } else if (name.empty() || name.back() != '_') {
-            name += '_';
-        }
-    }
-    if (name.empty() || (name.front() >= '0' && name.front() <= '9')) {
-        name.insert(name.begin(), '_');
-    }
+    makeCgName(name, {text});
     return name;
 }
 
-void NameAllocator::take(const std::string& name) { taken_.insert(name); }
+void makeCgName(std::string& name, std::initializer_list<std::string_view> pieces) {
+    name.clear();
+    for (const std::string_view piece : pieces) {
+        name += piece;
+    }
+    std::size_t length = 0;
+    for (const char letter : name) {
+        if (isNameCharacter(letter)) {
+            name[length++] = letter;
+        } else if (length == 0 || name[length - 1] != '_') {
+            name[length++] = '_';
+        }
+    }
+    name.resize(length);
+    if (name.empty() || (name.front() >= '0' && name.front() <= '9')) {
+        name.insert(name.begin(), '_');
+    }
+}
 
-std::string NameAllocator::allocate(const std::string& wanted) {
+std::string_view NameAllocator::keep(std::string_view name) {
+    std::pmr::polymorphic_allocator<char> allocator(&memory_);
+    char* const text = allocator.allocate(name.size());
+    std::copy(name.begin(), name.end(), text);
+    return {text, name.size()};
+}
+
+std::string_view NameAllocator::take(std::string_view name) { return *taken_.insert(keep(name)).first; }
+
+std::string_view NameAllocator::allocate(std::string_view wanted) {
+    wanted = keep(wanted);
     if (!isReservedName(wanted) && taken_.insert(wanted).second) {
         return wanted;
     }
     int& suffix = nextSuffix_.try_emplace(wanted, 2).first->second;
     for (;;) {
-        std::string name = wanted + "_" + std::to_string(suffix++);
+        const std::string_view name = keep(joinText({wanted, "_", std::to_string(suffix++)}));
         if (!isReservedName(name) && taken_.insert(name).second) {
             return name;
         }

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <map>
+#include <memory_resource>
 #include <optional>
 #include <set>
 #include <string>
@@ -64,11 +66,48 @@ bool isFitting(const ShaderType& type, const OutputRule& rule) {
     return (rule.scalar && type.columns == 1) || (rule.vector && type.columns == 3);
 }
 
+/// Tells functions apart that are not the same text in the end; their levels do not matter.
+struct FunctionHash {
+    std::size_t operator()(const GeneratorNode* function) const {
+        const std::hash<std::string_view> hash;
+        std::size_t result = hash(function->code);
+        const auto mix = [&result](std::size_t value) {
+            constexpr std::size_t factor = 31;
+            result = result * factor + value;
+        };
+        mix(hash(function->name));
+        for (const GeneratorPort& output : function->outputs) {
+            mix(static_cast<std::size_t>(output.type.componentType));
+            mix(static_cast<std::size_t>(output.type.columns));
+        }
+        return result;
+    }
+};
+
+struct SameFunction {
+    static bool arePortsEqual(const std::vector<GeneratorPort>& left,
+                              const std::vector<GeneratorPort>& right) {
+        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                          [](const GeneratorPort& one, const GeneratorPort& other) {
+                              return one.type == other.type && one.name == other.name;
+                          });
+    }
+
+    bool operator()(const GeneratorNode* left, const GeneratorNode* right) const {
+        return left->name == right->name && left->code == right->code &&
+               arePortsEqual(left->inputs, right->inputs) && arePortsEqual(left->outputs, right->outputs);
+    }
+};
+
 /// Collects the sources of all inputs.
 class Joiner {
 public:
     Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors, ColourWidth colourWidth)
-        : material_(material), graph_(graph), errors_(errors), colourWidth_(colourWidth) {}
+        : material_(material), graph_(graph), errors_(errors), colourWidth_(colourWidth) {
+        flow_.memory = std::make_unique<std::pmr::monotonic_buffer_resource>();
+        indexByNode_.reserve(graph.generator.graph->nodes.size());
+        flow_.nodes.reserve(graph.generator.graph->nodes.size());
+    }
 
     Dataflow join() {
         enterNodes(graph_.owners);
@@ -79,7 +118,8 @@ public:
         provideInterfaces();
         passInterfaces();
         Dataflow needed = withoutSources();
-        attempt(errors_, [&] { needed = keepNeeded(); });
+        attempt(errors_, [&] { needed = takeNeeded(); });
+        needed.functions = firstOfEachFunction(needed.nodes);
         return needed;
     }
 
@@ -121,7 +161,8 @@ private:
     std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
         const std::size_t index = flow_.nodes.size();
         flow_.nodes.push_back({generated, owner,
-                               std::vector<ValueSource>(generated->inputs.size(), ValueSource{noSource, 0}),
+                               std::pmr::vector<ValueSource>(generated->inputs.size(),
+                                                             ValueSource{noSource, 0}, flow_.memory.get()),
                                false});
         return index;
     }
@@ -171,6 +212,7 @@ private:
                       generated->inputs[input].name, "\" of ", describe(*generated), ": ", reason});
             });
         flow_.nodes[head].inputs[input] = converted;
+        noteRead(converted);
     }
 
     /// The port that a link record names.
@@ -190,12 +232,13 @@ private:
     ValueSource producerOf(const std::shared_ptr<NodeConnection>& record, std::size_t source,
                            int line) const {
         const auto link = graph_.generator.portLinks.find(record);
-        const PortLinkEnd producer = link == graph_.generator.portLinks.end()
-                                         ? PortLinkEnd{nullptr, record->sourcePort}
-                                         : link->second.producer;
-        return endOf(
-            producer, [](const GeneratorNode& node) -> const auto& { return node.outputs; },
-            material_.items[source], line);
+        const auto endIn = [&](const PortLinkEnd& producer) {
+            return endOf(
+                producer, [](const GeneratorNode& node) -> const auto& { return node.outputs; },
+                material_.items[source], line);
+        };
+        return link == graph_.generator.portLinks.end() ? endIn({nullptr, record->sourcePort})
+                                                        : endIn(link->second.producer);
     }
 
     void joinConnections() {
@@ -248,6 +291,7 @@ private:
                                        titleOf(source.node), "; only one of them can"});
             }
             source = value;
+            noteRead(value);
         }
     }
 
@@ -273,6 +317,7 @@ private:
         const std::size_t node = enter(conversion, flow_.nodes[value.node].owner);
         flow_.nodes[node].inputs[0] = value;
         flow_.nodes[node].conversion = true;
+        noteRead(value);
         return conversions_.emplace(key, ValueSource{node, 0}).first->second;
     }
 
@@ -387,20 +432,19 @@ private:
     /// Asks the providers for every interface parameter that is read and that no node writes. What one of
     /// them adds may read others, and be asked for in turn.
     void provideInterfaces() {
+        noteRead(flow_.colour);
+        noteRead(flow_.alpha);
         for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
-            if (isInterface(node) && flow_.nodes[node].inputs.front().node == noSource && isRead(node)) {
+            if (readInterfaces_.count(node) != 0 && flow_.nodes[node].inputs.front().node == noSource) {
                 attempt(errors_, [&] { provide(node); });
             }
         }
     }
 
-    bool isRead(std::size_t node) const {
-        const auto reads = [&](const ValueSource& value) { return value.node == node; };
-        return std::any_of(flow_.nodes.begin(), flow_.nodes.end(),
-                           [&](const DataflowNode& reader) {
-                               return std::any_of(reader.inputs.begin(), reader.inputs.end(), reads);
-                           }) ||
-               reads(flow_.colour) || (flow_.hasAlpha && reads(flow_.alpha));
+    void noteRead(const ValueSource& value) {
+        if (value.node != noSource && isInterface(value.node)) {
+            readInterfaces_.insert(value.node);
+        }
     }
 
     /// What providers add belongs to the item that reads it. Does nothing when none of them knows the
@@ -480,14 +524,14 @@ private:
         }
     }
 
-    /// Copies what the outputs depend on, sources first.
-    Dataflow keepNeeded() const {
+    /// Moves what the outputs depend on, sources first.
+    Dataflow takeNeeded() {
         const std::vector<bool> needed = findNeeded();
         Dependencies sources(flow_.nodes.size());
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             for (const ValueSource& input : flow_.nodes[i].inputs) {
                 if (needed[i] && input.node != noSource && needed[input.node]) {
-                    sources[i].push_back(input.node);
+                    sources.add(i, input.node);
                 }
             }
         }
@@ -498,6 +542,8 @@ private:
             failAtCycle(order.cycle);
         }
         Dataflow result = withoutSources();
+        result.memory = std::move(flow_.memory);
+        result.nodes.reserve(static_cast<std::size_t>(std::count(needed.begin(), needed.end(), true)));
         std::vector<std::size_t> position(flow_.nodes.size(), noSource);
         const auto moved = [&](const ValueSource& source) {
             return source.node == noSource ? source : ValueSource{position[source.node], source.port};
@@ -507,11 +553,10 @@ private:
                 continue;
             }
             position[index] = result.nodes.size();
-            DataflowNode node = flow_.nodes[index];
-            for (ValueSource& input : node.inputs) {
+            result.nodes.push_back(std::move(flow_.nodes[index]));
+            for (ValueSource& input : result.nodes.back().inputs) {
                 input = moved(input);
             }
-            result.nodes.push_back(std::move(node));
         }
         result.colour = moved(flow_.colour);
         result.hasAlpha = flow_.hasAlpha;
@@ -591,6 +636,9 @@ private:
 
     void requireSource(std::size_t node, std::size_t input) const {
         const DataflowNode& entry = flow_.nodes[node];
+        if (entry.inputs[input].node != noSource && !isInterface(node)) {
+            return;
+        }
         const bool isExcused = excused_.count({node, input}) != 0 || !isCertain(entry.owner);
         if (isInterface(node)) { // one that is written has given way to what is written
             const bool isWritten = entry.inputs[input].node != noSource;
@@ -599,7 +647,7 @@ private:
                                     isWritten ? ", which is written from itself; write another value to it"
                                               : ", and no node writes it; add one that does"});
             }
-        } else if (entry.inputs[input].node == noSource && !isExcused) {
+        } else if (!isExcused) {
             fail(lineOf(node),
                  {titleOf(node), ": nothing feeds \"", entry.generated->inputs[input].name, "\" of ",
                   describe(*entry.generated), "; report this to the author of its plug-in"});
@@ -621,11 +669,23 @@ private:
     std::size_t joinedEdges_ = 0;                           ///< of the graph
     /// By node and input, the first interface parameter through which it is read.
     std::map<std::pair<std::size_t, std::size_t>, std::size_t> passed_;
-    std::unordered_map<const GeneratorNode*, std::size_t> indexByNode_;
+    std::set<std::size_t> readInterfaces_; ///< nodes
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_map<const GeneratorNode*, std::size_t> indexByNode_{&memory_};
     std::map<std::tuple<std::size_t, std::size_t, std::string>, ValueSource> conversions_;
 };
 
 } // namespace
+
+std::vector<std::size_t> firstOfEachFunction(const std::vector<DataflowNode>& nodes) {
+    std::unordered_map<const GeneratorNode*, std::size_t, FunctionHash, SameFunction> firstNodes;
+    std::vector<std::size_t> functions(nodes.size());
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        const bool isFunction = nodes[i].generated->kind == NodeKind::Function;
+        functions[i] = isFunction ? firstNodes.try_emplace(nodes[i].generated.get(), i).first->second : i;
+    }
+    return functions;
+}
 
 std::string ownerTitle(const Material& material, const DataflowNode& node) {
     return node.owner == frameworkOwner ? "the framework" : nodeTitle(material.items[node.owner]);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <vector>
 
@@ -29,12 +30,13 @@ inline constexpr std::size_t frameworkOwner = noSource;
 struct DataflowNode {
     std::shared_ptr<GeneratorNode> generated;
     std::size_t owner = 0; ///< the material item whose code it is, or whose value it converts; frameworkOwner
-    std::vector<ValueSource> inputs;
+    std::pmr::vector<ValueSource> inputs;
     bool conversion = false; ///< put in between two material nodes to convert a value
 };
 
 /// A material's shader as one graph of functions and parameters in which every input has its source.
 struct Dataflow {
+    std::unique_ptr<std::pmr::monotonic_buffer_resource> memory; ///< of the inputs of joined nodes
     std::vector<DataflowNode> nodes; ///< only what an output needs; every source before what reads it
     ValueSource colour;              ///< three components, or one that is to be splatted; see ColourWidth
     ValueSource alpha;
@@ -42,11 +44,17 @@ struct Dataflow {
     bool lit = false;      ///< whether the colour is what the framework makes of the material's outputs
     std::vector<std::size_t>
         sinks; ///< register parameters that are written: outputs besides colour and alpha
+    /// By node: the first one with the same function, which is the same but for its level. Other nodes stand
+    /// for themselves.
+    std::vector<std::size_t> functions;
 
     const GeneratorPort& port(const ValueSource& source) const {
         return nodes[source.node].generated->outputs[source.port];
     }
 };
+
+/// What Dataflow::functions must be for these nodes.
+std::vector<std::size_t> firstOfEachFunction(const std::vector<DataflowNode>& nodes);
 
 /// How messages and comments name the owner of a node: as nodeTitle does, or "the framework".
 std::string ownerTitle(const Material& material, const DataflowNode& node);

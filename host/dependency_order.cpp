@@ -8,10 +8,10 @@ namespace {
 
 enum class Mark : unsigned char { Unvisited, Open, Done };
 
-/// An item whose dependencies are being visited, and the next of them.
+/// An item whose dependencies are being visited, and the link to the next of them.
 struct Visit {
     std::size_t item;
-    std::size_t next = 0;
+    std::size_t next;
 };
 
 std::vector<std::size_t> cycleFrom(const std::vector<Visit>& stack, std::size_t item) {
@@ -26,6 +26,24 @@ std::vector<std::size_t> cycleFrom(const std::vector<Visit>& stack, std::size_t 
 
 } // namespace
 
+Dependencies::Dependencies(std::initializer_list<std::initializer_list<std::size_t>> dependenciesOfItems)
+    : ends_(dependenciesOfItems.size()) {
+    std::size_t item = 0;
+    for (const std::initializer_list<std::size_t>& dependencies : dependenciesOfItems) {
+        for (const std::size_t dependency : dependencies) {
+            add(item, dependency);
+        }
+        ++item;
+    }
+}
+
+void Dependencies::add(std::size_t item, std::size_t dependency) {
+    Ends& ends = ends_[item];
+    (ends.last == none ? ends.first : links_[ends.last].next) = links_.size();
+    ends.last = links_.size();
+    links_.push_back({dependency, none});
+}
+
 DependencyOrder orderByDependencies(const Dependencies& dependencies) {
     DependencyOrder result;
     result.order.reserve(dependencies.size());
@@ -36,22 +54,23 @@ DependencyOrder orderByDependencies(const Dependencies& dependencies) {
             continue;
         }
         marks[root] = Mark::Open;
-        stack.push_back({root});
+        stack.push_back({root, dependencies.first(root)});
         while (!stack.empty()) {
             Visit& visit = stack.back();
-            if (visit.next == dependencies[visit.item].size()) {
+            if (visit.next == Dependencies::none) {
                 marks[visit.item] = Mark::Done;
                 result.order.push_back(visit.item);
                 stack.pop_back();
                 continue;
             }
-            const std::size_t dependency = dependencies[visit.item][visit.next++];
+            const std::size_t dependency = dependencies.dependency(visit.next);
+            visit.next = dependencies.next(visit.next);
             if (marks[dependency] == Mark::Open) {
                 return {{}, cycleFrom(stack, dependency)};
             }
             if (marks[dependency] == Mark::Unvisited) {
                 marks[dependency] = Mark::Open;
-                stack.push_back({dependency});
+                stack.push_back({dependency, dependencies.first(dependency)});
             }
         }
     }

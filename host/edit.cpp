@@ -211,9 +211,12 @@ void settle(Material& material, std::size_t index) {
 Flags updateDependents(Material& material, Flags changed, Undo& undo) {
     const Dependencies references = referencesOf(material, indexNodes(material));
     for (const std::size_t index : updateOrder(material, references)) {
-        const bool refersToChanged = std::any_of(references[index].begin(), references[index].end(),
-                                                 [&](std::size_t target) { return changed[target]; });
-        if (changed[index] || refersToChanged) {
+        bool mustChange = changed[index];
+        for (std::size_t link = references.first(index); link != Dependencies::none;
+             link = references.next(link)) {
+            mustChange = mustChange || changed[references.dependency(link)];
+        }
+        if (mustChange) {
             undo.keep(index);
             settle(material, index);
             changed[index] = true;

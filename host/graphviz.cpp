@@ -528,7 +528,7 @@ private:
     }
 
     void printInputs(std::size_t node, Program program) {
-        const std::vector<ValueSource>& inputs = flow_.nodes[node].inputs;
+        const auto& inputs = flow_.nodes[node].inputs;
         for (std::size_t i = 0; i < inputs.size(); ++i) {
             printEdge(inputs[i], program, inputEnd(nodeName(node, program), i));
         }

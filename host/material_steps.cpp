@@ -97,7 +97,7 @@ Dependencies detail::referencesOf(const Material& material, const NodeIndex& ind
     for (std::size_t i = 0; i < material.items.size(); ++i) {
         for (const std::shared_ptr<Property>& property : *material.items[i].node->properties) {
             if (property->kind == PropertyType::Node && property->nodeValue) {
-                references[i].push_back(indexByNode.at(property->nodeValue.get()));
+                references.add(i, indexByNode.at(property->nodeValue.get()));
             }
         }
     }
@@ -115,7 +115,7 @@ std::vector<std::size_t> detail::updateOrder(const Material& material, const Dep
 Dependencies detail::sourcesOf(const Material& material) {
     Dependencies sources(material.items.size());
     for (const MaterialConnection& connection : material.connections) {
-        sources[connection.destination].push_back(connection.source);
+        sources.add(connection.destination, connection.source);
     }
     return sources;
 }

@@ -3,7 +3,9 @@
 #include "host/cg_names.h"
 #include "nodemodel/text.h"
 
+#include <algorithm>
 #include <map>
+#include <string>
 #include <unordered_map>
 
 namespace patina {
@@ -12,25 +14,20 @@ using namespace detail;
 
 namespace {
 
-/// Everything that makes two generated functions the same but their name and level.
-std::string functionIdentity(const GeneratorNode& function) {
-    std::string identity = function.name;
-    for (const auto* ports : {&function.inputs, &function.outputs}) {
-        for (const GeneratorPort& port : *ports) {
-            appendText(identity, {"\n", declaration(port.type, port.name)});
-        }
-        identity += "\n->";
-    }
-    identity += function.code;
-    return identity;
-}
-
 class ShaderNamer {
 public:
     ShaderNamer(const Material& material, const Dataflow& flow, const StagedShader& shader, Errors* errors)
         : material_(material), flow_(flow), shader_(shader), errors_(errors) {
         names_.functions.resize(flow.nodes.size());
-        names_.values.resize(flow.nodes.size());
+        names_.firstValues.reserve(flow.nodes.size() + 1);
+        for (const DataflowNode& node : flow.nodes) {
+            names_.firstValues.push_back(names_.allValues.size());
+            const bool isWritten =
+                node.generated->kind == NodeKind::RegisterParameter && node.generated->outputs.empty();
+            names_.allValues.resize(names_.allValues.size() + node.generated->outputs.size() +
+                                    (isWritten ? 1 : 0));
+        }
+        names_.firstValues.push_back(names_.allValues.size());
     }
 
     ShaderNames name() {
@@ -39,7 +36,7 @@ public:
         names_.clipPosition = allocator_.allocate("clipPosition");
         names_.colour = allocator_.allocate("colour");
         for (std::size_t i = 0; i < shader_.registers.size(); ++i) {
-            names_.interpolants.push_back(allocator_.allocate("interpolant" + std::to_string(i)));
+            names_.interpolants.push_back(allocator_.allocate(joinText({"interpolant", std::to_string(i)})));
         }
         nameFunctions();
         nameValues();
@@ -65,8 +62,7 @@ private:
 
     void takeParameter(std::size_t index) {
         const GeneratorNode& node = *flow_.nodes[index].generated;
-        names_.values[index].assign(node.outputs.size(), node.name);
-        allocator_.take(node.name);
+        nameValuesOf(index, allocator_.take(node.name));
         if (isReservedName(node.name)) {
             fail(index, {"the name \"", node.name,
                          "\" is reserved in Cg or by the shader framework; rename the node"});
@@ -92,48 +88,48 @@ private:
             names_.position = allocator_.allocate("position");
             return;
         }
-        names_.position = flow_.nodes[shader_.positions.front()].generated->name;
+        names_.position = allocator_.take(flow_.nodes[shader_.positions.front()].generated->name);
         for (const std::size_t index : shader_.positions) {
-            names_.values[index].assign(1, names_.position);
+            nameValuesOf(index, names_.position);
         }
     }
 
     void nameFunctions() {
-        std::unordered_map<std::string, std::string> nameByIdentity;
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             const GeneratorNode& node = *flow_.nodes[i].generated;
-            if (node.kind == NodeKind::Function) {
-                std::string& name = nameByIdentity[functionIdentity(node)];
-                if (name.empty()) {
-                    name = allocator_.allocate(toCgName(node.name));
-                }
-                names_.functions[i] = name;
+            const std::size_t first = flow_.functions[i];
+            if (first != i) {
+                names_.functions[i] = names_.functions[first];
+            } else if (node.kind == NodeKind::Function) {
+                names_.functions[i] = allocator_.allocate(toCgName(node.name));
             }
         }
     }
 
-    const std::string& stemOf(const DataflowNode& node) const {
-        static const std::string framework = "framework";
-        return node.owner == frameworkOwner ? framework : material_.items[node.owner].id;
+    /// All of them alike.
+    void nameValuesOf(std::size_t node, std::string_view name) {
+        std::fill(names_.allValues.begin() + static_cast<std::ptrdiff_t>(names_.firstValues[node]),
+                  names_.allValues.begin() + static_cast<std::ptrdiff_t>(names_.firstValues[node + 1]), name);
+    }
+
+    std::string_view stemOf(const DataflowNode& node) const {
+        return node.owner == frameworkOwner ? "framework" : std::string_view(material_.items[node.owner].id);
     }
 
     /// A node's values are named after its id; those of conversions, which have no id, after what they
     /// convert; registers after themselves.
     void nameValues() {
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
-            const DataflowNode& node = flow_.nodes[i];
-            switch (node.generated->kind) {
+            const GeneratorNode& node = *flow_.nodes[i].generated;
+            switch (node.kind) {
             case NodeKind::Function:
             case NodeKind::InterpolantParameter:
-                for (const GeneratorPort& port : node.generated->outputs) {
-                    const bool isNamedAfterSource = node.conversion && node.inputs[0].node != noSource;
-                    const std::string& stem = isNamedAfterSource ? valueName(node.inputs[0]) : stemOf(node);
-                    const std::string suffix = node.conversion ? typeText(port.type) : port.name;
-                    names_.values[i].push_back(allocator_.allocate(toCgName(joinText({stem, "_", suffix}))));
+                for (std::size_t port = 0; port < node.outputs.size(); ++port) {
+                    names_.allValues[names_.firstValues[i] + port] = nameOutput(flow_.nodes[i], port);
                 }
                 break;
             case NodeKind::RegisterParameter:
-                names_.values[i].push_back(registerName(*node.generated));
+                nameValuesOf(i, registerName(node));
                 break;
             case NodeKind::InterfaceParameter:
             case NodeKind::VaryingParameter:
@@ -143,29 +139,38 @@ private:
         }
     }
 
+    std::string_view nameOutput(const DataflowNode& node, std::size_t port) {
+        const GeneratorPort& output = node.generated->outputs[port];
+        if (!node.conversion) {
+            makeCgName(wanted_, {stemOf(node), "_", output.name});
+            return allocator_.allocate(wanted_);
+        }
+        const bool hasSource = node.inputs[0].node != noSource;
+        const std::string_view stem = hasSource ? names_.value(node.inputs[0]) : stemOf(node);
+        makeCgName(wanted_, {stem, "_", typeText(output.type)});
+        return allocator_.allocate(wanted_);
+    }
+
     /// The name of a register's parameter, which all nodes that read it share.
-    std::string registerName(const GeneratorNode& node) {
+    std::string_view registerName(const GeneratorNode& node) {
         const std::string text = registerText(node.registerReference);
         const RegisterEntry& entry = registerEntry(node.registerReference.index);
-        std::string& name = registerNames_[(entry.stage == 0 ? "vertex " : "fragment ") + text];
+        std::string_view& name = registerNames_[(entry.stage == 0 ? "vertex " : "fragment ") + text];
         if (name.empty()) {
             name = allocator_.allocate(toCgName(node.name.empty() ? text : node.name));
         }
         return name;
     }
 
-    const std::string& valueName(const ValueSource& source) const {
-        return names_.values[source.node][source.port];
-    }
-
     const Material& material_;
     const Dataflow& flow_;
     const StagedShader& shader_;
     Errors* errors_;
-    NameAllocator allocator_;
-    std::unordered_map<std::string, std::size_t> parameterByName_;
-    std::map<std::string, std::string> registerNames_;
+    std::unordered_map<std::string_view, std::size_t> parameterByName_;
+    std::map<std::string, std::string_view> registerNames_;
+    std::string wanted_; ///< one name after another
     ShaderNames names_;
+    NameAllocator& allocator_ = *names_.allocator;
 };
 
 } // namespace

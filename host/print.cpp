@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
+#include <set>
+#include <span>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -86,15 +88,15 @@ public:
     }
 
     void printFunctions() {
-        const std::map<std::string_view, std::vector<std::size_t>> users = usersByFunction();
-        std::unordered_set<std::string_view> printed;
+        const std::unordered_map<std::size_t, Users> users = usersByFunction();
+        std::unordered_set<std::size_t> printed;
         for (const std::size_t index : stage_.functions) {
-            const std::string& name = shader_.names.functions[index];
-            if (!name.empty() && printed.insert(name).second) {
-                printUsers(users.at(name));
+            const std::size_t function = shader_.flow.functions[index];
+            if (isCalled(index) && printed.insert(function).second) {
+                printUsers(users.at(function));
                 const std::size_t begin = text_.size();
-                printFunction(name, *shader_.flow.nodes[index].generated);
-                mapCode(begin, index, "its function", name);
+                printFunction(shader_.names.functions[index], *shader_.flow.nodes[index].generated);
+                mapCode(begin, index, "its function", shader_.names.functions[index]);
             }
         }
     }
@@ -137,9 +139,9 @@ public:
 
     /// The part of an interpolant register that carries a value.
     std::string interpolantPlace(const Interpolant& interpolant) const {
-        const std::string& name = shader_.names.interpolants[interpolant.registerIndex];
+        const std::string_view name = shader_.names.interpolants[interpolant.registerIndex];
         if (shader_.stages.registers[interpolant.registerIndex].componentCount == 1) {
-            return name;
+            return std::string(name);
         }
         constexpr std::string_view components = "xyzw";
         const auto first = static_cast<std::size_t>(interpolant.firstComponent);
@@ -147,16 +149,14 @@ public:
         return joinText({name, ".", components.substr(first, count)});
     }
 
-    const std::string& valueName(const ValueSource& source) const {
-        return shader_.names.values[source.node][source.port];
-    }
+    std::string_view valueName(const ValueSource& source) const { return shader_.names.value(source); }
 
     /// A colour of one component is grey, and one of four has its own alpha.
     std::string colourAndAlpha() const {
         constexpr std::array<std::string_view, 4> betweenByWidth = {".xxx, ", ", 0.0, ", ", ", ""};
         const Dataflow& flow = shader_.flow;
         const auto width = static_cast<std::size_t>(flow.port(flow.colour).type.columns);
-        const std::string_view alpha = flow.hasAlpha ? std::string_view(valueName(flow.alpha)) : "1.0";
+        const std::string_view alpha = flow.hasAlpha ? valueName(flow.alpha) : "1.0";
         return joinText({"float4( ", valueName(flow.colour), betweenByWidth.at(width - 1),
                          width == betweenByWidth.size() ? "" : alpha, " )"});
     }
@@ -171,7 +171,7 @@ private:
     void append(std::initializer_list<std::string_view> pieces) { appendText(text_, pieces); }
 
     /// Notes whose the text from `begin` is.
-    void mapCode(std::size_t begin, std::size_t node, std::string_view noun, const std::string& name) {
+    void mapCode(std::size_t begin, std::size_t node, std::string_view noun, std::string_view name) {
         if (map_ == nullptr) {
             return;
         }
@@ -191,7 +191,7 @@ private:
                entry == registers::fragmentSampler;
     }
 
-    const std::string& registerName(std::size_t index) const { return shader_.names.values[index].front(); }
+    std::string_view registerName(std::size_t index) const { return shader_.names.values(index).front(); }
 
     std::string registerParameter(std::size_t index) const {
         const GeneratorNode& node = *shader_.flow.nodes[index].generated;
@@ -199,36 +199,54 @@ private:
             {declaration(node.type, registerName(index)), " : ", registerText(node.registerReference)});
     }
 
-    std::map<std::string_view, std::vector<std::size_t>> usersByFunction() const {
-        std::map<std::string_view, std::vector<std::size_t>> users;
+    /// Who calls a function: how many nodes, and the first of them.
+    struct Users {
+        std::size_t count = 0;
+        std::vector<std::size_t> first;
+    };
+
+    static constexpr std::size_t namedUsers = 4;
+
+    bool isCalled(std::size_t index) const {
+        return shader_.flow.nodes[index].generated->kind == NodeKind::Function;
+    }
+
+    std::unordered_map<std::size_t, Users> usersByFunction() const {
+        std::unordered_map<std::size_t, Users> usersByFunction;
         for (const std::size_t index : stage_.functions) {
-            users[shader_.names.functions[index]].push_back(index);
+            Users& users = usersByFunction[shader_.flow.functions[index]];
+            if (users.count++ < namedUsers) {
+                users.first.push_back(index);
+            }
         }
-        return users;
+        return usersByFunction;
     }
 
     /// A comment that names the first nodes whose code this is.
-    void printUsers(const std::vector<std::size_t>& users) {
-        constexpr std::size_t shown = 4;
+    void printUsers(const Users& users) {
         text_ += "\n// ";
-        for (std::size_t i = 0; i < users.size() && i < shown; ++i) {
-            append({i == 0 ? "" : ", ", oneLine(ownerTitle(shader_.material, shader_.flow.nodes[users[i]]))});
+        const char* separator = "";
+        for (const std::size_t index : users.first) {
+            append({separator, oneLine(ownerTitle(shader_.material, shader_.flow.nodes[index]))});
+            separator = ", ";
         }
-        if (users.size() > shown) {
-            append({" and ", std::to_string(users.size() - shown), " more"});
+        if (users.count > users.first.size()) {
+            append({" and ", std::to_string(users.count - users.first.size()), " more"});
         }
         text_ += "\n";
     }
 
-    void printFunction(const std::string& name, const GeneratorNode& function) {
+    void printFunction(std::string_view name, const GeneratorNode& function) {
         append({"void ", name, "("});
         const char* separator = " ";
         for (const GeneratorPort& input : function.inputs) {
-            append({separator, declaration(input.type, input.name)});
+            text_ += separator;
+            appendDeclaration(text_, input.type, input.name);
             separator = ", ";
         }
         for (const GeneratorPort& output : function.outputs) {
-            append({separator, "out ", declaration(output.type, output.name)});
+            append({separator, "out "});
+            appendDeclaration(text_, output.type, output.name);
             separator = ", ";
         }
         append({" )\n{\n", function.code, "}\n"});
@@ -239,22 +257,29 @@ private:
         if (shader_.options.annotate) {
             printTypes(node);
         }
-        if (node.generated->kind == NodeKind::InterpolantParameter) {
-            statement({declaration(node.generated->type, shader_.names.values[index].front()), " = ",
-                       valueName(node.inputs.front())});
+        const GeneratorNode& generated = *node.generated;
+        const std::span<const std::string_view> values = shader_.names.values(index);
+        if (generated.kind == NodeKind::InterpolantParameter) {
+            text_ += '\t';
+            appendDeclaration(text_, generated.type, values.front());
+            append({" = ", valueName(node.inputs.front()), ";\n"});
             return;
         }
-        for (std::size_t port = 0; port < node.generated->outputs.size(); ++port) {
-            statement({declaration(node.generated->outputs[port].type, shader_.names.values[index][port])});
+        for (std::size_t port = 0; port < values.size(); ++port) {
+            text_ += '\t';
+            appendDeclaration(text_, generated.outputs[port].type, values[port]);
+            text_ += ";\n";
         }
         append({"\t", shader_.names.functions[index], "("});
         const char* separator = " ";
         for (const ValueSource& input : node.inputs) {
-            append({separator, valueName(input)});
+            text_ += separator;
+            text_ += valueName(input);
             separator = ", ";
         }
-        for (const std::string& output : shader_.names.values[index]) {
-            append({separator, output});
+        for (const std::string_view output : values) {
+            text_ += separator;
+            text_ += output;
             separator = ", ";
         }
         text_ += " );\n";

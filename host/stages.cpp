@@ -27,7 +27,7 @@ constexpr std::size_t nobody = std::numeric_limits<std::size_t>::max();
 struct Demand {
     bool byFragment = false;
     std::size_t vertexReader = nobody; ///< the vertex function for whose sake the vertex program reads it
-    std::vector<bool> portsByFragment;
+    std::size_t firstPort = 0;         ///< of the node's outputs, which lie side by side
 
     bool byVertex() const { return vertexReader != nobody; }
 };
@@ -37,9 +37,12 @@ public:
     StagePlacer(const Material& material, const Dataflow& flow, Errors* errors)
         : material_(material), flow_(flow), errors_(errors) {
         demands_.resize(flow.nodes.size());
+        std::size_t portCount = 0;
         for (std::size_t i = 0; i < flow.nodes.size(); ++i) {
-            demands_[i].portsByFragment.resize(flow.nodes[i].generated->outputs.size());
+            demands_[i].firstPort = portCount;
+            portCount += flow.nodes[i].generated->outputs.size();
         }
+        portsByFragment_.resize(portCount);
         findDeclarations();
     }
 
@@ -124,7 +127,7 @@ private:
             return;
         }
         demands_[value.node].byFragment = true;
-        demands_[shader_.declarations[value.node]].portsByFragment[value.port] = true;
+        portsByFragment_[demands_[shader_.declarations[value.node]].firstPort + value.port] = true;
     }
 
     void demandInputs(std::size_t node, bool byFragment, std::size_t vertexReader) {
@@ -140,8 +143,8 @@ private:
 
     /// Notes the values of a node in the vertex program that the fragment program reads.
     void cross(std::size_t node) {
-        for (std::size_t port = demands_[node].portsByFragment.size(); port-- > 0;) {
-            if (demands_[node].portsByFragment[port]) {
+        for (std::size_t port = generated(node).outputs.size(); port-- > 0;) {
+            if (portsByFragment_[demands_[node].firstPort + port]) {
                 crossing_.push_back({node, port});
             }
         }
@@ -450,6 +453,7 @@ private:
     const Dataflow& flow_;
     Errors* errors_;
     std::vector<Demand> demands_;
+    std::vector<bool> portsByFragment_; ///< by output, whether the fragment program reads it
     std::vector<ValueSource> crossing_;
     std::set<std::int32_t> claimedInterpolants_; ///< numbers of registers that nodes name themselves
     StagedShader shader_;

@@ -89,12 +89,15 @@ void verifyConstants(const GeneratorNode& function) {
 } // namespace
 
 void verifyCode(const Material& material, const Dataflow& flow, Errors* errors) {
-    for (const DataflowNode& node : flow.nodes) {
-        if (node.generated->kind != NodeKind::Function || node.owner == frameworkOwner) {
+    std::vector<bool> isFine(flow.nodes.size(), false); // by the first node of each function
+    for (std::size_t i = 0; i < flow.nodes.size(); ++i) {
+        const DataflowNode& node = flow.nodes[i];
+        const std::size_t function = flow.functions[i];
+        if (node.generated->kind != NodeKind::Function || node.owner == frameworkOwner || isFine[function]) {
             continue;
         }
         const MaterialItem& item = material.items[node.owner];
-        attempt(errors, [&] {
+        isFine[function] = attempt(errors, [&] {
             onBehalfOf(material, item, item.line, [&] {
                 verifyPorts(*node.generated);
                 verifyConstants(*node.generated);

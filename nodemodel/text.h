@@ -20,4 +20,7 @@ void appendText(std::string& text, std::initializer_list<std::string_view> piece
 /// significant digits, so 1.0 gives "1", 0.1 gives "0.1" and 1234567 gives "1.23457e+06".
 std::string formatFloat(float value);
 
+/// Appends such a number.
+void appendFloat(std::string& text, float value);
+
 } // namespace patina::detail

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace patina {
 
@@ -15,8 +16,14 @@ ShaderType detail::portType(const Port& port) {
             static_cast<std::int32_t>(port.getComponentCount()), 1, 1};
 }
 
+void detail::appendSplat(std::string& text, std::int32_t columns) {
+    text.append(static_cast<std::size_t>(std::max(columns, 0)), 'x');
+}
+
 std::string detail::splat(std::int32_t columns) {
-    return std::string(static_cast<std::size_t>(std::max(columns, 0)), 'x');
+    std::string text;
+    appendSplat(text, columns);
+    return text;
 }
 
 void FunctionBuilder::addParameter(std::int32_t direction, const ShaderType& type, const std::string& name) {
@@ -27,11 +34,10 @@ void FunctionBuilder::addParameter(std::int32_t direction, const ShaderType& typ
                 {"parameter name \"", name, "\" is duplicated in function \"", function_.name, "\""});
         }
     }
-    FunctionParameter parameter;
+    FunctionParameter& parameter = function_.parameters.emplace_back();
     parameter.direction = direction;
     parameter.type = type;
     parameter.name = name;
-    function_.parameters.push_back(parameter);
 }
 
 void FunctionBuilder::addInput(const ShaderType& type, const std::string& name) {
@@ -49,24 +55,36 @@ void FunctionBuilder::addOutputPort(const Port& port) { addOutput(portType(port)
 void FunctionBuilder::appendCode(std::string_view text) { body_ += text; }
 
 void FunctionBuilder::declareConstant(const ShaderType& type, const std::string& name, float value) {
-    appendText(body_, {"\t", declaration(type, name), " = "});
+    body_ += '\t';
+    appendDeclaration(body_, type, name);
+    body_ += " = ";
     if (type.componentType != ComponentType::Float && type.componentType != ComponentType::Half) {
         throw ShaderError(joinText({"cannot determine zero type for ", typeText(type)}));
     }
     // a scalar gets its one-component swizzle too
-    appendText(body_, {componentTypeName(type), "( ", formatFloat(value), " ).", splat(type.columns), ";\n"});
+    appendComponentType(body_, type);
+    body_ += "( ";
+    appendFloat(body_, value);
+    body_ += " ).";
+    appendSplat(body_, type.columns);
+    body_ += ";\n";
 }
 
 void FunctionBuilder::declarePortConstant(const Port& port, float value) {
     declareConstant(portType(port), port.name, value);
 }
 
+void FunctionBuilder::reserve(std::size_t parameterCount, std::size_t codeLength) {
+    function_.parameters.reserve(parameterCount);
+    body_.reserve(codeLength);
+}
+
 std::shared_ptr<GeneratorNode> FunctionBuilder::makeNode(ExecutionLevel level, const std::string& name) {
-    ShaderFunction function = function_;
-    function.level = level;
-    function.name = name;
-    function.code = body_;
-    return makeFunctionNode(function);
+    return makeFunctionNode(function_.parameters, level, name, body_);
+}
+
+std::shared_ptr<GeneratorNode> FunctionBuilder::finish(ExecutionLevel level, const std::string& name) {
+    return makeFunctionNode(function_.parameters, level, name, std::move(body_));
 }
 
 } // namespace patina

@@ -3,6 +3,7 @@
 #include "nodemodel/port.h"
 #include "shadergraph/generator_node.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -17,6 +18,7 @@ ShaderType portType(const Port& port);
 
 /// A swizzle that repeats the first component: "xxx" for 3 columns.
 std::string splat(std::int32_t columns);
+void appendSplat(std::string& text, std::int32_t columns);
 
 } // namespace detail
 
@@ -45,8 +47,14 @@ public:
     void declarePortConstant(const Port& port, float value);
     /// @}
 
+    /// Makes room for a function of about that size, beyond which it may still grow.
+    void reserve(std::size_t parameterCount, std::size_t codeLength);
+
     /// A new function node of what has been collected; the builder may go on.
     std::shared_ptr<GeneratorNode> makeNode(ExecutionLevel level, const std::string& name);
+
+    /// The same, after which the builder is good for nothing else.
+    std::shared_ptr<GeneratorNode> finish(ExecutionLevel level, const std::string& name);
 
     /// The function under construction. Its `code` is filled only in the copies that makeNode makes.
     const ShaderFunction& function() const { return function_; }

@@ -4,6 +4,8 @@
 #include "nodemodel/text.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace patina {
 
@@ -14,11 +16,19 @@ namespace {
 constexpr const char* readPortName = "read";
 constexpr const char* writePortName = "write";
 
-bool isNameStart(char letter) {
-    return letter == '_' || (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-}
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
-bool isNamePart(char letter) { return isNameStart(letter) || (letter >= '0' && letter <= '9'); }
+/// By the code of a character, whether it may stand in a name.
+constexpr std::array<bool, 256> nameCharacters = [] {
+    std::array<bool, 256> table = {};
+    for (const char letter :
+         std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_")) {
+        table[static_cast<unsigned char>(letter)] = true;
+    }
+    return table;
+}();
+
+bool isNameCharacter(char letter) { return nameCharacters[static_cast<unsigned char>(letter)]; }
 
 void requireVariableName(const char* role, const std::string& name) {
     if (!isValidVariableName(name)) {
@@ -99,18 +109,29 @@ const GeneratorPort& findPort(const GeneratorNode& node, const std::vector<Gener
 
 } // namespace
 
-std::shared_ptr<GeneratorNode> makeFunctionNode(const ShaderFunction& function) {
+std::shared_ptr<GeneratorNode> detail::makeFunctionNode(const std::vector<FunctionParameter>& parameters,
+                                                        ExecutionLevel level, const std::string& name,
+                                                        std::string code) {
     auto node = std::make_shared<GeneratorNode>();
     node->kind = NodeKind::Function;
-    node->name = function.name;
-    node->level = function.level;
-    node->code = function.code;
-    for (const FunctionParameter& parameter : function.parameters) {
+    node->name = name;
+    node->level = level;
+    node->code = std::move(code);
+    const auto outputCount = static_cast<std::size_t>(
+        std::count_if(parameters.begin(), parameters.end(),
+                      [](const auto& parameter) { return parameter.direction == 1; }));
+    node->inputs.reserve(parameters.size() - outputCount);
+    node->outputs.reserve(outputCount);
+    for (const FunctionParameter& parameter : parameters) {
         auto& ports = parameter.direction == 1 ? node->outputs : node->inputs;
         ports.push_back({parameter.name, parameter.type});
     }
     validate(*node);
     return node;
+}
+
+std::shared_ptr<GeneratorNode> makeFunctionNode(const ShaderFunction& function) {
+    return detail::makeFunctionNode(function.parameters, function.level, function.name, function.code);
 }
 
 std::shared_ptr<GeneratorNode> makeParameterNode(NodeKind kind, const std::string& name,
@@ -165,7 +186,7 @@ const GeneratorPort& outputPort(const GeneratorNode& node, const std::string& na
 }
 
 bool isValidVariableName(std::string_view name) {
-    return !name.empty() && isNameStart(name.front()) && std::all_of(name.begin(), name.end(), isNamePart);
+    return !name.empty() && !isDigit(name.front()) && std::all_of(name.begin(), name.end(), isNameCharacter);
 }
 
 } // namespace patina

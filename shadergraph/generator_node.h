@@ -66,6 +66,15 @@ struct GeneratorNode {
     std::vector<GeneratorPort> outputs;
 };
 
+namespace detail {
+
+/// What makeFunctionNode makes of a function with these fields.
+std::shared_ptr<GeneratorNode> makeFunctionNode(const std::vector<FunctionParameter>& parameters,
+                                                ExecutionLevel level, const std::string& name,
+                                                std::string code);
+
+} // namespace detail
+
 // Makers: each returns a new node of its own, validated. They throw ShaderError when the name of a varying or
 // uniform parameter, or of a function's port, is no valid Cg variable name. [thread-safe]
 

@@ -24,6 +24,10 @@ void enterEdge(std::vector<std::weak_ptr<GeneratorEdge>>& entries, const std::sh
 
 InterfaceProvider::~InterfaceProvider() = default;
 
+Graph::Graph() : nodeSet(&memory_), edgeSet(&memory_) {}
+
+Graph::~Graph() = default;
+
 void Graph::insertNode(const std::shared_ptr<GeneratorNode>& node) {
     if (node->kind == NodeKind::InterfaceParameter) {
         registerInterface(node);

@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <set>
+#include <memory_resource>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace patina {
@@ -51,11 +52,18 @@ public:
 /// Ownership: shares what is inserted. Threads: one code generation pass, and so one thread, at a time.
 /// Errors: ShaderError; nothing is rolled back.
 class Graph {
+    std::pmr::monotonic_buffer_resource memory_; // of the sets, which never shrink
+
 public:
+    Graph();
+    Graph(const Graph&) = delete;
+    Graph& operator=(const Graph&) = delete;
+    ~Graph();
+
     std::vector<std::shared_ptr<GeneratorNode>> nodes; ///< in the order of insertion
     std::vector<std::shared_ptr<GeneratorEdge>> edges; ///< in the order of insertion
-    std::set<std::shared_ptr<GeneratorNode>> nodeSet;
-    std::set<std::shared_ptr<GeneratorEdge>> edgeSet;
+    std::pmr::unordered_set<std::shared_ptr<GeneratorNode>> nodeSet;
+    std::pmr::unordered_set<std::shared_ptr<GeneratorEdge>> edgeSet;
     std::map<InterfaceKey, std::shared_ptr<GeneratorNode>> interfaces;
     std::vector<std::shared_ptr<InterfaceProvider>> interfaceProviders; ///< asked in order
 

@@ -8,19 +8,20 @@ namespace patina {
 
 using namespace detail;
 
-GraphGenerator::GraphGenerator() : graph(std::make_shared<Graph>()) {}
+GraphGenerator::GraphGenerator()
+    : memory_(std::make_unique<std::pmr::monotonic_buffer_resource>()), nodeMap(memory_.get()),
+      portLinks(memory_.get()), graph(std::make_shared<Graph>()) {}
 
 void GraphGenerator::addNode(const std::shared_ptr<GeneratorNode>& node) {
     if (nodeMap.count(node) != 0) {
         throw ShaderError(joinText({describe(*node), " already added to the graph generator"}));
     }
-    std::shared_ptr<GeneratorNode> graphNode = node;
     if (node->kind == NodeKind::InterfaceParameter && graph->hasInterfaceNode(node->name, node->flags)) {
-        graphNode = graph->findInterfaceNode(node->name, node->flags, node->type);
+        nodeMap.emplace(node, graph->findInterfaceNode(node->name, node->flags, node->type));
     } else {
         graph->insertNode(node);
+        nodeMap.emplace(node, node);
     }
-    nodeMap.emplace(node, graphNode);
 }
 
 std::shared_ptr<GeneratorNode> GraphGenerator::findNode(const std::shared_ptr<GeneratorNode>& node) const {

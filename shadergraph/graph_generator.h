@@ -3,9 +3,10 @@
 #include "nodemodel/node_connection.h"
 #include "shadergraph/graph.h"
 
-#include <map>
 #include <memory>
+#include <memory_resource>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace patina {
@@ -29,13 +30,19 @@ struct PortLink {
 /// then links the material node's ports. Ownership: shares what is added. Threads: one thread at a time.
 /// Errors: ShaderError, usually the end of the pass; nothing is rolled back.
 class GraphGenerator {
+    // of the maps, which never shrink; held by pointer, so that they stay where they are when this moves
+    std::unique_ptr<std::pmr::monotonic_buffer_resource> memory_;
+
 public:
     /// Starts with an empty graph.
     GraphGenerator();
+    GraphGenerator(GraphGenerator&&) noexcept = default;
+    GraphGenerator& operator=(GraphGenerator&&) = delete;
+    ~GraphGenerator() = default;
 
     /// From a submitted node to the node that stands for it in the graph.
-    std::map<std::shared_ptr<GeneratorNode>, std::shared_ptr<GeneratorNode>> nodeMap;
-    std::map<std::shared_ptr<NodeConnection>, PortLink> portLinks;
+    std::pmr::unordered_map<std::shared_ptr<GeneratorNode>, std::shared_ptr<GeneratorNode>> nodeMap;
+    std::pmr::unordered_map<std::shared_ptr<NodeConnection>, PortLink> portLinks;
     std::shared_ptr<Graph> graph;
 
     /// Enters a node. An interface parameter whose name and flags the graph already has is mapped onto that

@@ -15,50 +15,74 @@ using namespace detail;
 namespace {
 
 /// Indexed by ComponentType.
-constexpr std::array<const char*, 12> componentTypeNames = {
+constexpr std::array<std::string_view, 12> componentTypeNames = {
     "unknown", "void",      "float",     "half",      "fixed",       "int",
     "bool",    "sampler1D", "sampler2D", "sampler3D", "samplerCUBE", "samplerRECT",
 };
 
-/// The type text without its array size.
-std::string elementTypeText(const ShaderType& type) {
-    std::string text = componentTypeName(type);
-    if (type.rows >= 2) {
-        appendText(text, {std::to_string(type.rows), "x", std::to_string(type.columns)});
-    } else if (type.columns >= 2) {
-        text += std::to_string(type.columns);
+void appendNumber(std::string& text, std::int32_t number) {
+    if (number >= 0 && number <= 9) {
+        text += static_cast<char>('0' + number);
+    } else {
+        text += std::to_string(number);
     }
-    return text;
+}
+
+/// The type text without its array size.
+void appendElementType(std::string& text, const ShaderType& type) {
+    appendComponentType(text, type);
+    if (type.rows >= 2) {
+        appendNumber(text, type.rows);
+        text += 'x';
+        appendNumber(text, type.columns);
+    } else if (type.columns >= 2) {
+        appendNumber(text, type.columns);
+    }
 }
 
 void appendArraySize(std::string& text, const ShaderType& type) {
     if (type.arraySize >= 2) {
-        appendText(text, {"[", std::to_string(type.arraySize), "]"});
+        text += '[';
+        appendNumber(text, type.arraySize);
+        text += ']';
     }
 }
 
 } // namespace
 
-std::string componentTypeName(const ShaderType& type) {
+void detail::appendComponentType(std::string& text, const ShaderType& type) {
     const auto code = static_cast<std::size_t>(type.componentType);
     if (code >= componentTypeNames.size()) {
         throw ShaderError("unknown component type");
     }
-    return componentTypeNames[code];
+    text += componentTypeNames[code];
+}
+
+void detail::appendDeclaration(std::string& text, const ShaderType& type, std::string_view name) {
+    appendElementType(text, type);
+    text += ' ';
+    text += name;
+    appendArraySize(text, type);
+}
+
+std::string componentTypeName(const ShaderType& type) {
+    std::string text;
+    appendComponentType(text, type);
+    return text;
 }
 
 std::string detail::typeText(const ShaderType& type) {
-    std::string text = elementTypeText(type);
+    std::string text;
+    appendElementType(text, type);
     appendArraySize(text, type);
     return text;
 }
 
 std::ostream& operator<<(std::ostream& stream, const ShaderType& type) { return stream << typeText(type); }
 
-std::string declaration(const ShaderType& type, const std::string& name) {
-    std::string text = elementTypeText(type);
-    appendText(text, {" ", name});
-    appendArraySize(text, type);
+std::string declaration(const ShaderType& type, std::string_view name) {
+    std::string text;
+    appendDeclaration(text, type, name);
     return text;
 }
 

@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace patina {
 
@@ -44,12 +45,18 @@ std::string componentTypeName(const ShaderType& type);
 std::ostream& operator<<(std::ostream& stream, const ShaderType& type);
 
 /// A Cg declaration of `name`: "float3 name", "float4 name[8]".
-std::string declaration(const ShaderType& type, const std::string& name);
+std::string declaration(const ShaderType& type, std::string_view name);
 
 namespace detail {
 
 /// What the operator prints.
 std::string typeText(const ShaderType& type);
+
+/// Appends what componentTypeName and declaration give.
+/// @{
+void appendComponentType(std::string& text, const ShaderType& type);
+void appendDeclaration(std::string& text, const ShaderType& type, std::string_view name);
+/// @}
 
 } // namespace detail
 

@@ -189,7 +189,7 @@ void checkAcyclic(CheckContext& context, const Graph& graph) {
     }
     Dependencies dependencies(graph.nodes.size());
     for (const std::shared_ptr<GeneratorEdge>& edge : graph.edges) {
-        dependencies[indices.at(edge->head.lock().get())].push_back(indices.at(edge->tail.lock().get()));
+        dependencies.add(indices.at(edge->head.lock().get()), indices.at(edge->tail.lock().get()));
     }
     const std::vector<std::size_t> cycle = orderByDependencies(dependencies).cycle;
     if (!cycle.empty()) {

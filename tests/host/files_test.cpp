@@ -373,15 +373,16 @@ TEST(OrderByDependencies, PutsEveryDependencyFirst) {
             const std::size_t from = random() % count;
             const std::size_t to = random() % count;
             if (rank[from] > rank[to]) {
-                dependencies[from].push_back(to);
+                dependencies.add(from, to);
             }
         }
         const DependencyOrder order = orderByDependencies(dependencies);
         ASSERT_EQ(order.order.size(), count);
         std::vector<bool> seen(count, false);
         for (const std::size_t item : order.order) {
-            for (const std::size_t dependency : dependencies[item]) {
-                EXPECT_TRUE(seen[dependency]);
+            for (std::size_t link = dependencies.first(item); link != Dependencies::none;
+                 link = dependencies.next(link)) {
+                EXPECT_TRUE(seen[dependencies.dependency(link)]);
             }
             EXPECT_FALSE(seen[item]);
             seen[item] = true;
@@ -401,10 +402,10 @@ TEST(OrderByDependencies, HoldsChainsOfAnyLength) {
     constexpr std::size_t length = 1000000;
     Dependencies dependencies(length);
     for (std::size_t i = 0; i + 1 < length; ++i) {
-        dependencies[i].push_back(i + 1);
+        dependencies.add(i, i + 1);
     }
     EXPECT_EQ(orderByDependencies(dependencies).order.front(), length - 1);
-    dependencies.back().push_back(0);
+    dependencies.add(length - 1, 0);
     EXPECT_EQ(orderByDependencies(dependencies).cycle.size(), length);
 }
 

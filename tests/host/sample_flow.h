@@ -54,11 +54,12 @@ public:
         item.node = std::make_shared<ItemNode>();
         item.line = static_cast<int>(10 + index);
         material.items.push_back(item);
-        flow.nodes.push_back({generated, index, inputs});
+        flow.nodes.push_back({generated, index, {inputs.begin(), inputs.end()}});
         return index;
     }
     StagedShader place(std::size_t colour) {
         flow.colour = {colour, 0};
+        flow.functions = firstOfEachFunction(flow.nodes);
         return placeInStages(material, flow);
     }
 

@@ -36,6 +36,7 @@ std::string verdictOn(FunctionBuilder& builder) {
     material.items.push_back(item);
     Dataflow flow;
     flow.nodes.push_back({builder.makeNode(ExecutionLevel::Automatic, "f"), 0, {}});
+    flow.functions = firstOfEachFunction(flow.nodes);
     return hostErrorOf([&] { verifyCode(material, flow); });
 }
 

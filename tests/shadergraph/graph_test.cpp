@@ -88,7 +88,8 @@ TEST(InsertNode, KeepsNodesOfEveryKindInOrder) {
         graph.insertNode(node);
     }
     EXPECT_EQ(graph.nodes, inserted);
-    EXPECT_EQ(graph.nodeSet, std::set<std::shared_ptr<GeneratorNode>>(inserted.begin(), inserted.end()));
+    EXPECT_EQ(std::set(graph.nodeSet.begin(), graph.nodeSet.end()),
+              std::set(inserted.begin(), inserted.end()));
     // only the interface parameter has an entry
     ASSERT_EQ(graph.interfaces.size(), 1U);
     EXPECT_EQ(graph.interfaces.begin()->second, inserted[1]);
@@ -151,7 +152,7 @@ TEST(InsertNode, LeavesTheNewInterfaceEntryOfANodeThatItRefuses) {
 TEST_F(Pair, AnEdgeIsEnteredInTheGraphAndAtBothEnds) {
     graph.addEdge(edge);
     EXPECT_EQ(graph.edges, Edges{edge});
-    EXPECT_EQ(graph.edgeSet, std::set<std::shared_ptr<GeneratorEdge>>{edge});
+    EXPECT_EQ(std::set(graph.edgeSet.begin(), graph.edgeSet.end()), std::set{edge});
     EXPECT_EQ(lockedEdges(source->outEdges), Edges{edge});
     EXPECT_TRUE(source->inEdges.empty());
     EXPECT_EQ(lockedEdges(sink->inEdges), Edges{edge});

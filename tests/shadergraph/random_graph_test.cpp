@@ -62,9 +62,11 @@ public:
         const Graph& graph = *generator_.graph;
         EXPECT_EQ(graph.nodes.size(), graphNodes_ + conversions_);
         EXPECT_EQ(graph.edges.size(), plainEdges_ + 2 * conversions_);
-        EXPECT_EQ(std::set(graph.nodes.begin(), graph.nodes.end()), graph.nodeSet);
+        EXPECT_EQ(std::set(graph.nodes.begin(), graph.nodes.end()),
+                  std::set(graph.nodeSet.begin(), graph.nodeSet.end()));
         EXPECT_EQ(graph.nodeSet.size(), graph.nodes.size());
-        EXPECT_EQ(std::set(graph.edges.begin(), graph.edges.end()), graph.edgeSet);
+        EXPECT_EQ(std::set(graph.edges.begin(), graph.edges.end()),
+                  std::set(graph.edgeSet.begin(), graph.edgeSet.end()));
         EXPECT_EQ(graph.edgeSet.size(), graph.edges.size());
         EXPECT_EQ(generator_.nodeMap.size(), submitted_.size());
         for (const auto& [node, graphNode] : generator_.nodeMap) {
