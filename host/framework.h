@@ -18,8 +18,8 @@ std::string litFrameworkText();
 std::string vertexFrameworkText();
 
 /// The names that the framework takes for itself.
-inline constexpr std::array<const char*, 8> frameworkNames = {
-    "QelSrgbToLinear", "QelDirection", "QelFresnel",           "QelHighlight",
+inline constexpr std::array<const char*, 9> frameworkNames = {
+    "QelSrgbToLinear", "QelDirection", "QelFresnel",           "QelSurroundings",    "QelHighlight",
     "QelBend",         "QelShade",     "QelTransformPosition", "worldViewProjection"};
 
 /// The constant registers of the vertex program, from c0, that hold worldViewProjection.

@@ -112,6 +112,7 @@ struct NodeLabel {
     std::string picture;  ///< may be empty
     std::vector<std::string> inputs;
     std::vector<std::string> outputs;
+    int pictureSize = graphPictureSize;
 };
 
 enum class Direction { In, Out };
@@ -138,7 +139,7 @@ std::string labelText(const NodeLabel& label) {
     }
     text += "</TD></TR>";
     if (!label.picture.empty()) {
-        const std::string size = std::to_string(graphPictureSize);
+        const std::string size = std::to_string(label.pictureSize);
         appendText(text, {"<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"", size, "\" HEIGHT=\"", size,
                           "\"><IMG SCALE=\"TRUE\" SRC=\"", htmlText(label.picture), "\"/></TD></TR>"});
     }
@@ -154,17 +155,17 @@ std::string labelText(const NodeLabel& label) {
 /// Appends the statements of one graph to one text.
 class DotPrinter {
 public:
-    explicit DotPrinter(const std::string& name, std::string_view title) {
+    explicit DotPrinter(const std::string& name, std::string_view title, bool isDense = false) {
+        const std::string_view distances = isDense ? "nodesep=0.1, ranksep=0.4" : "nodesep=0.3, ranksep=0.8";
         constexpr std::string_view graphLook =
-            "rankdir=LR, nodesep=0.3, ranksep=0.8, pad=0.4, bgcolor=\"#ffffff\", labelloc=t, "
-            "fontname=\"Helvetica\", fontsize=20";
+            "pad=0.4, bgcolor=\"#ffffff\", labelloc=t, fontname=\"Helvetica\", fontsize=20";
         constexpr std::string_view nodeLook =
             "shape=box, style=\"rounded,filled\", margin=0.04, penwidth=1.2, "
             "fontname=\"Helvetica\", fontsize=11";
         constexpr std::string_view edgeLook =
             "arrowsize=0.6, penwidth=1.4, fontname=\"Helvetica\", fontsize=8";
-        append({"digraph ", quotedText(name), " {\n\tgraph [", graphLook, ", label=", quotedText(title),
-                "];\n"});
+        append({"digraph ", quotedText(name), " {\n\tgraph [rankdir=LR, ", distances, ", ", graphLook,
+                ", label=", quotedText(title), "];\n"});
         append({"\tnode [", nodeLook, "];\n\tedge [", edgeLook, "];\n\n"});
     }
 
@@ -243,7 +244,7 @@ PortList listOf(const std::vector<Port>& ports) {
 class MaterialGraphPrinter {
 public:
     MaterialGraphPrinter(const Material& material, const GraphPictures& pictures)
-        : material_(material), pictures_(pictures), printer_(material.name, material.name) {}
+        : material_(material), pictures_(pictures), printer_(material.name, material.name, pictures.dense) {}
 
     std::string print() {
         listPorts();
@@ -280,7 +281,8 @@ private:
             const std::string subtitle =
                 caption == node.name() ? item.id : joinText({node.name(), middleDot, item.id});
             printer_.node(
-                nodeName(i), {caption, subtitle, pictureOf(i), inputs_[i].labels, outputs_[i].labels},
+                nodeName(i),
+                {caption, subtitle, pictureOf(i), inputs_[i].labels, outputs_[i].labels, pictureSize()},
                 joinText({"fillcolor=\"", colourText(node.bodyColour), "\", color=\"",
                           lineColour(node.bodyColour), "\", fontcolor=\"", colourText(node.textColour),
                           "\", tooltip=", quotedTooltip(tooltipOf(item)),
@@ -291,6 +293,8 @@ private:
     std::string pictureOf(std::size_t item) const {
         return item < pictures_.nodes.size() ? pictures_.nodes[item] : std::string();
     }
+
+    int pictureSize() const { return pictures_.dense ? denseGraphPictureSize : graphPictureSize; }
 
     static std::string tooltipOf(const MaterialItem& item) {
         const std::string& description = item.node->descriptionProperty->getString();
@@ -305,6 +309,7 @@ private:
         label.title = material_.name;
         label.subtitle = "material";
         label.picture = pictures_.material;
+        label.pictureSize = pictureSize();
         for (const MaterialOutput& output : material_.outputs) {
             label.inputs.push_back(output.name);
         }

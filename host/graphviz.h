@@ -13,13 +13,15 @@ namespace patina {
 // depends on the arguments alone, to the byte, and is valid UTF-8 whatever plug-ins and documents name their
 // nodes. Threads: as the material.
 
-/// The edge of a picture in a graph, in points, of which there are 72 to an inch.
+/// The edge of a picture in a graph, in points, of which there are 72 to an inch, and in a dense one.
 inline constexpr int graphPictureSize = 96;
+inline constexpr int denseGraphPictureSize = 56;
 
 /// Pictures to be shown in a graph: names of square image files, which Graphviz is to find; empty for none.
 struct GraphPictures {
     std::vector<std::string> nodes; ///< by item; those beyond the end have none
     std::string material;           ///< the result
+    bool dense = false;             ///< for many nodes: small pictures, and nodes close together
 };
 
 /// The nodes as an editor shows them: captions, names and ids, their own colours, ports with their labels,

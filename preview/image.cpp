@@ -29,14 +29,15 @@ struct Free {
 template <typename Value>
 using Pixels = std::unique_ptr<Value, Free>;
 
+constexpr const char* readableKinds = "PNG, JPEG, TGA, BMP, GIF, PSD, PPM, PGM or HDR";
+
 [[noreturn]] void throwUnreadable(const std::filesystem::path& file, const std::string& text) {
     throw HostError({file.string(), 0}, text);
 }
 
 /// Throws unless the image is one that there is room for.
-void requireSize(const std::filesystem::path& file, int width, int height) {
-    const auto pixelCount = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    if (width > imageSideLimit || height > imageSideLimit || pixelCount > imagePixelLimit) {
+void requireSize(const std::filesystem::path& file, std::size_t width, std::size_t height) {
+    if (width > imageSideLimit || height > imageSideLimit || width * height > imagePixelLimit) {
         throwUnreadable(file,
                         joinText({"this image has ", std::to_string(width), " by ", std::to_string(height),
                                   " pixels; at most ", std::to_string(imageSideLimit), " on a side and ",
@@ -44,11 +45,23 @@ void requireSize(const std::filesystem::path& file, int width, int height) {
     }
 }
 
+/// The same of a PNG file, of which libstb knows nothing when it is too large.
+void requirePngSize(const std::filesystem::path& file, const std::string& content) {
+    png_image image = {};
+    image.version = PNG_IMAGE_VERSION;
+    if (png_image_begin_read_from_memory(&image, content.data(), content.size()) != 0) {
+        png_image_free(&image);
+        requireSize(file, image.width, image.height);
+    }
+}
+
 /// Takes over what the decoder gave, scaled so that `one` becomes 1.
 template <typename Value>
 void takePixels(Image& image, const Pixels<Value>& pixels, float one, const std::filesystem::path& file) {
     if (!pixels) {
-        throwUnreadable(file, joinText({"this image is damaged (", stbi_failure_reason(), ")"}));
+        throwUnreadable(file,
+                        joinText({"this image is damaged, or saved in an unusual way; save it again, as ",
+                                  readableKinds}));
     }
     image.pixels.resize(static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height) *
                         channels);
@@ -128,15 +141,16 @@ Image decodeImage(const std::string& content, const std::filesystem::path& file)
     if (content.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         throwUnreadable(file, "this image file is too large");
     }
+    requirePngSize(file, content);
     const auto* bytes = reinterpret_cast<const stbi_uc*>(content.data());
     const auto size = static_cast<int>(content.size());
     Image image;
     const bool isKnown = stbi_info_from_memory(bytes, size, &image.width, &image.height, nullptr) != 0;
     const bool isDeep = stbi_is_16_bit_from_memory(bytes, size) != 0;
     if (!isKnown || (isDeep && content.front() == 'P')) { // libstb takes pixel maps of 16 bits for others
-        throwUnreadable(file, "this is no image that can be read; save it as a PNG, JPEG, TGA, BMP or HDR");
+        throwUnreadable(file, joinText({"this is no image that can be read; save it as ", readableKinds}));
     }
-    requireSize(file, image.width, image.height);
+    requireSize(file, static_cast<std::size_t>(image.width), static_cast<std::size_t>(image.height));
     constexpr int wanted = static_cast<int>(channels);
     int width = 0;
     int height = 0;

@@ -25,7 +25,7 @@ struct Image {
 inline constexpr int imageSideLimit = 16384;
 inline constexpr std::size_t imagePixelLimit = std::size_t{1} << 26U;
 
-/// Reads a PNG, JPEG, TGA, BMP, HDR file or another that libstb knows; of an animation, the first image.
+/// Reads a PNG, JPEG, TGA, BMP, GIF, PSD, PPM, PGM or HDR file; of an animation, the first image.
 /// Throws HostError, naming the file, when it cannot be read, is no such image or a damaged one, or is larger
 /// than the limits.
 Image readImage(const std::filesystem::path& file);

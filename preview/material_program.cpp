@@ -87,6 +87,10 @@ constexpr std::array<const char*, 8> suppliedUniforms = {
     "worldViewProjection", "world",        "eyePosition",  "lightDirections",
     "lightColours",        "ambientAbove", "ambientBelow", "time"};
 
+/// Those of them that are the framework's in a lit material. In another, a node has them for itself.
+constexpr std::array<const char*, 6> litUniforms = {"world",        "eyePosition",  "lightDirections",
+                                                    "lightColours", "ambientAbove", "ambientBelow"};
+
 std::size_t numberCount(const ShaderType& type) {
     return static_cast<std::size_t>(type.columns) * static_cast<std::size_t>(type.rows) *
            static_cast<std::size_t>(type.arraySize);
@@ -122,7 +126,7 @@ GlTexture loadTexture(const ProgramParameter& parameter, const MaterialInputs& i
 
 MaterialProgram::MaterialProgram(const ExportedMaterial& exported, MaterialInputs inputs,
                                  const GlContext& context, Warnings& warnings, Errors& errors)
-    : program_(link(exported)), inputs_(std::move(inputs)) {
+    : program_(link(exported)), inputs_(std::move(inputs)), lit_(exported.lit) {
     for (const TargetProgram& program : exported.targetPrograms) {
         parameters_.insert(parameters_.end(), program.parameters.begin(), program.parameters.end());
     }
@@ -144,9 +148,19 @@ void MaterialProgram::set(const std::string& parameter, std::span<const float> v
     }
 }
 
-void MaterialProgram::setUnlessGiven(const std::string& parameter, std::span<const float> values) {
+/// Of a parameter that both a binding and the framework have, the value is the framework's unless the options
+/// say otherwise.
+bool MaterialProgram::isBindings(const std::string& parameter) const {
     const Binding* binding = inputs_.find(parameter);
-    if (binding == nullptr || !inputs_.isGiven(*binding)) {
+    const bool isFrameworks =
+        parameter == "worldViewProjection" ||
+        (lit_ && std::find(litUniforms.begin(), litUniforms.end(), parameter) != litUniforms.end());
+    return binding != nullptr && binding->kind == BindingKind::Float &&
+           (!isFrameworks || inputs_.isGiven(*binding));
+}
+
+void MaterialProgram::supply(const std::string& parameter, std::span<const float> values) {
+    if (!isBindings(parameter)) {
         set(parameter, values);
     }
 }
@@ -159,27 +173,25 @@ void MaterialProgram::setLights() {
         directions.insert(directions.end(), light.direction.begin(), light.direction.end());
         colours.insert(colours.end(), light.colour.begin(), light.colour.end());
     }
-    set("lightDirections", directions);
-    set("lightColours", colours);
-    set("ambientAbove", lighting.above);
-    set("ambientBelow", lighting.below);
+    supply("lightDirections", directions);
+    supply("lightColours", colours);
+    supply("ambientAbove", lighting.above);
+    supply("ambientBelow", lighting.below);
 }
 
 void MaterialProgram::setTime(double seconds) {
-    set("time", std::array<float, 1>{static_cast<float>(seconds)});
+    supply("time", std::array<float, 1>{static_cast<float>(seconds)});
     for (const ProgramParameter& parameter : parameters_) {
-        const Binding* binding = inputs_.find(parameter.name);
-        if (parameter.kind == ParameterKind::Uniform && binding != nullptr &&
-            binding->kind == BindingKind::Float) {
-            set(parameter.name, inputs_.value(*binding, seconds));
+        if (parameter.kind == ParameterKind::Uniform && isBindings(parameter.name)) {
+            set(parameter.name, inputs_.value(*inputs_.find(parameter.name), seconds));
         }
     }
 }
 
 void MaterialProgram::setView(const Matrix& world, const Matrix& worldViewProjection, const Vec3& eye) {
-    setUnlessGiven("world", world);
-    setUnlessGiven("worldViewProjection", worldViewProjection);
-    setUnlessGiven("eyePosition", eye);
+    supply("world", world);
+    supply("worldViewProjection", worldViewProjection);
+    supply("eyePosition", eye);
 }
 
 Warning MaterialProgram::warning(std::string text) const {

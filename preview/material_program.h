@@ -27,7 +27,7 @@ public:
     GlGeometry geometry(const Mesh& mesh) const;
 
     void setTime(double seconds);
-    /// What the options give a value keeps it.
+    /// What is the material's own, and what the options give a value, keeps it.
     void setView(const Matrix& world, const Matrix& worldViewProjection, const Vec3& eye);
 
     /// What is drawn from now on is drawn with it.
@@ -35,7 +35,8 @@ public:
 
 private:
     void set(const std::string& parameter, std::span<const float> values);
-    void setUnlessGiven(const std::string& parameter, std::span<const float> values);
+    bool isBindings(const std::string& parameter) const;
+    void supply(const std::string& parameter, std::span<const float> values);
     void setLights();
     void loadTextures(const GlContext& context, Warnings& warnings, Errors& errors);
     void warnOfUnsetUniforms(Warnings& warnings) const;
@@ -50,6 +51,7 @@ private:
     std::vector<ProgramParameter> parameters_; ///< of both programs
     GlProgram program_;
     MaterialInputs inputs_;
+    bool lit_;
     std::map<int, GlTexture> textures_; ///< by their units
     std::vector<Stream> streams_;
 };

@@ -69,6 +69,8 @@ public:
     explicit ObjReader(std::string file) : file_(std::move(file)) {}
 
     Mesh read(std::string_view text) {
+        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+        text.remove_prefix(text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);
         while (!text.empty()) {
             line_ = nextLine_;
             readLine(takeStatement(text));

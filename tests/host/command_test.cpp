@@ -93,7 +93,7 @@ TEST(Export, WritesJsonWhenAsked) {
     const auto json = nlohmann::json::parse(readText(directory / "PaintedMetal.bindings.json"));
     EXPECT_EQ(json.at("programs").at(0).at("sha256"), sha256Of(directory / "PaintedMetal.vert.cg"));
     EXPECT_EQ(json.at("bindings").at(3).at("tag"), "Tint");
-    EXPECT_EQ(json.at("bindings").at(3).at("default"), (std::vector<double>{0.62, 0.11, 0.08}));
+    EXPECT_EQ(json.at("bindings").at(3).at("default"), (std::vector<double>{0.5, 0.022, 0.014}));
     EXPECT_EQ(json.at("bindings").at(2).at("srgb"), true);
     EXPECT_EQ(json.at("bindings").at(4).at("landings").at(0).at("register"), "c4");
 }
@@ -105,7 +105,7 @@ TEST(Export, CarriesOverWhatAnArtistChanged) {
     EXPECT_EQ(patina(arguments).exitCode, 0);
     const auto file = directory / "PaintedMetal.bindings.xml";
     std::string bindings = readText(file);
-    const std::string initial = " default=\"0.62, 0.11, 0.08\"";
+    const std::string initial = " default=\"0.5, 0.022, 0.014\"";
     ASSERT_NE(bindings.find(initial), std::string::npos) << bindings;
     bindings.replace(bindings.find(initial), initial.size(), " default=\"0.1, 0.3, 0.9\"");
     testing::writeText(file, bindings);

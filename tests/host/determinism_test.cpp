@@ -69,7 +69,7 @@ const std::string frameName = R"(<property name="Name" kind="string" value="Rain
 
 // what artists and editors change without changing the shader
 const Change changes[] = {
-    {"a value", R"(value="0.62, 0.11, 0.08")", R"(value="0.1, 0.2, 0.3")"},
+    {"a value", R"(value="0.5, 0.022, 0.014")", R"(value="0.1, 0.2, 0.3")"},
     {"a limit", R"(name="Max Scalar" kind="float" value="16")",
      R"(name="Max Scalar" kind="float" value="32")"},
     {"a description", "value=\"Colour of the paint.\"", "value=\"What the customer wants.\""},

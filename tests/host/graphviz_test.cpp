@@ -137,6 +137,14 @@ TEST(MaterialGraph, ShowsPicturesBetweenTitleAndPorts) {
     EXPECT_EQ(count(text, "<IMG"), 2U) << "a node without a picture has none";
 }
 
+TEST(MaterialGraph, IsDenseWhereThatIsWanted) {
+    const std::string text = printMaterialGraph(built(node("a", "CoreUv") + output("colour", "a", "read")),
+                                                {{"a.png"}, "whole.png", true});
+    const std::string cell = "<TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"56\" HEIGHT=\"56\"><IMG";
+    EXPECT_EQ(count(text, cell), 2U) << text;
+    expectPiece(text, "\tgraph [rankdir=LR, nodesep=0.1, ranksep=0.4, pad=0.4, ");
+}
+
 TEST(MaterialGraph, ReplacesWhatIsNoUtf8AndNoColour) {
     Material material = built(node("u", "CoreUv"));
     material.items[0].node->setName("caf\xE9\x01");

@@ -170,6 +170,7 @@ TEST(LitMaterial, HasTheFunctionsThatLightInItsFragmentProgramAlone) {
     const ExportedMaterial lit = exported(tint + shine);
     for (const char* function :
          {"\nfloat3 QelDirection( float3 direction )\n", "\nfloat QelFresnel( float cosine, float gloss )\n",
+          "\nfloat3 QelSurroundings( float3 direction, float blur, float3 above, float3 below )\n",
           "\nfloat QelHighlight( float3 normal, float3 toEye, float3 toLight, float gloss )\n",
           "\nfloat3 QelBend( float3 bump, float3 normal, float4 tangent )\n", "\nfloat3 QelShade( "}) {
         EXPECT_EQ(count(lit.fragmentProgram.content, function), 1U) << function;

@@ -95,20 +95,25 @@ TEST(ReadImage, ErrorsNameTheFile) {
     EXPECT_EQ(hostErrorOf([&] { readImage(directory.path()); }),
               directory.path().string() + ": error: cannot read this file: it is a directory");
     const std::string text = directory.write("a.txt", "no image").string();
-    EXPECT_EQ(hostErrorOf([&] { readImage(text); }),
-              text + ": error: this is no image that can be read; save it as a PNG, JPEG, TGA, BMP or HDR");
+    EXPECT_EQ(hostErrorOf([&] { readImage(text); }), text +
+                                                         ": error: this is no image that can be read; save "
+                                                         "it as PNG, JPEG, TGA, BMP, GIF, PSD, PPM, PGM or "
+                                                         "HDR");
 }
 
 TEST(ReadImage, ADamagedOneIsRefused) {
     const Bytes pixels(std::size_t{64} * 64 * 3, 7);
     const std::string whole = pngOf(64, 64, PNG_FORMAT_RGB, pixels.data());
-    const std::string message = hostErrorOf([&] { decodeImage(whole.substr(0, whole.size() / 2), "a.png"); });
-    EXPECT_EQ(message.substr(0, 36), "a.png: error: this image is damaged ") << message;
+    EXPECT_EQ(hostErrorOf([&] { decodeImage(whole.substr(0, whole.size() / 2), "a.png"); }),
+              "a.png: error: this image is damaged, or saved in an unusual way; save it again, as PNG, JPEG, "
+              "TGA, BMP, GIF, PSD, PPM, PGM or HDR");
 }
 
 TEST(ReadImage, PixelMapsOfSixteenBitsAreRefused) {
     EXPECT_EQ(hostErrorOf([] { decodeImage("P6 1 1 65535\n123456", "a.ppm"); }),
-              "a.ppm: error: this is no image that can be read; save it as a PNG, JPEG, TGA, BMP or HDR");
+              "a.ppm: error: this is no image that can be read; save it as PNG, JPEG, TGA, BMP, GIF, PSD, "
+              "PPM, PGM or "
+              "HDR");
 }
 
 TEST(ReadImage, TooLargeOnesAreRefused) {
@@ -120,6 +125,29 @@ TEST(ReadImage, TooLargeOnesAreRefused) {
         hostErrorOf([] { decodeImage("P6 16384 16384 255\n", "a.ppm"); }),
         "a.ppm: error: this image has 16384 by 16384 pixels; at most 16384 on a side and 67108864 in all "
         "can be used; make it smaller");
+}
+
+/// libstb says of such a file that it is no image.
+TEST(ReadImage, APngThatIsTooLargeToBeDecodedIsRefusedForItsSize) {
+    const std::string signature("\x89PNG\r\n\x1A\n", 8);
+    const std::string header("\0\0\0\x0DIHDR\0\0\x4E\x20\0\0\x4E\x20\x08\0\0\0\0\xC6\x1B\x19\xE5\0\0\0\0IDAT",
+                             33);
+    EXPECT_EQ(hostErrorOf([&] { decodeImage(signature + header, "a.png"); }),
+              "a.png: error: this image has 20000 by 20000 pixels; at most 16384 on a side and 67108864 in "
+              "all can be used; make it smaller");
+}
+
+TEST(ReadImage, TheFirstImageOfAnAnimation) {
+    // one red pixel, with a palette of two colours
+    const std::string content("GIF89a\x01\0\x01\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\x01\0\x01\0\0\x02\x02\x44"
+                              "\x01\0;",
+                              35);
+    EXPECT_EQ(decodeImage(content, "a.gif").pixels, (std::vector<float>{1, 0, 0, 1}));
+}
+
+TEST(ReadImage, PixelMaps) {
+    EXPECT_EQ(decodeImage("P6 1 1 255\n\xFF\x33\xFF", "a.ppm").pixels, (std::vector<float>{1, 0.2F, 1, 1}));
+    EXPECT_EQ(decodeImage("P5 1 1 255\n\x33", "a.pgm").pixels, (std::vector<float>{0.2F, 0.2F, 0.2F, 1}));
 }
 
 // Levels

@@ -232,6 +232,13 @@ TEST(ObjFile, CommentsGroupsMaterialsAndLineEndsOfWindowsArePassedOver) {
     EXPECT_EQ(mesh.indices.size(), 3U);
 }
 
+TEST(ObjFile, AByteOrderMarkIsPassedOver) {
+    const Mesh plain = parseObj(std::string(triangle) + "f 1 2 3\n", "mesh.obj");
+    const Mesh marked = parseObj("\xEF\xBB\xBF" + std::string(triangle) + "f 1 2 3\n", "mesh.obj");
+    ASSERT_EQ(marked.vertices.size(), plain.vertices.size());
+    EXPECT_EQ(marked.vertices[0].position, plain.vertices[0].position);
+}
+
 TEST(ObjFile, NormalsOfAClosedMeshPointOutwards) {
     const Mesh mesh =
         parseObj("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 0 1\nf 1 3 2\nf 1 2 4\nf 1 4 3\nf 2 3 4\n", "mesh.obj");

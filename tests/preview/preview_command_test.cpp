@@ -221,6 +221,37 @@ TEST_F(PreviewCommand, NamesOfTheFrameworkDoNotLight) {
     EXPECT_EQ(picture({"--set", "lightDirections=1"}).middle(), (Colour{255, 255, 255}));
 }
 
+TEST_F(PreviewCommand, NamesOfTheCameraAreTheMaterialsOwn) {
+    for (const std::string name : {"world", "eyePosition", "time"}) {
+        write(node("tint", "CoreConstant",
+                   property("Name", "string", name) + property("Default Colour", "colour", "0.5, 0.25, 1")) +
+              output("colour", "tint", "read"));
+        EXPECT_EQ(picture().middle(), (Colour{188, 137, 255})) << name;
+    }
+}
+
+/// A lit material in which a node reads a parameter of the framework, and shines with it.
+std::string sharing(const std::string& name) {
+    return tint +
+           node("shared", "CoreConstant",
+                property("Name", "string", name) + property("Constant Type", "enum", "Vector") +
+                    property("Component Count", "integer", "3")) +
+           node("split", "CoreSwizzle",
+                property("Vector Type", "enum", "Vector") + property("Component Count", "integer", "3")) +
+           connection("shared", "read", "split", "in_vec") +
+           node("ramp", "CoreTexture",
+                property("Name", "string", "Ramp") + property("Texture Type", "enum", "1D")) +
+           connection("split", "out_y", "ramp", "in_uv") + output("colour", "tint", "read") +
+           output("emissive", "ramp", "out_colour");
+}
+
+TEST_F(PreviewCommand, WhatALitMaterialSharesWithTheFrameworkIsSupplied) {
+    write(sharing("ambientAbove"));
+    const PngFile supplied = picture({"--set", "Tint=0.5"});
+    EXPECT_GT(supplied.at(32, 12)[0],
+              picture({"--set", "Tint=0.5", "--set", "ambientAbove=0"}).at(32, 12)[0]);
+}
+
 TEST_F(PreviewCommand, WhatIsSetStaysWhatItIs) {
     for (const std::string name : {"world", "eyePosition", "time"}) {
         write(node("tint", "CoreConstant", property("Name", "string", name)) +
@@ -318,6 +349,16 @@ TEST_F(PreviewCommand, TexturesAreFoundByTheirNames) {
     EXPECT_EQ(picture({"--textures", path("others")}).middle(), (Colour{4, 5, 6}));
 }
 
+TEST_F(PreviewCommand, ADirectoryOfTexturesMustBeThere) {
+    write(tinted);
+    EXPECT_EQ(errorsOf({"--textures", path("none")}),
+              path("none") +
+                  ": error: there is no such directory; give the one that textures are in with --textures\n");
+    EXPECT_EQ(errorsOf({"--textures", path("m.xml")}),
+              path("m.xml") + ": error: this is a file; give the directory that textures are in with "
+                              "--textures, and a single image with --texture NAME=FILE\n");
+}
+
 TEST_F(PreviewCommand, AMissingTextureIsACheckerWithItsName) {
     write(painted);
     picture();
@@ -349,6 +390,15 @@ TEST_F(PreviewCommand, AGreyMapBendsNoNormals) {
     EXPECT_GT(picture({"--texture", "Bumps=" + path("grey.png")}).middle()[0], 60);
 }
 
+TEST_F(PreviewCommand, AWhiteMapInAlphaAndGreenBendsNoNormals) {
+    write(tinted + node("uv", "CoreUv") +
+          node("bumps", "CoreTexture",
+               property("Name", "string", "Bumps") + property("Colour Type", "enum", "DXT5 Normal")) +
+          connection("uv", "read", "bumps", "in_uv") + output("normal", "bumps", "out_colour"));
+    directory_.write("white.png", pngText(2, 2, std::vector<std::uint8_t>(12, 255)));
+    EXPECT_GT(picture({"--texture", "Bumps=" + path("white.png")}).middle()[0], 60);
+}
+
 TEST_F(PreviewCommand, AFoundTextureThatCannotBeReadIsAChecker) {
     write(painted);
     picture();
@@ -358,8 +408,8 @@ TEST_F(PreviewCommand, AFoundTextureThatCannotBeReadIsAChecker) {
     const Outcome outcome = run({});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, path("textures/Paint.png") +
-                                  ": warning: this is no image that can be read; save it as a PNG, JPEG, "
-                                  "TGA, BMP or HDR\n");
+                                  ": warning: this is no image that can be read; save it as PNG, JPEG, TGA, "
+                                  "BMP, GIF, PSD, PPM, PGM or HDR\n");
     EXPECT_EQ(readText(directory_ / "out.png"), checker);
 }
 
@@ -466,6 +516,18 @@ TEST_F(ContactSheet, SaysEachThingOnce) {
               path("none.png") + ": error: cannot read this file: there is no such file or directory\n");
 }
 
+TEST_F(ContactSheet, HasNoMoreThan4096PixelsOnASide) {
+    std::string many; // nodes without pictures, which would take their time
+    for (int i = 0; i < 60; ++i) {
+        many += node("n" + std::to_string(i), "CoreMaths", property("Function", "enum", "Fresnel"));
+    }
+    write(tinted + many);
+    EXPECT_EQ(run({}).exitCode, 1);
+    const PngFile sheet(path("out.png"));
+    EXPECT_LE(sheet.height(), 4096);
+    EXPECT_GT(sheet.height(), 3900);
+}
+
 TEST_F(ContactSheet, NeedsGraphviz) {
     write(tinted);
     EXPECT_EQ(
@@ -524,8 +586,51 @@ TEST_F(PreviewCommand, FramesNeedANameThatCanBeNumbered) {
                                                               "--frames", "2", "--plugin", PATINA_CORENODES});
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_EQ(outcome.output, "");
-        EXPECT_EQ(outcome.errors, output + ": error: this is no file that can be numbered; of several frames "
-                                           "each is a file of its own: give a name such as turn.png\n");
+        EXPECT_EQ(outcome.errors, output + ": error: this is no file that can be numbered; each of the "
+                                           "frames is a file of its own: give a name such as turn.png\n");
+    }
+    EXPECT_EQ(directory_.names(), Names{"m.xml"});
+}
+
+TEST_F(PreviewCommand, FramesThatAreAskedForHaveNumbersEvenIfThereIsOne) {
+    write(tinted);
+    EXPECT_EQ(run({"--frames", "1"}).exitCode, 0);
+    EXPECT_EQ(directory_.names(), (Names{"m.xml", "out_000.png"}));
+}
+
+Outcome drawTo(const std::string& material, const std::string& output, const Names& further = {}) {
+    Names arguments = {"preview", material, "-o", output, "--size", "16", "--plugin", PATINA_CORENODES};
+    arguments.insert(arguments.end(), further.begin(), further.end());
+    return testing::run(PATINA_COMMAND, arguments);
+}
+
+TEST_F(PreviewCommand, ThePictureMayGoToStandardOutput) {
+    write(tinted);
+    const Outcome file = drawTo(path("m.xml"), path("out.PNG"));
+    EXPECT_EQ(file.exitCode, 0) << file.errors;
+    for (const char* output : {"-", "/dev/stdout"}) {
+        const Outcome outcome = drawTo(path("m.xml"), output);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_TRUE(outcome.output == readText(directory_ / "out.PNG")) << output;
+    }
+    const Outcome frames = drawTo(path("m.xml"), "-", {"--frames", "2"});
+    EXPECT_EQ(frames.exitCode, 1);
+    EXPECT_EQ(frames.output, "");
+    EXPECT_EQ(frames.errors,
+              "-: error: this is no file that can be numbered; each of the frames is a file of "
+              "its own: give a name such as turn.png\n");
+}
+
+TEST_F(PreviewCommand, APictureIsNoOtherKindOfImage) {
+    write(tinted);
+    for (const std::string name : {"a.jpg", "a.png.tga", "a.v2"}) {
+        const Outcome outcome = drawTo(path("m.xml"), path(name));
+        EXPECT_EQ(outcome.exitCode, 2);
+        EXPECT_NE(outcome.errors.find("\"" + path(name) +
+                                      "\" is not the name of a PNG file; a picture is one, such as turn.png"),
+                  std::string::npos)
+            << outcome.errors;
     }
     EXPECT_EQ(directory_.names(), Names{"m.xml"});
 }

@@ -170,13 +170,13 @@ TEST(ExportedTargets, ErrorsAreReportedAtTheNode) {
 TEST(ExportedTargets, ErrorsInTheFrameworksCodeAreReportedAtTheMaterial) {
     EXPECT_EQ(untranslatable("RenamesTheFramework", output("emissive", "bad", "out_colour")),
               "m.xml:1: error: the framework: its function \"surfaceCode\" does not compile: 'Nothing': no "
-              "matching overloaded function found (line 91 of Sample.frag.cg); take out what a node's code "
+              "matching overloaded function found (line 103 of Sample.frag.cg); take out what a node's code "
               "redefines, or export it in Cg alone");
 }
 
 TEST(ExportedTargets, AnOpenBraceIsReportedAtItsNode) {
     for (const auto& [outputs, line] :
-         {std::pair{std::string(), "26"}, {output("emissive", "bad", "out_colour"), "107"}}) {
+         {std::pair{std::string(), "26"}, {output("emissive", "bad", "out_colour"), "119"}}) {
         EXPECT_EQ(untranslatable("OpenBrace", outputs),
                   "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: "
                   "its braces do not match, 'declaration': Expected (line " +

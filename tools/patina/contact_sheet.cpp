@@ -81,7 +81,9 @@ public:
                  double seconds, Warnings& warnings, Errors& errors)
         : document_(document), plugins_(plugins), options_(options), seconds_(seconds), warnings_(warnings),
           errors_(errors) {
-        options_.width = graphPictureSize * pixelsPerPoint;
+        constexpr std::size_t manyNodes = 48;
+        isDense_ = document.nodes.size() > manyNodes;
+        options_.width = (isDense_ ? denseGraphPictureSize : graphPictureSize) * pixelsPerPoint;
         options_.height = options_.width;
         options_.share = 0.96F;
         options_.background = PreviewBackground::Transparent;
@@ -90,6 +92,7 @@ public:
     std::string draw() {
         const Material material = buildMaterial(document_, plugins_, warnings_);
         GraphPictures pictures;
+        pictures.dense = isDense_;
         attempt(&errors_, [&] { pictures.material = drawMaterial(); });
         options_.showValue = true;
         for (const MaterialItem& item : material.items) {
@@ -160,6 +163,7 @@ private:
     Errors& errors_;
     WorkingDirectory directory_;
     std::size_t count_ = 0;
+    bool isDense_ = false;
 };
 
 } // namespace

@@ -20,7 +20,9 @@ constexpr std::size_t drawingLimit = std::size_t{1024} * 1024 * 1024;
 std::string runProgram(const std::string& dot, const std::string& format) {
     std::vector<std::string> arguments = {"-T" + format, "-q"};
     if (format == "png") {
-        arguments.push_back("-Gdpi=" + std::to_string(72 * pixelsPerPoint));
+        constexpr int dotsPerInch = 72 * pixelsPerPoint;
+        arguments.push_back(joinText({"-Gdpi=", std::to_string(dotsPerInch)}));
+        arguments.push_back(joinText({"-Gsize=", std::to_string(drawingSide / dotsPerInch)})); // in inches
     }
     const ChildOutcome outcome = runChild(program, arguments, {.input = dot, .outputLimit = drawingLimit});
     std::cerr << outcome.errors;

@@ -1,5 +1,6 @@
 #include "preview/preview.h"
 
+#include "bindings/binding_kinds.h"
 #include "host/document_xml.h"
 #include "host/files.h"
 #include "host/show.h"
@@ -21,6 +22,8 @@
 
 namespace patina::tool {
 
+using namespace detail;
+
 namespace {
 
 constexpr unsigned frameLimit = 10000;
@@ -38,7 +41,7 @@ struct PreviewCommandOptions {
     std::vector<std::string> values;
     std::vector<std::string> rates;
     std::string time = "0";
-    unsigned frames = 1;
+    std::optional<unsigned> frames; ///< none for one picture without a number
     bool contactSheet = false;
     bool quiet = false;
     PreviewOptions preview;
@@ -114,6 +117,14 @@ std::optional<double> parseSeconds(std::string_view text) {
 
 constexpr const char* transparentName = "transparent";
 
+bool isStandardOutput(const std::string& file) { return file == "-" || file == "/dev/stdout"; }
+
+/// Whether a file's name does not promise another kind of image.
+bool isPngName(const std::string& file) {
+    const std::string ending = lowerCase(std::filesystem::path(file).extension().string());
+    return ending.empty() || ending == ".png";
+}
+
 /// Refuses a text that cannot be used, and says what is wanted.
 template <typename IsGood>
 CLI::Validator wants(const std::string& wanted, IsGood isGood) {
@@ -181,13 +192,30 @@ MaterialDocument readShown(const PreviewCommandOptions& options) {
     return showOutput(std::move(document), node, port);
 }
 
-/// The name of the picture of a frame: that of the output with the frame's number behind it.
-std::filesystem::path frameFile(const std::filesystem::path& output, unsigned frame, unsigned count) {
-    if (count == 1) {
+/// Says that the directory of `--textures` is not there. One that nobody named need not be.
+void requireTextureDirectory(const std::string& directory) {
+    std::error_code ignored;
+    if (!directory.empty() && !std::filesystem::is_directory(directory, ignored)) {
+        throw HostError(
+            {directory, 0},
+            std::filesystem::exists(directory, ignored)
+                ? "this is a file; give the directory that textures are in with --textures, and a "
+                  "single image with --texture NAME=FILE"
+                : "there is no such directory; give the one that textures are in with --textures");
+    }
+}
+
+unsigned frameCount(const PreviewCommandOptions& options) { return options.frames.value_or(1); }
+
+/// The name of the picture of a frame: that of the output, with the frame's number behind it where frames
+/// were asked for.
+std::filesystem::path frameFile(const PreviewCommandOptions& options, const std::filesystem::path& output,
+                                unsigned frame) {
+    if (!options.frames) {
         return output;
     }
     constexpr std::size_t fewestDigits = 3;
-    const std::size_t digits = std::max(fewestDigits, std::to_string(count - 1).size());
+    const std::size_t digits = std::max(fewestDigits, std::to_string(*options.frames - 1).size());
     std::string number = std::to_string(frame);
     number.insert(0, digits - number.size(), '0');
     std::filesystem::path file = output;
@@ -200,32 +228,47 @@ void requireNameForFrames(const PreviewCommandOptions& options) {
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(output, ignored);
     const bool isFile = !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
-    if (options.frames > 1 && !options.output.empty() && (!output.has_filename() || !isFile)) {
-        throw HostError({options.output, 0},
-                        "this is no file that can be numbered; of several frames each is "
-                        "a file of its own: give a name such as turn.png");
+    if (options.frames && !options.output.empty() &&
+        (!output.has_filename() || !isFile || isStandardOutput(options.output))) {
+        throw HostError({options.output, 0}, "this is no file that can be numbered; each of the frames is "
+                                             "a file of its own: give a name such as turn.png");
+    }
+}
+
+/// Opening /dev/stdout anew would begin a file that it leads to from its start.
+void writePicture(const std::filesystem::path& file, const std::string& content) {
+    if (isStandardOutput(file.string())) {
+        std::cout << content;
+    } else {
+        writeFileOrStream(file, content);
     }
 }
 
 void drawFrames(Preview& preview, const PreviewCommandOptions& options, const std::filesystem::path& output) {
-    Progress progress(options.frames, !options.quiet && options.frames > 1);
-    for (unsigned frame = 0; frame < options.frames; ++frame) {
+    const unsigned count = frameCount(options);
+    Progress progress(count, !options.quiet && count > 1);
+    for (unsigned frame = 0; frame < count; ++frame) {
         const double seconds = *parseSeconds(options.time) + frame / framesPerSecond;
-        const float turn = static_cast<float>(frame) / static_cast<float>(options.frames);
-        const std::filesystem::path file = frameFile(output, frame, options.frames);
-        writeFileOrStream(file, preview.draw(seconds, turn));
+        const float turn = static_cast<float>(frame) / static_cast<float>(count);
+        const std::filesystem::path file = frameFile(options, output, frame);
+        writePicture(file, preview.draw(seconds, turn));
         progress.show(frame + 1, file.string());
     }
 }
 
 void printSummary(const PreviewCommandOptions& options, const std::string& material,
                   const std::filesystem::path& output) {
-    std::cout << material << ": " << oneLine(frameFile(output, 0, options.frames).string());
-    if (options.frames > 1) {
-        std::cout << " to "
-                  << oneLine(frameFile(output, options.frames - 1, options.frames).filename().string());
+    std::cout << material << ": " << oneLine(frameFile(options, output, 0).string());
+    const unsigned count = frameCount(options);
+    if (count > 1) {
+        std::cout << " to " << oneLine(frameFile(options, output, count - 1).filename().string());
     }
     std::cout << ", " << options.preview.width << " by " << options.preview.height << " pixels\n";
+}
+
+/// Nothing may stand beside a picture.
+bool isSummaryWanted(const PreviewCommandOptions& options) {
+    return !options.quiet && !isStandardOutput(options.output);
 }
 
 void printReports(const Warnings& warnings, const Errors& errors) {
@@ -241,6 +284,7 @@ int runContactSheet(const PreviewCommandOptions& options, const PluginSet& plugi
     const MaterialDocument document = readMaterial(options.material);
     std::string sheet;
     try {
+        attempt(&errors, [&] { requireTextureDirectory(options.textureDirectory); });
         sheet = drawContactSheet(document, plugins, options.preview, *parseSeconds(options.time), warnings,
                                  errors);
     } catch (...) {
@@ -249,8 +293,8 @@ int runContactSheet(const PreviewCommandOptions& options, const PluginSet& plugi
     }
     printReports(warnings, errors);
     const std::filesystem::path output = options.output.empty() ? document.name + ".png" : options.output;
-    writeFileOrStream(output, sheet);
-    if (!options.quiet) {
+    writePicture(output, sheet);
+    if (isSummaryWanted(options)) {
         std::cout << document.name << ": " << oneLine(output.string()) << ", "
                   << counted(document.nodes.size(), "node") << '\n';
     }
@@ -269,6 +313,7 @@ int runPreview(PreviewCommandOptions& options, const CommandLine& commandLine) {
     std::unique_ptr<Preview> preview;
     std::optional<Material> material;
     try {
+        attempt(&errors, [&] { requireTextureDirectory(options.textureDirectory); });
         material = buildMaterial(readShown(options), plugins, warnings);
         preview = makePreview(*material, options.preview, warnings, errors);
     } catch (...) {
@@ -278,7 +323,7 @@ int runPreview(PreviewCommandOptions& options, const CommandLine& commandLine) {
     printReports(warnings, errors);
     const std::filesystem::path output = options.output.empty() ? material->name + ".png" : options.output;
     drawFrames(*preview, options, output);
-    if (!options.quiet) {
+    if (isSummaryWanted(options)) {
         printSummary(options, material->name, output);
     }
     return errors.empty() ? success : failure;
@@ -335,9 +380,11 @@ void addContactSheetOption(CLI::App& command, PreviewCommandOptions& options) {
 void addPictureOptions(CLI::App& command, PreviewCommandOptions& options) {
     command
         .add_option("-o,--output", options.output,
-                    "the PNG file to write; the material's name with .png unless given")
+                    "the PNG file to write, or - for standard output; the material's name with .png unless "
+                    "given")
         ->type_name("FILE")
-        ->check(notEmpty());
+        ->check(notEmpty())
+        ->check(wants("the name of a PNG file; a picture is one, such as turn.png", isPngName));
     command.add_option("--size", options.size, "pixels; 512 unless given")
         ->type_name("W[xH]")
         ->check(wants("W or WxH, of 1 to " + std::to_string(pictureSideLimit) + " pixels",

@@ -22,8 +22,9 @@ double heat(Point p, double time) {
     const double curl = rising(0.8, 1.0, {5, 4, 2}, {3, 0.45}, 202);
     const double tongues = rising(0.45, 1.0, {5, 3, 2}, {2, 0.5}, 203);
     const double x = p.x + 0.45 * sway * p.y + 0.55 * curl * (0.12 + p.y * std::sqrt(p.y));
-    const double belly = smoothstep(-0.15, 0.22, p.y) * (1.0 - 0.92 * p.y * p.y);
-    const double across = x / std::max(0.86 * belly, 0.001);
+    // a drop: round at the bottom and drawn to a point
+    const double belly = std::sqrt(ramp(0.0, 0.30, p.y)) * (1.0 - 0.95 * p.y);
+    const double across = x / std::max(0.92 * belly, 0.001);
     const double body = 1.0 - across * across;
     const double fuel = 0.95 * body + 1.1 * tongues * (0.15 + p.y) - 0.50 * p.y + 0.05;
     const double ends =

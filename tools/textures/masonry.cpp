@@ -6,7 +6,7 @@ namespace patina::textures {
 namespace {
 
 constexpr int kSide = 512;
-constexpr int kMossSide = 256;
+constexpr int kMossSide = 512;
 constexpr int kAcross = 4; // bricks in a course
 constexpr int kCourses = 8;
 constexpr Lattice kWall{kAcross, kCourses};
@@ -76,15 +76,15 @@ Colour wall(Point p) {
 
 // Cushions of stems: each is a dome, roughened by the tips of its leaves.
 Neighbours cushion(Point p) {
-    const Point swayed{p.x + 0.018 * fractalNoise(p, {10, 10}, {2, 0.5}, 154),
-                       p.y + 0.018 * fractalNoise(p, {10, 10}, {2, 0.5}, 155)};
-    return cellularNoise(swayed, {11, 11}, 1.0, 151);
+    const Point swayed{p.x + 0.012 * fractalNoise(p, {16, 16}, {2, 0.5}, 154),
+                       p.y + 0.012 * fractalNoise(p, {16, 16}, {2, 0.5}, 155)};
+    return cellularNoise(swayed, {21, 21}, 1.0, 151);
 }
 
 double mossHeight(Point p) {
     const Neighbours moss = cushion(p);
     const double dome = std::sqrt(saturate(1.0 - 1.1 * moss.nearest * moss.nearest));
-    const double leaves = cellularNoise(p, {52, 52}, 1.0, 156).nearest;
+    const double leaves = cellularNoise(p, {96, 96}, 1.0, 156).nearest;
     const double clump = 0.5 + 0.5 * fractalNoise(p, {5, 5}, {3, 0.5}, 153);
     return saturate(0.62 * dome * (0.7 + 0.5 * clump) + 0.34 * (1.0 - leaves));
 }
@@ -122,7 +122,7 @@ Picture drawMoss() {
 
 Picture drawMossNormal() {
     const Field heights = drawSmoothly(kMossSide, kMossSide, mossHeight);
-    return normals(mapped(heights, [](double value, int, int) { return 0.022 * value; }));
+    return normals(mapped(heights, [](double value, int, int) { return 0.012 * value; }));
 }
 
 } // namespace patina::textures
