@@ -109,6 +109,17 @@ TEST(ExportedTargets, StandInTheBindingsFile) {
     EXPECT_EQ(exported.bindings.content.find("Sample.frag.cg"), std::string::npos);
 }
 
+TEST(ExportedTargets, LandInRegistersOfCgOnlyWhereThereIsCg) {
+    Material material = testing::built(tintedTexture());
+    const std::string landing = "<landing stage=\"fragment\" register=\"c0\" name=\"Tint\"/>";
+    const std::string beside =
+        exportedIn(material, {{TargetLanguage::Glsl, 330}, {TargetLanguage::Cg, 0}}).bindings.content;
+    EXPECT_NE(beside.find(landing), std::string::npos) << beside;
+    const std::string alone = exportedIn(material, {{TargetLanguage::Glsl, 330}}).bindings.content;
+    EXPECT_NE(alone.find("tag=\"Tint\""), std::string::npos) << alone;
+    EXPECT_EQ(alone.find("landing"), std::string::npos) << alone;
+}
+
 TEST(ExportedTargets, AnArtistsChangesAreReadBesideThem) {
     const testing::TemporaryDirectory directory;
     const std::string document = directory.write("m.xml", testing::documentText(tintedTexture())).string();
@@ -209,8 +220,15 @@ TEST(TargetNames, AreReadWithAndWithoutVersion) {
     EXPECT_EQ(parseTarget("hlsl"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
     EXPECT_EQ(parseTarget("hlsl:6.2"), (ShaderTarget{TargetLanguage::Hlsl, 62}));
     EXPECT_EQ(parseTarget("msl:2.4"), (ShaderTarget{TargetLanguage::Msl, 24}));
+    EXPECT_EQ(parseTarget("hlsl:5"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
+    EXPECT_EQ(parseTarget("hlsl:6"), (ShaderTarget{TargetLanguage::Hlsl, 60}));
+    EXPECT_EQ(parseTarget("msl:2"), (ShaderTarget{TargetLanguage::Msl, 20}));
+    EXPECT_EQ(parseTarget("msl:3"), (ShaderTarget{TargetLanguage::Msl, 30}));
+    EXPECT_EQ(parseTarget("spirv:1"), (ShaderTarget{TargetLanguage::Spirv, 10}));
     EXPECT_EQ(parseTarget("spirv"), (ShaderTarget{TargetLanguage::Spirv, 10}));
-    for (const char* text : {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1"}) {
+    for (const char* text :
+         {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1", "hlsl:7", "hlsl:5.",
+          "hlsl:.0", "msl:2.00", "glsl:33", "glsl:330.0", "msl:0", "cg:0"}) {
         EXPECT_EQ(parseTarget(text), std::nullopt) << text;
     }
 }
@@ -249,6 +267,18 @@ TEST(TargetOption, RefusesUnknownTargetsAndLanguagesTwice) {
     EXPECT_EQ(twice.exitCode, 2);
     EXPECT_NE(twice.errors.find("\"glsl\" is there twice"), std::string::npos) << twice.errors;
     EXPECT_FALSE(std::filesystem::exists(directory / "out"));
+}
+
+TEST(TargetOption, RefusesAnEmptyItem) {
+    const testing::TemporaryDirectory directory;
+    for (const char* list : {",", "glsl,", ",glsl", "glsl,,msl"}) {
+        const testing::Outcome outcome = exportCommand(directory, {"--target", list});
+        EXPECT_EQ(outcome.exitCode, 2) << list;
+        EXPECT_NE(
+            outcome.errors.find("--target: a language is missing beside a comma; there are cg; hlsl:5.0"),
+            std::string::npos)
+            << list << ": " << outcome.errors;
+    }
 }
 
 TEST(TargetOption, SeveralMaterialsAtOnceGiveTheSame) {
