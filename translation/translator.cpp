@@ -3,6 +3,7 @@
 #include "translation/back_ends.h"
 #include "translation/front_end.h"
 #include "translation/hlsl_words.h"
+#include "translation/precision.h"
 #include "translation/spirv_module.h"
 
 namespace patina {
@@ -17,6 +18,7 @@ public:
                                              const std::vector<ShaderTarget>& targets) const override {
         SpirvModule module(compileCg(stage, program));
         renameAll(module, nameInCg);
+        restorePrecision(module);
         const std::vector<SpirvParameter> parameters = readParameters(module, stage);
         placeParameters(module, stage, parameters);
         std::vector<TranslatedProgram> translated;

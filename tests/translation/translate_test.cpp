@@ -384,6 +384,30 @@ TEST(Translate, EsslSamplesOneDimensionInARowOfTwo) {
         << program.content;
 }
 
+constexpr const char* mixedPrecision = R"cg(uniform half3 Tint : register( c0 );
+
+float3 linear3( float3 colour ) { return pow( colour, 2.2 ); }
+
+half3 low( half3 colour ) { return colour*0.5; }
+
+void main( float4 place : TEXCOORD0, half4 tone : TEXCOORD1, out float4 colour : COLOR0 )
+{
+	half3 exact = linear3( place.xyz );
+	half3 product = place.xyz*tone.xyz;
+	half3 rough = low( tone.xyz*Tint );
+	colour = float4( exact + product + rough, 1.0 );
+}
+)cg";
+
+TEST(Translate, WhatCgComputesInFloatStaysSo) {
+    const std::string essl =
+        translated(ProgramStage::Fragment, mixedPrecision, {TargetLanguage::Essl, 300}).content;
+    for (const char* line : {"\nvec3 linear3(vec3 colour_1)\n", "\nmediump vec3 low(mediump vec3 colour_1)\n",
+                             "    mediump vec3 exact = linear3(", "uniform mediump vec3 Tint;\n"}) {
+        EXPECT_NE(essl.find(line), std::string::npos) << line << "\n" << essl;
+    }
+}
+
 std::pair<int, std::string> errorOf(const std::string& program, const ShaderTarget& target = glsl) {
     try {
         translated(ProgramStage::Fragment, program, target);
