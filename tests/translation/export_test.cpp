@@ -196,6 +196,36 @@ TEST(ExportedTargets, AnOpenBraceIsReportedAtItsNode) {
     }
 }
 
+TEST(ExportedTargets, WhatIsNestedTooDeepIsRefusedBeforeACompilerSeesIt) {
+    for (const auto& [kind, excess] : {std::pair{"Brackets", "256 brackets within one another"},
+                                       {"Blocks", "256 brackets within one another"},
+                                       {"Signs", "8192 names and signs in one statement"},
+                                       {"Loops", "8192 names and signs in one statement"},
+                                       {"Alternatives", "1024 times \"else\""}}) {
+        for (const std::string depth : {"TooDeep", "Absurd"}) {
+            EXPECT_EQ(
+                untranslatable(depth + kind),
+                "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" is nested too deep "
+                "to be translated: it has more than " +
+                    std::string(excess) + "; split what the node emits, or export it in Cg alone");
+        }
+    }
+}
+
+TEST(ExportedTargets, WhatIsNestedLessIsTranslated) {
+    PluginSet plugins;
+    plugins.add(PATINA_UNTRANSLATABLE);
+    const testing::TemporaryDirectory directory;
+    for (const char* kind : {"Brackets", "Blocks", "Signs", "Loops", "Alternatives"}) {
+        const std::string body =
+            node("deep", std::string("Deep") + kind) + output("colour", "deep", "out_colour");
+        Warnings warnings;
+        Material material = buildMaterial(readMaterial(directory.write("m.xml", testing::documentText(body))),
+                                          plugins, warnings);
+        EXPECT_EQ(exportedIn(material, {{TargetLanguage::Glsl, 330}}).targetPrograms.size(), 2U) << kind;
+    }
+}
+
 std::string refusal(const ExportOptions& options) {
     Material material = testing::built(tintedTexture());
     return testing::hostErrorOf([&] { testing::exportedFrom(material, options); });
