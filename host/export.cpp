@@ -110,7 +110,7 @@ ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const Ex
     }
     const BindingCollection collected = collectBindings(material);
     restoreSavedValues(material, collected, warnings);
-    bindings.bindings = describeBindings(collected, flow, registers);
+    bindings.bindings = describeBindings(collected, flow, result.writesCg ? registers : RegisterAssignment());
     carryOverArtistValues(saved, bindings.bindings, warnings);
     result.bindings = {bindingsFileName(material), printBindings(bindings)};
     if (options.json) {

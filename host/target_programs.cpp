@@ -37,36 +37,117 @@ CgProgram fragmentProgramOf(const AssembledShader& shader) {
 }
 
 /// The lines of a program, counted from 1.
-std::string_view linesOf(std::string_view program, int first, int last) {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    for (int line = 1; line <= last && end < program.size(); ++line) {
-        begin = line == first ? end : begin;
-        end = std::min(program.find('\n', end), program.size() - 1) + 1;
+class Lines {
+public:
+    explicit Lines(std::string_view program) : program_(program), begins_(1, 0) {
+        for (std::size_t end = program.find('\n'); end < program.size(); end = program.find('\n', end + 1)) {
+            begins_.push_back(end + 1);
+        }
+        begins_.push_back(program.size());
     }
-    return program.substr(begin, end - begin);
+
+    std::string_view text(int first, int last) const {
+        const std::size_t begin = beginOf(first);
+        return program_.substr(begin, beginOf(last + 1) - begin);
+    }
+
+private:
+    std::size_t beginOf(int line) const {
+        return begins_[std::min(static_cast<std::size_t>(line), begins_.size()) - 1];
+    }
+
+    std::string_view program_;
+    std::vector<std::size_t> begins_; ///< the last is the program's end
+};
+
+bool isNameLetter(char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+           (letter >= '0' && letter <= '9') || letter == '_';
 }
 
-/// Whether code closes every brace that it opens, and no more; those in comments do not count.
+/// Calls an action with each token of code: a name or number, or any other letter. Comments are none.
+template <typename Action>
+void forEachToken(std::string_view code, Action&& action) {
+    for (std::size_t at = 0; at < code.size();) {
+        std::size_t end = at + 1;
+        if (code.substr(at, 2) == "//") {
+            end = std::min(code.find('\n', at), code.size());
+        } else if (code.substr(at, 2) == "/*") {
+            end = std::min(code.find("*/", at + 2), code.size() - 2) + 2;
+        } else if (std::string_view(" \t\r\n\f\v").find(code[at]) == std::string_view::npos) {
+            while (isNameLetter(code[at]) && end < code.size() && isNameLetter(code[end])) {
+                ++end;
+            }
+            action(code.substr(at, end - at));
+        }
+        at = end;
+    }
+}
+
+/// Whether code closes every brace that it opens, and no more.
 bool hasMatchingBraces(std::string_view code) {
     int depth = 0;
-    for (std::size_t at = 0; at < code.size() && depth >= 0; ++at) {
-        if (code.substr(at, 2) == "//") {
-            at = std::min(code.find('\n', at), code.size());
-        } else if (code.substr(at, 2) == "/*") {
-            at = std::min(code.find("*/", at + 2), code.size());
-        } else {
-            depth += code[at] == '{' ? 1 : code[at] == '}' ? -1 : 0;
-        }
-    }
-    return depth == 0;
+    bool closesMore = false;
+    forEachToken(code, [&](std::string_view token) {
+        depth += token == "{" ? 1 : token == "}" ? -1 : 0;
+        closesMore = closesMore || depth < 0;
+    });
+    return depth == 0 && !closesMore;
 }
+
+// Compilers descend into what is nested, and end the process when it is nested too deep for their stack. That
+// grows with brackets, with the operators of an expression, and with alternatives.
+constexpr int bracketLimit = 256;
+constexpr int tokenLimit = 8192; // of a statement
+constexpr int elseLimit = 1024;
+
+/// How deep a compiler must descend into code.
+class Nesting {
+public:
+    explicit Nesting(std::string_view code) {
+        forEachToken(code, [this](std::string_view token) { add(token); });
+    }
+
+    /// What there is too much of; nothing when a compiler can take it.
+    std::string excess() const {
+        const auto tooMany = [](int limit, std::string_view what) {
+            return joinText({"it has more than ", std::to_string(limit), what});
+        };
+        return deepest_ > bracketLimit  ? tooMany(bracketLimit, " brackets within one another")
+               : longest_ > tokenLimit  ? tooMany(tokenLimit, " names and signs in one statement")
+               : elseCount_ > elseLimit ? tooMany(elseLimit, " times \"else\"")
+                                        : std::string();
+    }
+
+private:
+    void add(std::string_view token) {
+        const bool isBrace = token == "{" || token == "}";
+        const bool isOpening = token == "(" || token == "[" || token == "{";
+        const bool isClosing = token == ")" || token == "]" || token == "}";
+        depth_ += isOpening ? 1 : isClosing && depth_ > 0 ? -1 : 0;
+        roundDepth_ += token == "(" ? 1 : token == ")" && roundDepth_ > 0 ? -1 : 0;
+        deepest_ = std::max(deepest_, depth_);
+        elseCount_ += token == "else" ? 1 : 0;
+        // what stands between the semicolons of `for ( ;; )` is no statement of its own
+        const bool endsStatement = isBrace || (token == ";" && roundDepth_ == 0);
+        length_ = endsStatement ? 0 : length_ + 1;
+        longest_ = std::max(longest_, length_);
+    }
+
+    int depth_ = 0;
+    int roundDepth_ = 0;
+    int deepest_ = 0;
+    int length_ = 0;
+    int longest_ = 0;
+    int elseCount_ = 0;
+};
 
 /// The code that a failure is to be laid at: braces that do not match fail in what comes behind them.
 CodeMap::const_iterator findBlamed(const CgProgram& program, int errorLine) {
+    const Lines lines(program.text);
     const auto opens = [&](const CodeRange& range) {
         return range.firstLine <= errorLine &&
-               !hasMatchingBraces(linesOf(program.text, range.firstLine, range.lastLine));
+               !hasMatchingBraces(lines.text(range.firstLine, range.lastLine));
     };
     const auto holds = [&](const CodeRange& range) {
         return errorLine >= range.firstLine && errorLine <= range.lastLine;
@@ -97,6 +178,21 @@ HostError failureIn(const AssembledShader& shader, const CgProgram& program, con
                       oneLine(error.what()), " (line ", std::to_string(error.line()), " of ", file, advice})};
 }
 
+/// Throws HostError at the node whose code no compiler can take.
+void requireModestNesting(const AssembledShader& shader, const CgProgram& program) {
+    const Lines lines(program.text);
+    for (const CodeRange& range : program.map) {
+        const std::string excess = Nesting(lines.text(range.firstLine, range.lastLine)).excess();
+        if (!excess.empty()) {
+            const DataflowNode& node = shader.flow.nodes[range.node];
+            throw HostError(ownerPosition(shader.material, node),
+                            joinText({ownerTitle(shader.material, node), ": ", range.what,
+                                      " is nested too deep to be translated: ", excess,
+                                      "; split what the node emits, or export it in Cg alone"}));
+        }
+    }
+}
+
 } // namespace
 
 bool wantsCg(const std::vector<ShaderTarget>& targets) {
@@ -121,6 +217,7 @@ std::vector<TargetProgram> translatePrograms(const AssembledShader& shader,
     }
     std::vector<TargetProgram> result;
     for (const CgProgram& program : {vertexProgramOf(shader), fragmentProgramOf(shader)}) {
+        requireModestNesting(shader, program);
         std::vector<TranslatedProgram> translated;
         try {
             translated = translator->translate(program.stage, program.text, others);

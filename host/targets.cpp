@@ -43,6 +43,15 @@ std::string versionText(const LanguageRow& row, int version) {
                       : std::to_string(version);
 }
 
+/// Whether a text is how a version is written: "330", "6.2", or "6" for "6.0".
+bool namesVersion(const LanguageRow& row, int version, std::string_view text) {
+    const std::string full = versionText(row, version);
+    constexpr std::string_view zero = ".0";
+    const bool mayBeShort = full.ends_with(zero);
+    return version != 0 &&
+           (text == full || (mayBeShort && text == full.substr(0, full.size() - zero.size())));
+}
+
 } // namespace
 
 std::string targetName(TargetLanguage language) { return rowOf(language).name; }
@@ -64,7 +73,7 @@ std::optional<ShaderTarget> parseTarget(std::string_view text) {
         return ShaderTarget{row->language, row->versions.front()};
     }
     for (const int version : row->versions) {
-        if (version != 0 && text.substr(colon + 1) == versionText(*row, version)) {
+        if (namesVersion(*row, version, text.substr(colon + 1))) {
             return ShaderTarget{row->language, version};
         }
     }

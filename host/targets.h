@@ -20,6 +20,7 @@ std::string targetVersion(const ShaderTarget& target);
 std::string targetFileEnding(TargetLanguage language);
 
 /// The target that a text names: a language alone, in its version that most machines know, or "glsl:450".
+/// "hlsl:6" is 6.0.
 /// Nothing when there is no such language or version.
 std::optional<ShaderTarget> parseTarget(std::string_view text);
 

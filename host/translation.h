@@ -31,7 +31,7 @@ struct ProgramParameter {
     std::string name; ///< in the Cg program
     ParameterKind kind = ParameterKind::Uniform;
     ShaderType type;        ///< in the Cg program
-    std::string targetName; ///< in the target; the same, unless the target has taken that word
+    std::string targetName; ///< in the target; the same, unless the target has that for itself
     /// Where it is to be found in the target, as names and numbers: "location" "1", "offset" "64".
     std::vector<std::pair<std::string, std::string>> place;
 };
@@ -60,7 +60,9 @@ class ShaderTranslator {
 public:
     virtual ~ShaderTranslator() = default;
 
-    /// The program in each of the targets, in their order. Uniforms, samplers and varyings keep their names.
+    /// The program in each of the targets, in their order. Uniforms, samplers and varyings keep their names,
+    /// and where a target has one for itself the new one depends on nothing but the old: the two programs of
+    /// a material agree about it, and no two become one.
     /// Throws TranslationError when the program does not compile, or cannot be expressed in a target.
     virtual std::vector<TranslatedProgram> translate(ProgramStage stage, std::string_view program,
                                                      const std::vector<ShaderTarget>& targets) const = 0;

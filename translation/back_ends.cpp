@@ -1,7 +1,7 @@
 #include "translation/back_ends.h"
 
 #include "nodemodel/text.h"
-#include "translation/hlsl_words.h"
+#include "translation/target_words.h"
 #include "translation/text_pieces.h"
 
 #include <spirv_glsl.hpp>
@@ -112,45 +112,61 @@ TranslatedProgram writeGlsl(Translation translation, bool isEs) {
 /// How the back end is to name a uniform; its own names have that of the block in front.
 constexpr const char* uniformMark = "PatinaUniform";
 
-/// Replaces names in a text, as long as nothing else has the new one; a "_" makes it another then.
-std::string replaceNames(const std::string& text,
-                         std::map<std::string, std::string, std::less<>>& replacements) {
-    std::set<std::string, std::less<>> taken;
-    forEachPiece(text, [&](std::string_view piece) { taken.emplace(piece); });
-    for (auto& [from, to] : replacements) {
-        while (taken.contains(to) || isHlslWord(to)) {
-            to += '_';
+using Names = std::set<std::string, std::less<>>;
+using Replacements = std::map<std::string, std::string, std::less<>>;
+
+/// Whether a name is like those that the back end makes up for the second thing of a name: "Tint_1".
+bool isNumbered(std::string_view name) {
+    const std::size_t end = name.find_last_not_of("0123456789");
+    return end != std::string_view::npos && end + 1 < name.size() && name[end] == '_';
+}
+
+/// The name with the lowest number that makes it none of those that are taken, which it is then.
+std::string allocate(Names& taken, const std::string& name) {
+    for (int number = 1;; ++number) {
+        std::string numbered = joinText({name, "_", std::to_string(number)});
+        if (taken.insert(numbered).second) {
+            return numbered;
         }
-        taken.insert(to);
+    }
+}
+
+/// Gives what has the name of a uniform another, since the back end does not know what they will be called.
+void giveWay(SpirvModule& module, const std::vector<SpirvParameter>& parameters) {
+    Names uniforms;
+    for (const SpirvParameter& parameter : parameters) {
+        if (isBlockMember(parameter)) {
+            uniforms.insert(nameInTarget(TargetLanguage::Hlsl, parameter.name));
+        }
+    }
+    Names taken = module.names();
+    Replacements others;
+    renameAll(module, [&](std::string_view name) {
+        if (!uniforms.contains(name)) {
+            return std::string(name);
+        }
+        std::string& other = others[std::string(name)];
+        other = other.empty() ? allocate(taken, std::string(name)) : other;
+        return other;
+    });
+}
+
+/// Replaces names in a text. A name that the back end made up gives way to one that a uniform is to have.
+std::string replaceNames(const std::string& text, const Replacements& replacements) {
+    Names taken;
+    forEachPiece(text, [&](std::string_view piece) { taken.emplace(piece); });
+    Replacements all = replacements;
+    for (const auto& [from, to] : replacements) {
+        if (isNumbered(to) && !taken.insert(to).second) {
+            all[to] = allocate(taken, to);
+        }
     }
     std::string result;
     forEachPiece(text, [&](std::string_view piece) {
-        const auto found = replacements.find(piece);
-        result += found != replacements.end() ? std::string_view(found->second) : piece;
+        const auto found = all.find(piece);
+        result += found != all.end() ? std::string_view(found->second) : piece;
     });
     return result;
-}
-
-/// What has a uniform's name, such as a parameter of a function, gets another, since the back end does not
-/// know what the uniforms will be called; and what has a word's, since it knows few of them.
-void giveWay(spirv_cross::CompilerHLSL& compiler, const Translation& translation) {
-    std::set<std::string, std::less<>> uniforms;
-    std::set<std::uint32_t> ids;
-    for (const SpirvParameter& parameter : translation.parameters) {
-        ids.insert(parameter.id);
-        if (isBlockMember(parameter)) {
-            uniforms.insert(parameter.name);
-        }
-    }
-    for (const auto& [id, name] : translation.module.names()) {
-        std::string given = isHlslWord(name) ? joinText({"_", name}) : name;
-        if (uniforms.contains(given) && (given != name || !ids.contains(id))) {
-            given += '_';
-        }
-        if (given != name) {
-            compiler.set_name(id, given);
-        }
-    }
 }
 
 constexpr const char* pointSize = "PointSize";
@@ -172,20 +188,21 @@ std::string hlslSemantic(const SpirvParameter& parameter, ProgramStage stage) {
     return joinText({isColour ? "SV_Target" : "TEXCOORD", std::to_string(parameter.number)});
 }
 
-TranslatedProgram writeHlsl(const Translation& translation) {
+TranslatedProgram writeHlsl(Translation translation) {
+    giveWay(translation.module, translation.parameters);
     spirv_cross::CompilerHLSL compiler(translation.module.words());
     spirv_cross::CompilerHLSL::Options options = compiler.get_hlsl_options();
     options.shader_model = translation.version;
     options.point_size_compat = true;
     compiler.set_hlsl_options(options);
-    std::map<std::string, std::string, std::less<>> names;
+    Replacements names;
     for (const SpirvParameter& parameter : translation.parameters) {
         if (isBlockMember(parameter)) {
             const std::string code = joinText({"u", std::to_string(parameter.member)});
             compiler.set_name(parameter.id, uniformMark);
             compiler.set_member_name(compiler.get_type_from_variable(parameter.id).self, parameter.member,
                                      code);
-            names[joinText({uniformMark, "_", code})] = parameter.name;
+            names[joinText({uniformMark, "_", code})] = nameInTarget(TargetLanguage::Hlsl, parameter.name);
         }
         if (parameter.kind == ParameterKind::Uniform || parameter.kind == ParameterKind::Sampler) {
             // buffers, textures and samplers have numbers of their own in each program
@@ -197,7 +214,6 @@ TranslatedProgram writeHlsl(const Translation& translation) {
                 {parameter.number, hlslSemantic(parameter, translation.stage)});
         }
     }
-    giveWay(compiler, translation);
     TranslatedProgram program;
     program.content = replaceNames(compiler.compile(), names);
     for (const SpirvParameter& parameter : translation.parameters) {
@@ -207,7 +223,7 @@ TranslatedProgram writeHlsl(const Translation& translation) {
         }
         if (isBlockMember(parameter)) {
             program.parameters.push_back(
-                describe(parameter, names.at(joinText({uniformMark, "_u", std::to_string(parameter.member)})),
+                describe(parameter, nameInTarget(TargetLanguage::Hlsl, parameter.name),
                          {{"buffer", "0"}, {"offset", std::to_string(parameter.offset)}}));
         } else if (parameter.kind == ParameterKind::Sampler) {
             program.parameters.push_back(describe(parameter, compiler.get_name(parameter.id),
@@ -293,8 +309,11 @@ TranslatedProgram detail::writeTarget(ProgramStage stage, const SpirvModule& mod
                                       const std::vector<SpirvParameter>& parameters,
                                       const ShaderTarget& target) {
     try {
-        return writeLanguage({stage, module, parameters, static_cast<std::uint32_t>(target.version)},
-                             target.language);
+        Translation translation = {stage, module, parameters, static_cast<std::uint32_t>(target.version)};
+        renameAll(translation.module,
+                  [&](std::string_view name) { return nameInTarget(target.language, name); });
+        nameUniformBlock(translation.module, parameters);
+        return writeLanguage(translation, target.language);
     } catch (const spirv_cross::CompilerError& error) {
         throw TranslationError(error.what(), 0);
     }

@@ -1,7 +1,5 @@
 #include "translation/spirv_module.h"
 
-#include "translation/hlsl_words.h"
-
 #include <spirv.hpp>
 
 #include <algorithm>
@@ -21,10 +19,13 @@ constexpr std::uint32_t opcodeBits = 16;
 
 constexpr const char* blockName = "Uniforms";
 constexpr const char* blockInstanceName = "uniforms";
+constexpr std::string_view entryPointName = "main";
 
 bool is(const SpirvInstruction& instruction, spv::Op opcode) {
     return instruction.opcode == static_cast<std::uint32_t>(opcode);
 }
+
+bool isUniform(const SpirvParameter& parameter) { return parameter.kind == ParameterKind::Uniform; }
 
 /// The text that begins at an operand: four letters to a word, the first in the lowest byte.
 std::string textAt(const std::vector<std::uint32_t>& operands, std::size_t index) {
@@ -298,22 +299,35 @@ std::vector<std::uint32_t> SpirvModule::words() const {
 
 std::uint32_t SpirvModule::newId() { return header[boundIndex]++; }
 
-std::vector<std::pair<std::uint32_t, std::string>> SpirvModule::names() const {
-    std::vector<std::pair<std::uint32_t, std::string>> result;
+std::set<std::string, std::less<>> SpirvModule::names() const {
+    std::set<std::string, std::less<>> result;
     for (const SpirvInstruction& instruction : instructions) {
         if (is(instruction, spv::OpName)) {
-            result.emplace_back(instruction.operands[0], textAt(instruction.operands, 1));
+            result.insert(textAt(instruction.operands, 1));
+        } else if (is(instruction, spv::OpMemberName)) {
+            result.insert(textAt(instruction.operands, 2));
         }
     }
     return result;
 }
 
-void restoreNames(SpirvModule& module) {
+namespace {
+
+/// The new name of a thing: of a function, "tint(vf2;vf3;", that before its types.
+std::string renamed(const std::string& text, const std::function<std::string(std::string_view)>& rename) {
+    const std::size_t end = std::min(text.find('('), text.size());
+    const std::string_view name = std::string_view(text).substr(0, end);
+    return name == entryPointName ? text : rename(name) + text.substr(end);
+}
+
+} // namespace
+
+void renameAll(SpirvModule& module, const std::function<std::string(std::string_view)>& rename) {
     for (SpirvInstruction& instruction : module.instructions) {
         if (is(instruction, spv::OpName)) {
-            setName(instruction, 1, nameInCg(textAt(instruction.operands, 1)));
+            setName(instruction, 1, renamed(textAt(instruction.operands, 1), rename));
         } else if (is(instruction, spv::OpMemberName)) {
-            setName(instruction, 2, nameInCg(textAt(instruction.operands, 2)));
+            setName(instruction, 2, renamed(textAt(instruction.operands, 2), rename));
         }
     }
 }
@@ -354,24 +368,23 @@ std::vector<SpirvParameter> readParameters(const SpirvModule& module, ProgramSta
     return parameters;
 }
 
-namespace {
-
-/// The block and its variable have names that a front end makes up.
-void nameBlock(SpirvModule& module, std::uint32_t variable) {
+void nameUniformBlock(SpirvModule& module, const std::vector<SpirvParameter>& parameters) {
+    const auto uniform = std::find_if(parameters.begin(), parameters.end(), isUniform);
+    if (uniform == parameters.end()) {
+        return;
+    }
     const ModuleIndex index(module);
-    const auto isVariable = [&](const SpirvInstruction* entry) { return entry->operands[1] == variable; };
-    const auto entry = std::find_if(index.variables().begin(), index.variables().end(), isVariable);
+    const auto isBlock = [&](const SpirvInstruction* entry) { return entry->operands[1] == uniform->id; };
+    const auto entry = std::find_if(index.variables().begin(), index.variables().end(), isBlock);
     const std::uint32_t type = index.pointee((*entry)->operands[0]);
     for (SpirvInstruction& instruction : module.instructions) {
         if (is(instruction, spv::OpName) && instruction.operands[0] == type) {
             setName(instruction, 1, blockName);
-        } else if (is(instruction, spv::OpName) && instruction.operands[0] == variable) {
+        } else if (is(instruction, spv::OpName) && instruction.operands[0] == uniform->id) {
             setName(instruction, 1, blockInstanceName);
         }
     }
 }
-
-} // namespace
 
 void placeParameters(SpirvModule& module, ProgramStage stage, const std::vector<SpirvParameter>& parameters) {
     std::vector<SpirvInstruction> places;
@@ -381,10 +394,7 @@ void placeParameters(SpirvModule& module, ProgramStage stage, const std::vector<
             continue;
         }
         if (parameter.kind == ParameterKind::Uniform || parameter.kind == ParameterKind::Sampler) {
-            const bool isBlock = parameter.kind == ParameterKind::Uniform;
-            if (isBlock) {
-                nameBlock(module, parameter.id);
-            }
+            const bool isBlock = isUniform(parameter);
             places.push_back(decorate(parameter.id, spv::DecorationDescriptorSet, {descriptorSet(stage)}));
             places.push_back(decorate(parameter.id, spv::DecorationBinding,
                                       {isBlock ? uniformBlockBinding : parameter.number}));
@@ -517,9 +527,6 @@ private:
 } // namespace
 
 void splitUniformBlock(SpirvModule& module, std::vector<SpirvParameter>& parameters) {
-    const auto isUniform = [](const SpirvParameter& parameter) {
-        return parameter.kind == ParameterKind::Uniform;
-    };
     const auto uniform = std::find_if(parameters.begin(), parameters.end(), isUniform);
     if (uniform != parameters.end()) {
         BlockSplitter(module, parameters, uniform->id).run();

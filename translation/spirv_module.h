@@ -3,8 +3,10 @@
 #include "host/translation.h"
 
 #include <cstdint>
+#include <functional>
+#include <set>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 namespace patina::detail {
@@ -25,8 +27,8 @@ struct SpirvModule {
     explicit SpirvModule(const std::vector<std::uint32_t>& words);
     std::vector<std::uint32_t> words() const;
 
-    /// The ids that have names.
-    std::vector<std::pair<std::uint32_t, std::string>> names() const;
+    /// The names of everything.
+    std::set<std::string, std::less<>> names() const;
     /// An id that nothing has yet.
     std::uint32_t newId();
 };
@@ -51,13 +53,16 @@ struct SpirvParameter {
     std::string semantic; ///< in Cg
 };
 
-/// Undoes what a Cg program was changed by for its front end: see hlsl_words.h.
-void restoreNames(SpirvModule& module);
+/// Gives everything another name: what `rename` makes of that in Cg. The entry point stays.
+void renameAll(SpirvModule& module, const std::function<std::string(std::string_view)>& rename);
+
+/// Gives the block with the uniforms, which the front end calls what it likes, a name.
+void nameUniformBlock(SpirvModule& module, const std::vector<SpirvParameter>& parameters);
 
 /// The parameters of a module that still has its semantics.
 std::vector<SpirvParameter> readParameters(const SpirvModule& module, ProgramStage stage);
 
-/// Gives inputs, outputs, textures and the block their places, and the block a name; takes the semantics out.
+/// Gives inputs, outputs, textures and the block their places; takes the semantics out.
 void placeParameters(SpirvModule& module, ProgramStage stage, const std::vector<SpirvParameter>& parameters);
 
 /// Makes every uniform of the block a variable of its own, as the OpenGL API has them. The parameters' ids

@@ -2,6 +2,8 @@
 
 #include "translation/back_ends.h"
 #include "translation/front_end.h"
+#include "translation/hlsl_words.h"
+#include "translation/precision.h"
 #include "translation/spirv_module.h"
 
 namespace patina {
@@ -15,7 +17,8 @@ public:
     std::vector<TranslatedProgram> translate(ProgramStage stage, std::string_view program,
                                              const std::vector<ShaderTarget>& targets) const override {
         SpirvModule module(compileCg(stage, program));
-        restoreNames(module);
+        renameAll(module, nameInCg);
+        restorePrecision(module);
         const std::vector<SpirvParameter> parameters = readParameters(module, stage);
         placeParameters(module, stage, parameters);
         std::vector<TranslatedProgram> translated;

@@ -35,7 +35,8 @@ struct Grid {
     int columns;
 };
 
-constexpr Grid grids[] = {{4, 4}, {3, 5}, {1, 1}, {8, 2}, {7, 3}};
+// nothing refuses counts below zero: the formulas go on there
+constexpr Grid grids[] = {{4, 4}, {3, 5}, {1, 1}, {8, 2}, {7, 3}, {-4, 4}, {3, -5}, {-7, -3}};
 
 Case makeCase(const std::string& mode, const std::string& level, const Grid& grid, unsigned connected,
               const std::string& port, bool isFloat) {

@@ -1,12 +1,10 @@
 #include "tests/execution/bounded.h"
 
-#include "nodemodel/text.h"
-
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <string>
 
 namespace patina::testing {
 
@@ -102,9 +100,15 @@ Bounded Arithmetic::rounded(double value, double inherited) const {
 Bounded Arithmetic::number(double value) const { return rounded(value, 0); }
 
 Bounded Arithmetic::literal(double value) const {
-    const std::string text = detail::formatFloat(static_cast<float>(value));
+    // from a float of 32 bits, which a program's constants are made of
+    constexpr int digitsBehindFirst = 5;
+    std::array<char, 32> text = {};
+    const char* end =
+        std::to_chars(text.data(), text.data() + text.size(), static_cast<double>(static_cast<float>(value)),
+                      std::chars_format::scientific, digitsBehindFirst)
+            .ptr;
     double printed = 0;
-    std::from_chars(text.data(), text.data() + text.size(), printed);
+    std::from_chars(text.data(), end, printed);
     return number(printed);
 }
 

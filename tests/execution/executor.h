@@ -77,6 +77,6 @@ inline constexpr const char* compilingDriver = "llvmpipe";
 
 /// There are no more points in a case than this has pixels.
 inline constexpr std::size_t targetWidth = 16;
-inline constexpr std::size_t targetHeight = 16;
+inline constexpr std::size_t targetHeight = 20;
 
 } // namespace patina::testing

@@ -69,6 +69,17 @@ void Graph::demandFloat(const PortOf& source, int width) {
             "in_uv");
 }
 
+GraphNode Graph::meant(std::size_t node) const {
+    GraphNode result = nodes[node];
+    const std::string reference = result.setting("Reference", {});
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        if (idOf(i) == reference) {
+            result.settings = nodes[i].settings;
+        }
+    }
+    return result;
+}
+
 std::string Graph::elements() const {
     std::string text;
     for (std::size_t i = 0; i < nodes.size(); ++i) {

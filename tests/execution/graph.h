@@ -52,6 +52,8 @@ struct Graph {
     PortOf addInput(InputKind kind, int width);
     /// A texture that nothing shows and that asks for its coordinate as float, and so for all before it.
     void demandFloat(const PortOf& source, int width);
+    /// A node with the settings that count: those of the node that it refers to.
+    GraphNode meant(std::size_t node) const;
     /// The elements of the document, without outputs.
     std::string elements() const;
     static std::string idOf(std::size_t node);

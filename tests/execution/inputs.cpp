@@ -86,4 +86,17 @@ std::vector<InputSet> texelCentres(int dimensions) {
     return sets;
 }
 
+std::vector<InputSet> texelEdges(int dimensions) {
+    constexpr std::array edges = {0.0F, 1.0F, -1.0F, 0.5F, -0.5F, 2.0F, -2.0F};
+    std::vector<InputSet> sets;
+    for (const float u : edges) {
+        for (const float v : edges) {
+            if (dimensions > 1 || v == 0) {
+                sets.push_back({{"In0", {u, v, 0, 0}}});
+            }
+        }
+    }
+    return sets;
+}
+
 } // namespace patina::testing

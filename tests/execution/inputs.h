@@ -24,4 +24,7 @@ std::vector<InputSet> inputSets(const Graph& graph, Numbers numbers, std::size_t
 /// Coordinates, as In0, of the middles of texels, in the picture and to all sides of it, where it repeats.
 std::vector<InputSet> texelCentres(int dimensions);
 
+/// Coordinates, as In0, that lie exactly on the picture's edges and middles, in it and where it repeats.
+std::vector<InputSet> texelEdges(int dimensions);
+
 } // namespace patina::testing

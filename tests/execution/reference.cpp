@@ -27,14 +27,17 @@ BoundedVector convert(const Arithmetic& arithmetic, const BoundedVector& value) 
 
 } // namespace
 
-Reference::Reference(const Graph& graph) : graph_(graph), resolved_(graph.nodes.size()) {
+Reference::Reference(const Graph& graph) : shown_(graph.shown), resolved_(graph.nodes.size()) {
+    for (std::size_t i = 0; i < graph.nodes.size(); ++i) {
+        nodes_.push_back(graph.meant(i));
+    }
     resolveWidths();
     resolveFormats();
 }
 
-int Reference::shownWidth() const { return widthOf(graph_.shown); }
+int Reference::shownWidth() const { return widthOf(shown_); }
 
-const Format& Reference::shownFormat() const { return formatOf(graph_.shown); }
+const Format& Reference::shownFormat() const { return formatOf(shown_); }
 
 int Reference::widthOf(const PortOf& port) const { return resolved_[port.node].outputWidths.at(port.port); }
 
@@ -44,8 +47,8 @@ const Format& Reference::formatOf(const PortOf& port) const {
 
 // A node is as wide as the widest value at its free inputs.
 void Reference::resolveWidths() {
-    for (std::size_t i = 0; i < graph_.nodes.size(); ++i) {
-        const GraphNode& node = graph_.nodes[i];
+    for (std::size_t i = 0; i < nodes_.size(); ++i) {
+        const GraphNode& node = nodes_[i];
         const NodePorts ports = portsOf(node);
         for (const InputRule& input : ports.inputs) {
             const auto source = node.inputs.find(input.name);
@@ -62,8 +65,8 @@ void Reference::resolveWidths() {
 
 // One reader that needs float makes an output float, and one such output all inputs of its node.
 void Reference::resolveFormats() {
-    for (std::size_t i = graph_.nodes.size(); i-- > 0;) {
-        const NodePorts ports = portsOf(graph_.nodes[i]);
+    for (std::size_t i = nodes_.size(); i-- > 0;) {
+        const NodePorts ports = portsOf(nodes_[i]);
         Resolved& resolved = resolved_[i];
         for (const auto& [name, format] : resolved.outputFormats) {
             if (format == &floatFormat) {
@@ -74,8 +77,8 @@ void Reference::resolveFormats() {
             resolved.outputFormats.try_emplace(output.name, resolved.format);
         }
         for (const InputRule& input : ports.inputs) {
-            const auto source = graph_.nodes[i].inputs.find(input.name);
-            if (source != graph_.nodes[i].inputs.end()) {
+            const auto source = nodes_[i].inputs.find(input.name);
+            if (source != nodes_[i].inputs.end()) {
                 const Format* wanted = input.isFloat ? &floatFormat : resolved.format;
                 const Format*& given = resolved_[source->second.node]
                                            .outputFormats.try_emplace(source->second.port, wanted)
@@ -88,8 +91,8 @@ void Reference::resolveFormats() {
 
 BoundedVector Reference::evaluate(const InputSet& inputs) const {
     std::vector<std::map<std::string, BoundedVector>> values;
-    for (std::size_t i = 0; i <= graph_.shown.node; ++i) {
-        const GraphNode& node = graph_.nodes[i];
+    for (std::size_t i = 0; i <= shown_.node; ++i) {
+        const GraphNode& node = nodes_[i];
         const Resolved& resolved = resolved_[i];
         NodeCall call = {node, inputs, Arithmetic(*resolved.format), resolved.width, {}};
         for (const InputRule& rule : portsOf(node).inputs) {
@@ -106,7 +109,7 @@ BoundedVector Reference::evaluate(const InputSet& inputs) const {
             value = convert(Arithmetic(*resolved.outputFormats.at(port)), value);
         }
     }
-    return values[graph_.shown.node].at(graph_.shown.port);
+    return values[shown_.node].at(shown_.port);
 }
 
 } // namespace patina::testing

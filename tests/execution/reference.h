@@ -39,7 +39,8 @@ private:
     void resolveWidths();
     void resolveFormats();
 
-    const Graph& graph_;
+    std::vector<GraphNode> nodes_; ///< with the settings that count
+    PortOf shown_;
     std::vector<Resolved> resolved_;
 };
 

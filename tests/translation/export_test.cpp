@@ -109,6 +109,17 @@ TEST(ExportedTargets, StandInTheBindingsFile) {
     EXPECT_EQ(exported.bindings.content.find("Sample.frag.cg"), std::string::npos);
 }
 
+TEST(ExportedTargets, LandInRegistersOfCgOnlyWhereThereIsCg) {
+    Material material = testing::built(tintedTexture());
+    const std::string landing = "<landing stage=\"fragment\" register=\"c0\" name=\"Tint\"/>";
+    const std::string beside =
+        exportedIn(material, {{TargetLanguage::Glsl, 330}, {TargetLanguage::Cg, 0}}).bindings.content;
+    EXPECT_NE(beside.find(landing), std::string::npos) << beside;
+    const std::string alone = exportedIn(material, {{TargetLanguage::Glsl, 330}}).bindings.content;
+    EXPECT_NE(alone.find("tag=\"Tint\""), std::string::npos) << alone;
+    EXPECT_EQ(alone.find("landing"), std::string::npos) << alone;
+}
+
 TEST(ExportedTargets, AnArtistsChangesAreReadBesideThem) {
     const testing::TemporaryDirectory directory;
     const std::string document = directory.write("m.xml", testing::documentText(tintedTexture())).string();
@@ -185,6 +196,36 @@ TEST(ExportedTargets, AnOpenBraceIsReportedAtItsNode) {
     }
 }
 
+TEST(ExportedTargets, WhatIsNestedTooDeepIsRefusedBeforeACompilerSeesIt) {
+    for (const auto& [kind, excess] : {std::pair{"Brackets", "256 brackets within one another"},
+                                       {"Blocks", "256 brackets within one another"},
+                                       {"Signs", "8192 names and signs in one statement"},
+                                       {"Loops", "8192 names and signs in one statement"},
+                                       {"Alternatives", "1024 times \"else\""}}) {
+        for (const std::string depth : {"TooDeep", "Absurd"}) {
+            EXPECT_EQ(
+                untranslatable(depth + kind),
+                "m.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" is nested too deep "
+                "to be translated: it has more than " +
+                    std::string(excess) + "; split what the node emits, or export it in Cg alone");
+        }
+    }
+}
+
+TEST(ExportedTargets, WhatIsNestedLessIsTranslated) {
+    PluginSet plugins;
+    plugins.add(PATINA_UNTRANSLATABLE);
+    const testing::TemporaryDirectory directory;
+    for (const char* kind : {"Brackets", "Blocks", "Signs", "Loops", "Alternatives"}) {
+        const std::string body =
+            node("deep", std::string("Deep") + kind) + output("colour", "deep", "out_colour");
+        Warnings warnings;
+        Material material = buildMaterial(readMaterial(directory.write("m.xml", testing::documentText(body))),
+                                          plugins, warnings);
+        EXPECT_EQ(exportedIn(material, {{TargetLanguage::Glsl, 330}}).targetPrograms.size(), 2U) << kind;
+    }
+}
+
 std::string refusal(const ExportOptions& options) {
     Material material = testing::built(tintedTexture());
     return testing::hostErrorOf([&] { testing::exportedFrom(material, options); });
@@ -209,8 +250,15 @@ TEST(TargetNames, AreReadWithAndWithoutVersion) {
     EXPECT_EQ(parseTarget("hlsl"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
     EXPECT_EQ(parseTarget("hlsl:6.2"), (ShaderTarget{TargetLanguage::Hlsl, 62}));
     EXPECT_EQ(parseTarget("msl:2.4"), (ShaderTarget{TargetLanguage::Msl, 24}));
+    EXPECT_EQ(parseTarget("hlsl:5"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
+    EXPECT_EQ(parseTarget("hlsl:6"), (ShaderTarget{TargetLanguage::Hlsl, 60}));
+    EXPECT_EQ(parseTarget("msl:2"), (ShaderTarget{TargetLanguage::Msl, 20}));
+    EXPECT_EQ(parseTarget("msl:3"), (ShaderTarget{TargetLanguage::Msl, 30}));
+    EXPECT_EQ(parseTarget("spirv:1"), (ShaderTarget{TargetLanguage::Spirv, 10}));
     EXPECT_EQ(parseTarget("spirv"), (ShaderTarget{TargetLanguage::Spirv, 10}));
-    for (const char* text : {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1"}) {
+    for (const char* text :
+         {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1", "hlsl:7", "hlsl:5.",
+          "hlsl:.0", "msl:2.00", "glsl:33", "glsl:330.0", "msl:0", "cg:0"}) {
         EXPECT_EQ(parseTarget(text), std::nullopt) << text;
     }
 }
@@ -249,6 +297,18 @@ TEST(TargetOption, RefusesUnknownTargetsAndLanguagesTwice) {
     EXPECT_EQ(twice.exitCode, 2);
     EXPECT_NE(twice.errors.find("\"glsl\" is there twice"), std::string::npos) << twice.errors;
     EXPECT_FALSE(std::filesystem::exists(directory / "out"));
+}
+
+TEST(TargetOption, RefusesAnEmptyItem) {
+    const testing::TemporaryDirectory directory;
+    for (const char* list : {",", "glsl,", ",glsl", "glsl,,msl"}) {
+        const testing::Outcome outcome = exportCommand(directory, {"--target", list});
+        EXPECT_EQ(outcome.exitCode, 2) << list;
+        EXPECT_NE(
+            outcome.errors.find("--target: a language is missing beside a comma; there are cg; hlsl:5.0"),
+            std::string::npos)
+            << list << ": " << outcome.errors;
+    }
 }
 
 TEST(TargetOption, SeveralMaterialsAtOnceGiveTheSame) {

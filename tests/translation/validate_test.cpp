@@ -2,7 +2,7 @@
 
 #include "tests/host/host_checks.h"
 #include "tests/host/process.h"
-#include "tests/host/sample_materials.h"
+#include "tests/translation/program_pairs.h"
 #include "translation/translator.h"
 
 #include <gtest/gtest.h>
@@ -42,12 +42,13 @@ const ShaderTranslator& translator() {
 /// Programs as files of one directory, by stage and language.
 class Programs {
 public:
+    explicit Programs(std::vector<ShaderTarget> targets) : targets_(std::move(targets)) {}
+
     void add(const std::string& name, ProgramStage stage, const std::string& program) {
-        const std::vector<TranslatedProgram> translated =
-            translator().translate(stage, program, allTargets());
+        const std::vector<TranslatedProgram> translated = translator().translate(stage, program, targets_);
         const std::string stageName = stage == ProgramStage::Vertex ? "vert" : "frag";
         for (std::size_t i = 0; i < translated.size(); ++i) {
-            const TargetLanguage language = allTargets()[i].language;
+            const TargetLanguage language = targets_[i].language;
             const std::string file = name + "." + targetName(language) + "." + stageName;
             files_[{stageName, language}].push_back(directory_.write(file, translated[i].content).string());
         }
@@ -105,6 +106,7 @@ private:
         }
     }
 
+    std::vector<ShaderTarget> targets_;
     TemporaryDirectory directory_;
     std::map<std::pair<std::string, TargetLanguage>, std::vector<std::string>> files_;
 };
@@ -118,78 +120,31 @@ protected:
     }
 };
 
-TEST_F(Validate, PaintedMetal) {
-    Warnings warnings;
-    Material material = buildMaterial(readMaterial(PATINA_EXAMPLE), testing::corePlugins(), warnings);
-    const ExportedMaterial exported = testing::exportedFrom(material);
-    Programs programs;
-    programs.add("painted_metal", ProgramStage::Vertex, exported.vertexProgram.content);
-    programs.add("painted_metal", ProgramStage::Fragment, exported.fragmentProgram.content);
-    programs.expectValid();
-}
-
-TEST_F(Validate, EveryNodeInEveryMode) {
-    Programs programs;
+void expectAllValid(const std::vector<testing::ProgramPair>& pairs,
+                    const std::vector<ShaderTarget>& targets = allTargets()) {
+    Programs programs(targets);
     int number = 0;
-    for (const testing::SampleGroup& group : testing::sampleGroups()) {
-        for (const testing::Sample& sample : group.samples) {
-            SCOPED_TRACE(group.name + ": " + sample.name);
-            const ExportedMaterial exported = testing::exported(sample.body);
-            const std::string name = "program" + std::to_string(++number);
-            programs.add(name, ProgramStage::Vertex, exported.vertexProgram.content);
-            programs.add(name, ProgramStage::Fragment, exported.fragmentProgram.content);
-        }
+    for (const testing::ProgramPair& pair : pairs) {
+        SCOPED_TRACE(pair.name);
+        const std::string name = "program" + std::to_string(++number);
+        programs.add(name, ProgramStage::Vertex, pair.vertex);
+        programs.add(name, ProgramStage::Fragment, pair.fragment);
     }
     programs.expectValid();
 }
 
-TEST_F(Validate, ParametersInRegisters) {
-    const testing::CgPrograms printed = testing::programsWithRegisters();
-    Programs programs;
-    programs.add("registers", ProgramStage::Vertex, printed.vertex);
-    programs.add("registers", ProgramStage::Fragment, printed.fragment);
-    programs.expectValid();
+TEST_F(Validate, PaintedMetal) { expectAllValid({testing::examplePair()}); }
+
+TEST_F(Validate, EveryNodeInEveryMode) { expectAllValid(testing::nodePairs()); }
+
+TEST_F(Validate, ParametersInRegisters) { expectAllValid({testing::registerPair()}); }
+
+// SPIR-V has none to keep
+TEST_F(Validate, NamesThatTargetsKeep) {
+    expectAllValid(testing::awkwardPairs(), {{TargetLanguage::Glsl, 330}, {TargetLanguage::Hlsl, 50}});
 }
 
-TEST_F(Validate, WordsOfHlslAsNames) {
-    const std::string vertex = "void main( float4 position : ATTR0, float2 NAME : ATTR1,\n"
-                               "\tout float4 place : POSITION, out float2 handed : TEXCOORD0 )\n"
-                               "{ place = position; handed = NAME; }\n";
-    const std::string fragmentBody =
-        "void main( float2 STREAM : TEXCOORD0, out float4 colour : COLOR0 )\n"
-        "{ float2 LOCAL = STREAM * 2.0; colour = f4tex2D( PAINT, LOCAL ) + TINT; }\n";
-    Programs programs;
-    int number = 0;
-    for (const std::string word : {"globallycoherent", "SubpassInput", "linear", "sample", "min16float",
-                                   "min12int3", "WPOS", "TEXUNIT0", "line", "SamplerState"}) {
-        const auto withWord = [&](std::string text, const std::string& mark) {
-            for (const std::string name : {"NAME", "STREAM", "LOCAL", "PAINT", "TINT"}) {
-                const std::string& used = name == mark ? word : name + "_";
-                for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at)) {
-                    text.replace(at, name.size(), used);
-                    at += used.size();
-                }
-            }
-            return text;
-        };
-        const std::string fragment =
-            "uniform sampler2D PAINT : TEXUNIT0;\nuniform float4 TINT : register( c0 );\n" + fragmentBody;
-        const std::string name = "word" + std::to_string(++number);
-        programs.add(name, ProgramStage::Vertex, withWord(vertex, "NAME"));
-        for (const std::string mark : {"STREAM", "LOCAL", "PAINT", "TINT"}) {
-            programs.add(name + mark, ProgramStage::Fragment, withWord(fragment, mark));
-        }
-    }
-    programs.expectValid();
-}
-
-TEST_F(Validate, SizesOfPoints) {
-    Programs programs;
-    programs.add("points", ProgramStage::Vertex,
-                 "void main( float4 position : ATTR0, out float4 place : POSITION, out float size : PSIZE )\n"
-                 "{ place = position; size = position.x; }\n");
-    programs.expectValid();
-}
+TEST_F(Validate, SizesOfPoints) { expectAllValid({testing::pointPair()}); }
 
 } // namespace
 } // namespace patina

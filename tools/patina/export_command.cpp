@@ -140,25 +140,34 @@ private:
 
 constexpr const char* targetOption = "--target";
 
-/// The targets that the user named. Throws CLI::ValidationError for one that does not exist, and for a
-/// language that is named twice.
-std::vector<ShaderTarget> parseTargets(const std::vector<std::string>& texts) {
+void appendTarget(std::vector<ShaderTarget>& targets, const std::string& text) {
+    if (text.empty()) {
+        throw CLI::ValidationError(targetOption,
+                                   "a language is missing beside a comma; there are " + targetsText());
+    }
+    const std::optional<ShaderTarget> target = parseTarget(text);
+    if (!target) {
+        throw CLI::ValidationError(targetOption, "there is no \"" + text + "\"; there are " + targetsText());
+    }
+    const auto isSame = [&](const ShaderTarget& earlier) { return earlier.language == target->language; };
+    if (std::any_of(targets.begin(), targets.end(), isSame)) {
+        throw CLI::ValidationError(targetOption, "\"" + targetName(target->language) +
+                                                     "\" is there twice, and its files have one name; "
+                                                     "export the versions into different directories");
+    }
+    targets.push_back(*target);
+}
+
+/// The targets that the user named, in lists with commas. Throws CLI::ValidationError for one that does not
+/// exist, and for a language that is named twice.
+std::vector<ShaderTarget> parseTargets(const std::vector<std::string>& lists) {
     std::vector<ShaderTarget> targets;
-    for (const std::string& text : texts) {
-        const std::optional<ShaderTarget> target = parseTarget(text);
-        if (!target) {
-            throw CLI::ValidationError(targetOption,
-                                       "there is no \"" + text + "\"; there are " + targetsText());
+    for (const std::string& list : lists) {
+        for (std::size_t begin = 0; begin <= list.size();) {
+            const std::size_t end = std::min(list.find(',', begin), list.size());
+            appendTarget(targets, list.substr(begin, end - begin));
+            begin = end + 1;
         }
-        for (const ShaderTarget& earlier : targets) {
-            if (earlier.language == target->language) {
-                throw CLI::ValidationError(targetOption,
-                                           "\"" + targetName(target->language) +
-                                               "\" is there twice, and its files have one name; "
-                                               "export the versions into different directories");
-            }
-        }
-        targets.push_back(*target);
     }
     return targets;
 }
@@ -207,14 +216,13 @@ void addExportCommand(CommandLine& commandLine) {
             "the languages of the programs, separated by commas or given repeatedly: cg, hlsl, glsl, "
             "essl, msl, spirv, or with a version, glsl:450; cg without this option")
         ->type_name("LIST")
-        ->delimiter(',')
         ->allow_extra_args(false);
     command
         ->add_option("--framework", options->framework,
                      "\"none\" leaves the framework's functions out, for those who have their own")
         ->check(CLI::IsMember({"patina", "none"}));
     command->add_flag("--annotate", options->exporting.print.annotate,
-                      "write a comment with node and types over each call");
+                      "in Cg, write a comment with node and types over each call");
     // -MD is a short option of two letters, as compilers have it
     command->add_flag("--depfile", options->exporting.dependencyFile,
                       "write NAME.d too, a rule for Make and Ninja; -MD means the same");
