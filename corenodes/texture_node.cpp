@@ -145,8 +145,16 @@ void TextureNode::updateFromProperties(void* /*hostContext*/) {
 }
 
 std::string TextureNode::caption() const {
-    const auto& referenced = reference_->getNode();
-    return referenced ? referenced->caption() : name();
+    // no recursion: textures may refer to one another in chains that are longer than the stack is deep
+    const TextureNode* texture = this;
+    for (;;) {
+        const MaterialNode* const referenced = texture->reference_->getNode().get();
+        const auto* const next = dynamic_cast<const TextureNode*>(referenced);
+        if (next == nullptr) {
+            return referenced == nullptr ? texture->name() : referenced->caption();
+        }
+        texture = next;
+    }
 }
 
 bool TextureNode::generatesBinding() const { return !isReferenced(); }

@@ -300,11 +300,17 @@ private:
         return rest;
     }
 
+    /// The last cycle that is told ends it: each takes a walk through the whole material.
+    Errors* errorsOfCycle(std::size_t number) const {
+        constexpr std::size_t toldCycles = 100;
+        return number < toldCycles ? errors_ : nullptr;
+    }
+
     void updateInReferenceOrder() {
         const NodeIndex indexByNode = indexNodes(material_);
         DependencyOrder order = orderByDependencies(referencesOf(material_, indexByNode));
-        while (!order.cycle.empty()) {
-            attempt(errors_, [&] { failAtReferenceCycle(material_, order.cycle); });
+        for (std::size_t cycles = 1; !order.cycle.empty(); ++cycles) {
+            attempt(errorsOfCycle(cycles), [&] { failAtReferenceCycle(material_, order.cycle); });
             clearReferences(*material_.items[order.cycle.front()].node);
             material_.items[order.cycle.front()].faulty = true;
             order = orderByDependencies(referencesOf(material_, indexByNode));
@@ -413,8 +419,8 @@ private:
 
     void orderDownstream() {
         DependencyOrder order = orderByDependencies(sourcesOf(material_));
-        while (!order.cycle.empty()) {
-            attempt(errors_, [&] { failAtConnectionCycle(material_, order.cycle); });
+        for (std::size_t cycles = 1; !order.cycle.empty(); ++cycles) {
+            attempt(errorsOfCycle(cycles), [&] { failAtConnectionCycle(material_, order.cycle); });
             dropConnections(order.cycle.size() > 1 ? order.cycle[1] : order.cycle[0], order.cycle[0]);
             order = orderByDependencies(sourcesOf(material_));
         }

@@ -241,6 +241,25 @@ TEST(FunctionBuilder, KeepsItsOwnFunctionUnnamed) {
               "parameter name \"a\" is duplicated in function \"unknown\"");
 }
 
+TEST(Finish, GivesWhatMakeNodeGives) {
+    FunctionBuilder builder;
+    builder.reserve(2, 100);
+    builder.addInput({ComponentType::Half, 3, 1, 1}, "in_value");
+    builder.addOutput({ComponentType::Float, 1, 1, 1}, "out_value");
+    builder.appendCode("\tout_value = in_value.x;\n");
+    const auto made = builder.makeNode(ExecutionLevel::Fragment, "first");
+    const auto finished = builder.finish(ExecutionLevel::Fragment, "first");
+    EXPECT_NE(made, finished);
+    for (const auto& node : {made, finished}) {
+        EXPECT_EQ(describe(*node), "function \"first\" (1/1/f)");
+        EXPECT_EQ(node->code, "\tout_value = in_value.x;\n");
+        ASSERT_EQ(node->inputs.size(), 1U);
+        EXPECT_EQ(node->inputs[0].name, "in_value");
+        ASSERT_EQ(node->outputs.size(), 1U);
+        EXPECT_EQ(node->outputs[0].name, "out_value");
+    }
+}
+
 TEST(FunctionBuilder, MakesSeveralNodes) {
     FunctionBuilder builder;
     builder.addInput(floatType, "a");
