@@ -9,6 +9,8 @@
 
 namespace patina {
 
+using namespace detail;
+
 namespace {
 
 constexpr std::array<std::string_view, 7> artistKeys = {
@@ -69,6 +71,11 @@ void restoreArtistValues(Binding& binding, const Annotations& annotations) {
     if (findAnnotation(values, "stream_type") == nullptr &&
         findAnnotation(values, "stream_normalize") == nullptr) {
         binding.streamType = streamType; // reading made it lower case
+    }
+    // so it does to the one code with capital letters, which a binding that was read wrote itself
+    const std::string packed = streamTypeFor("packed", true);
+    if (binding.streamType == lowerCase(packed)) {
+        binding.streamType = packed;
     }
 }
 
