@@ -1,0 +1,20 @@
+#pragma once
+
+#include "host/host.h"
+
+#include <string_view>
+
+namespace patina::fuzz {
+
+/// Ends the program with the text when the condition does not hold.
+void require(bool condition, std::string_view text);
+
+/// The Core plug-in, loaded once.
+const PluginSet& corePlugins();
+
+/// Exports what a document describes, as a command does, and looks at it in every other way that a host
+/// offers. Either everything succeeds and all agree, or HostError says why not, and the check of the document
+/// reports an error too. With `compile`, the programs are taken to the compiler, which must accept them.
+void checkExport(const MaterialDocument& document, bool compile);
+
+} // namespace patina::fuzz
