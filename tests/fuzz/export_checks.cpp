@@ -57,6 +57,11 @@ void requireCompiles(ProgramStage stage, const std::string& program) {
     }
 }
 
+void requireCompiles(const ExportedMaterial& exported) {
+    requireCompiles(ProgramStage::Vertex, exported.vertexProgram.content);
+    requireCompiles(ProgramStage::Fragment, exported.fragmentProgram.content);
+}
+
 ExportOptions exportOptions() {
     ExportOptions options;
     options.json = true;
@@ -86,6 +91,15 @@ void checkExportAgain(Material& material, const ExportedMaterial& first) {
             joinText({"A second export carries over what nobody changed:\n", first.bindings.content, "\n",
                       second.bindings.content}));
     require(warnings.size() == before.size(), "A second export warns of what nobody changed.");
+}
+
+/// What can be exported can be drawn too, as the programs that it becomes.
+void checkDrawingOfPrograms(Material& material) {
+    resolveMaterial(material);
+    const GeneratedGraph graph = generateGraph(material);
+    const Dataflow flow = joinGraph(material, graph);
+    require(isDocumentText(printShaderGraph(material, flow, placeInStages(material, flow))),
+            "Programs are not drawn in UTF-8.");
 }
 
 /// A document that is full of errors can be drawn nevertheless.
@@ -144,9 +158,21 @@ void checkExport(const MaterialDocument& document, bool compile) {
                                        : joinText({"The check finds an error, and the export none: ",
                                                    report.errors.front().what()}));
     checkExportAgain(*material, *exported);
+    checkDrawingOfPrograms(*material);
     if (compile) {
-        requireCompiles(ProgramStage::Vertex, exported->vertexProgram.content);
-        requireCompiles(ProgramStage::Fragment, exported->fragmentProgram.content);
+        requireCompiles(*exported);
+    }
+}
+
+void checkShown(const MaterialDocument& document, const std::string& nodeId, const std::string& port) {
+    ExportOptions options;
+    options.showValue = true;
+    Warnings warnings;
+    try {
+        Material material = buildMaterial(showOutput(document, nodeId, port), corePlugins(), warnings);
+        requireCompiles(exportMaterial(material, warnings, options));
+    } catch (const HostError&) {
+        return;
     }
 }
 

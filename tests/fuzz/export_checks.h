@@ -2,6 +2,7 @@
 
 #include "host/host.h"
 
+#include <string>
 #include <string_view>
 
 namespace patina::fuzz {
@@ -16,5 +17,9 @@ const PluginSet& corePlugins();
 /// offers. Either everything succeeds and all agree, or HostError says why not, and the check of the document
 /// reports an error too. With `compile`, the programs are taken to the compiler, which must accept them.
 void checkExport(const MaterialDocument& document, bool compile);
+
+/// Shows an output of a node of a document, by its port's name or the first one, in the same way: a program
+/// or HostError comes of it.
+void checkShown(const MaterialDocument& document, const std::string& nodeId, const std::string& port);
 
 } // namespace patina::fuzz

@@ -85,6 +85,14 @@ public:
         }
     }
 
+    /// Shows any value of what was edited, which may lack whatever an export needs elsewhere.
+    void show() {
+        const MaterialItem* item = anyItem();
+        if (item != nullptr && decide_.oneIn(4)) {
+            checkShown(material_.document, item->id, anyPort(item->node->outputs));
+        }
+    }
+
     /// The document, with whatever no edit would allow where the input asks for it.
     MaterialDocument spoilt() {
         MaterialDocument document = material_.document;
@@ -319,6 +327,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzer.edit();
     fuzzer.complete();
     fuzzer.compareWithDocument();
+    fuzzer.show();
     patina::fuzz::checkExport(fuzzer.spoilt(), compile);
     return 0;
 }
