@@ -1,10 +1,12 @@
 #include "host/artist_values.h"
 
 #include "host/xml.h"
+#include "nodemodel/text.h"
 #include "nodemodel/xml_attributes.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <iterator>
 
 namespace patina {
@@ -15,6 +17,16 @@ namespace {
 
 constexpr std::array<std::string_view, 7> artistKeys = {
     "default", "uv", "uilabel", "uiunittype", "stream_type", "stream_normalize", "dataset_modifiers"};
+
+bool isNumberList(const std::string& text) {
+    const auto numbers = parseFloatList(text);
+    return numbers && !numbers->empty() &&
+           std::all_of(numbers->begin(), numbers->end(), [](float number) { return std::isfinite(number); });
+}
+
+bool isUnitType(const std::string& text) {
+    return uiUnitTypeName(parseUiUnitType(lowerCase(text))) == lowerCase(text);
+}
 
 /// An element with a binding's annotations, in a document of its own.
 class AnnotatedElement {
@@ -39,6 +51,18 @@ const std::string* findAnnotation(const Annotations& annotations, std::string_vi
     const auto found = std::find_if(annotations.begin(), annotations.end(),
                                     [&](const auto& annotation) { return annotation.first == key; });
     return found == annotations.end() ? nullptr : &found->second;
+}
+
+std::string whyNotUnderstood(std::string_view kind, const Annotations& annotations) {
+    const std::string* initial = findAnnotation(annotations, "default");
+    if (kind == "float" && initial != nullptr && !isNumberList(*initial)) {
+        return joinText({"the default \"", *initial, "\" is no list of finite numbers"});
+    }
+    const std::string* unit = findAnnotation(annotations, "uiunittype");
+    if (unit != nullptr && !isUnitType(*unit)) {
+        return joinText({"\"", *unit, "\" is no unit type; they are raw, linear, angular and srgbcolour"});
+    }
+    return {};
 }
 
 Annotations annotationsOf(const Binding& binding) {

@@ -278,9 +278,11 @@ std::string NameAllocator::allocate(const std::string& wanted) {
     if (!isReservedName(wanted) && taken_.insert(wanted).second) {
         return wanted;
     }
+    // "__2" is as reserved as "_" is taken
+    const std::string stem = wanted.ends_with('_') ? wanted : wanted + "_";
     int& suffix = nextSuffix_.try_emplace(wanted, 2).first->second;
     for (;;) {
-        std::string name = wanted + "_" + std::to_string(suffix++);
+        std::string name = stem + std::to_string(suffix++);
         if (!isReservedName(name) && taken_.insert(name).second) {
             return name;
         }

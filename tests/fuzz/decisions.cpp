@@ -115,6 +115,14 @@ constexpr std::size_t manyChoices = 8;
 
 } // namespace
 
+Decisions Decisions::part() {
+    const std::size_t size = std::min(below(64), left_);
+    const Decisions taken(data_, size);
+    data_ += size;
+    left_ -= size;
+    return taken;
+}
+
 std::size_t Decisions::below(std::size_t count) {
     if (left_ == 0 || count < 2) {
         return 0;

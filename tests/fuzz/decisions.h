@@ -11,9 +11,13 @@ namespace patina::fuzz {
 /// is the first choice, which should be the plainest.
 class Decisions {
 public:
+    Decisions() = default;
     Decisions(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
 
     bool isSpent() const { return left_ == 0; }
+
+    /// The next few bytes for a part of the input that asks for itself, more than once perhaps.
+    Decisions part();
 
     /// From 0 to `count` - 1; of more than 256 choices only the first 256 are taken.
     std::size_t below(std::size_t count);
@@ -47,8 +51,8 @@ public:
 private:
     std::uint32_t word();
 
-    const std::uint8_t* data_;
-    std::size_t left_;
+    const std::uint8_t* data_ = nullptr;
+    std::size_t left_ = 0;
 };
 
 } // namespace patina::fuzz

@@ -43,13 +43,17 @@ std::unique_ptr<ShaderTranslator> makeCompiler() {
     }
 }
 
+const ShaderTranslator* compiler() {
+    static const std::unique_ptr<ShaderTranslator> made = makeCompiler();
+    return made.get();
+}
+
 void requireCompiles(ProgramStage stage, const std::string& program) {
-    static const std::unique_ptr<ShaderTranslator> compiler = makeCompiler();
-    if (compiler == nullptr) {
+    if (compiler() == nullptr) {
         return;
     }
     try {
-        const auto translated = compiler->translate(stage, program, {{TargetLanguage::Spirv, 10}});
+        const auto translated = compiler()->translate(stage, program, {{TargetLanguage::Spirv, 10}});
         requireValidModule(translated.front().content, program);
     } catch (const TranslationError& error) {
         require(false, joinText({"The compiler refuses a program: ", error.what(), " (line ",
@@ -80,6 +84,15 @@ std::optional<ExportedMaterial> tryExport(Material& material, std::string& reaso
     }
 }
 
+/// Looking for everything that is wrong finds something exactly where the export does.
+void requireAgreement(bool isExported, const std::string& reason, const Errors& errors) {
+    if (isExported && !errors.empty()) {
+        require(false, joinText({"The check finds an error, and the export none: ", errors.front().what()}));
+    }
+    require(isExported || !errors.empty(),
+            joinText({"The check finds nothing wrong, and the export fails: ", reason}));
+}
+
 /// Nobody changed anything in the bindings file of the first export: the second says the same.
 void checkExportAgain(Material& material, const ExportedMaterial& first) {
     const SavedBindings saved = parseBindings(first.bindings.content, "fuzz.bindings.xml");
@@ -91,6 +104,25 @@ void checkExportAgain(Material& material, const ExportedMaterial& first) {
             joinText({"A second export carries over what nobody changed:\n", first.bindings.content, "\n",
                       second.bindings.content}));
     require(warnings.size() == before.size(), "A second export warns of what nobody changed.");
+}
+
+/// Everything that the steps of an export find wrong.
+Errors errorsOf(Material& material) {
+    Errors errors;
+    Warnings warnings;
+    resolveMaterial(material, &errors);
+    const GeneratedGraph graph = generateGraph(material, &errors);
+    restoreSavedValues(material, collectBindings(material, &errors), warnings, &errors);
+    const Dataflow flow = joinGraph(material, graph, &errors);
+    verifyCode(material, flow, &errors);
+    Errors ofStages;
+    const StagedShader stages = placeInStages(material, flow, &ofStages);
+    nameShader(material, flow, stages, &errors);
+    if (ofStages.empty()) {
+        attempt(&errors, [&] { assignRegisters(material, flow, stages); });
+    }
+    errors.insert(errors.end(), ofStages.begin(), ofStages.end());
+    return errors;
 }
 
 /// What can be exported can be drawn too, as the programs that it becomes.
@@ -148,19 +180,35 @@ void checkExport(const MaterialDocument& document, bool compile) {
     std::optional<Material> material = tryBuild(document, reason);
     const auto exported = material ? tryExport(*material, reason) : std::nullopt;
     const CheckReport report = checkMaterial(document, corePlugins());
+    requireAgreement(exported.has_value(), reason, report.errors);
     if (!exported) {
-        require(!report.errors.empty(),
-                joinText({"The check finds nothing wrong, and the export fails: ", reason}));
         return;
     }
-    require(report.errors.empty(), report.errors.empty()
-                                       ? std::string()
-                                       : joinText({"The check finds an error, and the export none: ",
-                                                   report.errors.front().what()}));
     checkExportAgain(*material, *exported);
     checkDrawingOfPrograms(*material);
     if (compile) {
         requireCompiles(*exported);
+    }
+}
+
+void checkAssembly(Material& material) {
+    std::string reason;
+    const auto exported = tryExport(material, reason);
+    const Errors errors = errorsOf(material);
+    requireAgreement(exported.has_value(), reason, errors);
+    if (!exported) {
+        return;
+    }
+    checkExportAgain(material, *exported);
+    checkDrawingOfPrograms(material);
+    ExportOptions options;
+    options.targets = {{TargetLanguage::Spirv, 10}};
+    options.translator = compiler();
+    Warnings warnings;
+    try {
+        exportMaterial(material, warnings, options);
+    } catch (const HostError&) {
+        return; // the nodes' code need not compile
     }
 }
 
