@@ -21,6 +21,10 @@ bool isArtistKey(std::string_view key);
 /// The text of a key, or null when it is missing. It lives as long as `annotations` stay as they are.
 const std::string* findAnnotation(const Annotations& annotations, std::string_view key);
 
+/// Why a binding of that kind would pass over one of the annotations in silence; empty when it would not.
+/// [thread-safe]
+std::string whyNotUnderstood(std::string_view kind, const Annotations& annotations);
+
 /// The annotations of a binding in the order in which it writes them. Throws what the binding throws.
 Annotations annotationsOf(const Binding& binding);
 

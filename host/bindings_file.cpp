@@ -96,6 +96,7 @@ public:
                 item.node->addBindings(collection_);
             }
         });
+        requireBindings(item);
         for (std::size_t i = before; i < collection_.bindings.size(); ++i) {
             const Binding& binding = *collection_.bindings[i];
             requireOwn(index, itemByName_, binding.name, "has the name");
@@ -105,6 +106,7 @@ public:
     }
 
     BindingCollection take() {
+        std::erase(collection_.bindings, nullptr); // of a node that failed thereafter
         collection_.sorted = true;
         return std::move(collection_);
     }
@@ -112,6 +114,14 @@ public:
 private:
     [[noreturn]] void fail(const MaterialItem& item, std::initializer_list<std::string_view> pieces) const {
         throw HostError({material_.file, item.line}, joinText({nodeTitle(item), ": ", joinText(pieces)}));
+    }
+
+    /// What makes a binding may have given none: createBinding does so for no components.
+    void requireBindings(const MaterialItem& item) {
+        if (std::erase(collection_.bindings, nullptr) != 0) {
+            fail(item,
+                 {"it presents an empty handle as a binding; report this to the author of its plug-in"});
+        }
     }
 
     void requireOwn(std::size_t index, ItemByName& owners, const std::string& name, std::string_view what) {
@@ -138,6 +148,11 @@ private:
             fail(item, {"the ", unwritable != annotations.end() ? unwritable->first : std::string("group"),
                         " of its binding is no text in UTF-8, or has control characters; report this to the "
                         "author of its plug-in"});
+        }
+        const std::string reason = whyNotUnderstood(bindingKindName(binding), annotations);
+        if (!reason.empty()) {
+            fail(item,
+                 {"its binding cannot be read back: ", reason, "; report this to the author of its plug-in"});
         }
     }
 

@@ -314,9 +314,11 @@ std::string_view NameAllocator::allocate(std::string_view wanted) {
     if (!isReservedName(wanted) && taken_.insert(wanted).second) {
         return wanted;
     }
+    // "__2" is as reserved as "_" is taken
+    const std::string_view separator = wanted.ends_with('_') ? "" : "_";
     int& suffix = nextSuffix_.try_emplace(wanted, 2).first->second;
     for (;;) {
-        const std::string_view name = keep(joinText({wanted, "_", std::to_string(suffix++)}));
+        const std::string_view name = keep(joinText({wanted, separator, std::to_string(suffix++)}));
         if (!isReservedName(name) && taken_.insert(name).second) {
             return name;
         }

@@ -1,8 +1,43 @@
 #include "host/generate.h"
 
 #include "host/framework_values.h"
+#include "nodemodel/shader_error.h"
 
 namespace patina {
+
+namespace {
+
+bool isKnown(const ShaderType& type) {
+    return type.componentType >= ComponentType::Unknown && type.componentType <= ComponentType::SamplerRect;
+}
+
+/// Throws ShaderError for a type that has no name, which no later step could print. Another stands there
+/// then, for what is looked at nevertheless.
+void requireTypes(const Graph& graph, std::size_t firstNode) {
+    bool areKnown = true;
+    const auto require = [&](ShaderType& type) {
+        if (!isKnown(type)) {
+            type = {ComponentType::Float, 1, 1, 1};
+            areKnown = false;
+        }
+    };
+    for (std::size_t i = firstNode; i < graph.nodes.size(); ++i) {
+        GeneratorNode& node = *graph.nodes[i];
+        require(node.type);
+        for (auto* ports : {&node.inputs, &node.outputs}) {
+            for (GeneratorPort& port : *ports) {
+                require(port.type);
+            }
+        }
+    }
+    if (!areKnown) {
+        throw ShaderError(
+            "a value of its code has a component type that there is none of; report this to the "
+            "author of its plug-in");
+    }
+}
+
+} // namespace
 
 GeneratedGraph generateGraph(const Material& material, Errors* errors) {
     GeneratedGraph result;
@@ -10,10 +45,14 @@ GeneratedGraph generateGraph(const Material& material, Errors* errors) {
     result.incomplete.resize(material.items.size(), false);
     const auto generate = [&](std::size_t index) {
         const MaterialItem& item = material.items[index];
-        result.incomplete[index] =
-            isStandIn(item) || !attempt(errors, [&] {
-                onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
-            });
+        const Graph& graph = *result.generator.graph;
+        const auto succeeds = [&](auto&& action) {
+            return attempt(errors, [&] { onBehalfOf(material, item, item.line, action); });
+        };
+        const bool isGenerated =
+            isStandIn(item) || succeeds([&] { item.node->generateCode(result.generator); });
+        const bool isTyped = succeeds([&] { requireTypes(graph, result.owners.size()); });
+        result.incomplete[index] = isStandIn(item) || !isGenerated || !isTyped;
         result.owners.resize(result.generator.graph->nodes.size(), index);
     };
     // what a missing node type breaks elsewhere would only hide the reason

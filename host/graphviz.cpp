@@ -1,11 +1,10 @@
 #include "host/graphviz.h"
 
 #include "host/diagnostic.h"
+#include "host/document.h"
 #include "nodemodel/text.h"
 #include "shadergraph/register_table.h"
 #include "shadergraph/shader_type.h"
-
-#include <libxml/xmlstring.h>
 
 #include <algorithm>
 #include <array>
@@ -31,10 +30,10 @@ constexpr const char* middleDot = " \xC2\xB7 ";
 constexpr const char* referenceColour = "#8a8a8a";
 constexpr const char* resultAttributes = R"(fillcolor="#2f3640", color="#2f3640", fontcolor="#ffffff")";
 
-/// Text as Graphviz takes it: UTF-8 without control characters.
+/// Text as Graphviz takes it: UTF-8 of characters that XML allows, which it reads labels as.
 std::string plainText(std::string_view text) {
     std::string plain = oneLine(text);
-    if (xmlCheckUTF8(reinterpret_cast<const unsigned char*>(plain.c_str())) == 0) {
+    if (!isDocumentText(plain)) {
         std::replace_if(
             plain.begin(), plain.end(),
             [](char letter) { return static_cast<unsigned char>(letter) >= 0x80; }, '?');

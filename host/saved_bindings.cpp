@@ -6,7 +6,6 @@
 #include "nodemodel/xml_attributes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <new>
 #include <system_error>
 #include <unordered_map>
@@ -20,29 +19,11 @@ namespace {
 
 constexpr const char* advice = "mend this file, or move it away to export without what was changed in it";
 
-bool isNumberList(const std::string& text) {
-    const auto numbers = parseFloatList(text);
-    return numbers && !numbers->empty() &&
-           std::all_of(numbers->begin(), numbers->end(), [](float number) { return std::isfinite(number); });
-}
-
-bool isUnitType(const std::string& text) {
-    return uiUnitTypeName(parseUiUnitType(lowerCase(text))) == lowerCase(text);
-}
-
 /// A binding would ignore such a text in silence, and the artist would wonder.
 void requireUnderstood(const std::string& file, const SavedBinding& binding) {
-    const auto fail = [&](std::initializer_list<std::string_view> pieces) {
-        throw HostError({file, binding.line},
-                        joinText({"binding \"", binding.name, "\": ", joinText(pieces)}));
-    };
-    const std::string* initial = findAnnotation(binding.annotations, "default");
-    if (binding.kind == "float" && initial != nullptr && !isNumberList(*initial)) {
-        fail({"the default \"", *initial, "\" is no list of finite numbers"});
-    }
-    const std::string* unit = findAnnotation(binding.annotations, "uiunittype");
-    if (unit != nullptr && !isUnitType(*unit)) {
-        fail({"\"", *unit, "\" is no unit type; they are raw, linear, angular and srgbcolour"});
+    const std::string reason = whyNotUnderstood(binding.kind, binding.annotations);
+    if (!reason.empty()) {
+        throw HostError({file, binding.line}, joinText({"binding \"", binding.name, "\": ", reason}));
     }
 }
 

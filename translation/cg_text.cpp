@@ -91,7 +91,7 @@ std::string rewriteForHlsl(std::string_view program) {
         const std::size_t end = begin + text.size();
         if (text == "#" && beginsLine && i + 1 < tokens.size() && tokens[i + 1].text == "line") {
             replace(begin, std::min(program.find('\n', begin), program.size()), "");
-        } else if (isHlslWord(text)) {
+        } else if (meansMoreInHlsl(text)) {
             replace(begin, end, nameInHlsl(text));
         } else if (i > 0 && tokens[i - 1].text == ":" && isDeclaration(tokens, i - 1)) {
             const std::string spelling = hlslSpelling(text);

@@ -3,6 +3,7 @@
 #include "nodemodel/text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace patina {
 
@@ -41,9 +42,11 @@ constexpr std::string_view words[] = {
     "Texture2DMS",
     "Texture2DMSArray",
     "Texture3D",
+    "TextureBuffer",
     "TextureCube",
     "TextureCubeArray",
     "TriangleStream",
+    "VULKAN",
     "cbuffer",
     "centroid",
     "export",
@@ -63,6 +66,7 @@ constexpr std::string_view words[] = {
     "tbuffer",
     "triangle",
     "triangleadj",
+    "uint64_t",
     "unorm",
 };
 
@@ -83,7 +87,10 @@ bool isLowType(std::string_view name) {
     });
 }
 
-// what behind such a word makes another name of it
+// how names begin that the front end gives a meaning, of macros and of what a program's stage hands it
+constexpr std::array<std::string_view, 2> frontEndBeginnings = {"GL_", "gl_"};
+
+// what behind a name that means something to the front end makes another name of it
 constexpr std::string_view ending = "_hlsl_word";
 
 } // namespace
@@ -92,13 +99,23 @@ bool detail::isHlslWord(std::string_view name) {
     return std::binary_search(std::begin(words), std::end(words), name) || isLowType(name);
 }
 
-std::string detail::nameInHlsl(std::string_view word) { return joinText({word, ending}); }
+bool detail::meansMoreInHlsl(std::string_view name) {
+    // what looks like a name that was made here is made another too, so that no two become one
+    while (name.ends_with(ending)) {
+        name.remove_suffix(ending.size());
+    }
+    return isHlslWord(name) ||
+           std::any_of(frontEndBeginnings.begin(), frontEndBeginnings.end(),
+                       [&](std::string_view beginning) { return name.starts_with(beginning); });
+}
+
+std::string detail::nameInHlsl(std::string_view name) { return joinText({name, ending}); }
 
 std::string detail::nameInCg(std::string_view name) {
-    const bool isRenamed = name.size() > ending.size() &&
-                           name.substr(name.size() - ending.size()) == ending &&
-                           isHlslWord(name.substr(0, name.size() - ending.size()));
-    return std::string(isRenamed ? name.substr(0, name.size() - ending.size()) : name);
+    if (name.ends_with(ending) && meansMoreInHlsl(name)) {
+        name.remove_suffix(ending.size());
+    }
+    return std::string(name);
 }
 
 } // namespace patina

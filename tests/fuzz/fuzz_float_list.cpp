@@ -45,7 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data), size);
     compareWithScanf(text);
 
-    const auto binding = patina::createBinding(patina::BindingKind::Float, "value", 1 + size % 5);
+    const auto binding =
+        patina::createBinding(patina::BindingKind::Float, "value", static_cast<std::uint32_t>(1 + size % 5));
     binding->parseDefault(text);
     require(binding->hasDefault == patina::detail::parseFloatList(text).has_value());
     if (binding->hasDefault) {

@@ -1,46 +1,52 @@
-#include "host/host.h"
+#include "tests/fuzz/export_checks.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 #include <utility>
 
+namespace patina::fuzz {
 namespace {
 
-patina::PluginSet loadCorePlugin() {
-    patina::PluginSet plugins;
-    plugins.add(PATINA_CORE_PLUGIN);
-    return plugins;
+/// What was read is written as it was, and means the same when it is laid out afresh.
+void checkWriting(MaterialDocument document, std::string_view text) {
+    require(printMaterial(document) == text, "A document is not written as it was read.");
+    document.source.clear();
+    require(parseMaterial(printMaterial(document), "fuzz.xml") == document,
+            "A document does not survive being laid out afresh.");
 }
 
-/// What was read is written as it was, and means the same when it is laid out afresh.
-void checkWriting(patina::MaterialDocument document, std::string_view text) {
-    const bool same = patina::printMaterial(document) == text;
-    document.source.clear();
-    if (!same || !(patina::parseMaterial(patina::printMaterial(document), "fuzz.xml") == document)) {
-        std::abort();
+/// One with errors is read as far as it can be.
+void checkReadingOn(std::string_view text) {
+    Errors errors;
+    try {
+        const MaterialDocument document = parseMaterial(text, "fuzz.xml", &errors);
+        require(!errors.empty(), "A document is refused, and nothing is wrong with it.");
+        Warnings warnings;
+        printMaterialGraph(buildMaterial(document, corePlugins(), warnings, &errors));
+    } catch (const HostError&) {
+        return;
     }
+}
+
+void fuzzMaterial(std::string_view text) {
+    MaterialDocument document;
+    try {
+        document = parseMaterial(text, "fuzz.xml");
+    } catch (const HostError&) {
+        checkReadingOn(text);
+        return;
+    }
+    checkWriting(document, text);
+    checkExport(document, text.size() % 2 == 0);
 }
 
 } // namespace
+} // namespace patina::fuzz
 
-/// Whatever the document: either a message for the user, or three complete files.
+/// Whatever the document: either a message for the user, or complete files, of which a compiler accepts the
+/// programs.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const patina::PluginSet plugins = loadCorePlugin();
-    try {
-        patina::Warnings warnings;
-        const std::string_view text(reinterpret_cast<const char*>(data), size);
-        auto document = patina::parseMaterial(text, "fuzz.xml");
-        checkWriting(document, text);
-        auto material = patina::buildMaterial(std::move(document), plugins, warnings);
-        const auto exported = patina::exportMaterial(material, warnings);
-        if (exported.fragmentProgram.content.empty() || exported.vertexProgram.content.empty() ||
-            exported.bindings.content.empty()) {
-            std::abort();
-        }
-    } catch (const patina::HostError&) {
-        return 0;
-    }
+    patina::fuzz::fuzzMaterial({reinterpret_cast<const char*>(data), size});
     return 0;
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -247,6 +248,22 @@ TEST(CollectBindings, RefusesTextsThatNoFileCanHold) {
     const auto grouped = bindingOf("A", "");
     grouped->group = "\xFF";
     expectErrorAt(collectError({{grouped}}), 10, {"node \"a\"", "group of its binding"});
+}
+
+TEST(CollectBindings, RefusesEmptyHandles) {
+    expectErrorAt(collectError({{bindingOf("A", "")}, {bindingOf("B", ""), nullptr}}), 11,
+                  {"node \"b\"", "empty handle", "author of its plug-in"});
+}
+
+TEST(CollectBindings, RefusesWhatCannotBeReadBack) {
+    const auto infinite = bindingOf("A", "");
+    infinite->setDefaultValue(0, std::numeric_limits<float>::infinity());
+    expectErrorAt(
+        collectError({{infinite}}), 10,
+        {"node \"a\"", "the default \"inf\" is no list of finite numbers", "author of its plug-in"});
+    const auto nameless = bindingOf("A", "");
+    nameless->uiUnitType = static_cast<UiUnitType>(9);
+    expectErrorAt(collectError({{nameless}}), 10, {"node \"a\"", "\"\" is no unit type"});
 }
 
 TEST(CollectBindings, RefusesTwoOfOneName) {

@@ -152,6 +152,9 @@ TEST(MaterialGraph, ReplacesWhatIsNoUtf8AndNoColour) {
     const std::string text = printMaterialGraph(material);
     expectPiece(text, "<B>caf? </B>");
     expectPiece(text, "fillcolor=\"#00ff0080\"");
+    // UTF-8, but no character of XML, as which labels are read
+    material.items[0].node->setName("a\xEF\xBF\xBE");
+    expectPiece(printMaterialGraph(material), "<B>a\?\?\?</B>");
 }
 
 TEST(MaterialGraph, NamesTheNodeWhoseCaptionFails) {

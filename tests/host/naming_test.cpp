@@ -194,6 +194,9 @@ TEST(NameAllocator, TellsNamesApart) {
     EXPECT_EQ(names.allocate("a_2"), "a_2_2");
     EXPECT_EQ(names.allocate("float"), "float_2") << "reserved";
     EXPECT_EQ(names.allocate("b"), "b");
+    EXPECT_EQ(names.allocate("_"), "_");
+    EXPECT_EQ(names.allocate("_"), "_2");
+    EXPECT_EQ(names.allocate("_"), "_3");
 }
 
 /// Every line of the text that contains the piece.

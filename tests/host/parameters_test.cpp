@@ -141,6 +141,13 @@ std::string mainOf(const OutputFile& program) {
     return program.content.substr(program.content.find("void main("));
 }
 
+TEST(Parameters, AreOfTypesThatThereAre) {
+    constexpr ShaderType nameless = {static_cast<ComponentType>(12), 1, 1, 1};
+    const auto uniform = [=] { return makeUniformParameter("Odd", nameless); };
+    testing::expectErrorAt(Sample({reader(uniform)}).error(), 10,
+                           {"node \"a\"", "component type", "author of its plug-in"});
+}
+
 TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
     ExportedMaterial shader = Sample({writer(lamp, float3), reader(lamp)}).shader();
     EXPECT_EQ(mainOf(shader.fragmentProgram), R"(void main(

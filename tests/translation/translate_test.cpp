@@ -339,8 +339,10 @@ void main(
 )cg";
 
 TEST(Translate, SemanticsAndTypesOfHlslAreNamesLikeOthers) {
-    for (const std::string name : {"WPOS", "TEXUNIT0", "TEXUNIT3", "TEXUNIT", "TEXUNIT3x", "SV_Position",
-                                   "min16float", "min16float3", "min10float4x4", "min12int", "s3"}) {
+    for (const std::string name :
+         {"WPOS", "TEXUNIT0", "TEXUNIT3", "TEXUNIT", "TEXUNIT3x", "SV_Position", "min16float", "min16float3",
+          "min10float4x4", "min12int", "s3", "VULKAN", "TextureBuffer", "uint64_t", "GL_EXT_multiview",
+          "gl_ViewportMask", "line_hlsl_word", "gl_a_hlsl_word_hlsl_word", "_hlsl_word"}) {
         EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment, withName(namedValue, name), spirv)),
                   "uniform half3 " + name +
                       " -> set=1 binding=16 offset=32\n"
@@ -348,6 +350,18 @@ TEST(Translate, SemanticsAndTypesOfHlslAreNamesLikeOthers) {
                       "interpolant float4 place -> builtin=FragCoord\n"
                       "output float4 colour -> location=0\n");
     }
+}
+
+TEST(Translate, NamesThatLookAlikeStayApart) {
+    EXPECT_EQ(parametersOf(translated(ProgramStage::Fragment,
+                                      "uniform float4 line : register( c0 );\n"
+                                      "uniform float4 line_hlsl_word : register( c1 );\n"
+                                      "void main( out float4 colour : COLOR0 )\n"
+                                      "{ colour = line + line_hlsl_word; }\n",
+                                      spirv)),
+              "uniform float4 line -> set=1 binding=16 offset=0\n"
+              "uniform float4 line_hlsl_word -> set=1 binding=16 offset=16\n"
+              "output float4 colour -> location=0\n");
 }
 
 TEST(Translate, AParameterMayHaveTheNameOfItsSemantic) {
