@@ -1,5 +1,5 @@
 #!/bin/sh
-# Counts what one node costs, in instructions and allocations, under valgrind. Run from the root of the tree.
+# Counts what one node costs, in instructions, allocations and memory, under valgrind. Run from the root of the tree.
 # Every figure is a difference between runs of two sizes, so that what they have in common cancels.
 set -eu
 
@@ -17,6 +17,14 @@ instructions() {
 allocations() {
     valgrind --tool=memcheck --leak-check=no --undef-value-errors=no "$program" "$1" "$2" 2>&1 |
         awk '/total heap usage:/ { figure = $5 } END { print figure ? figure : "no figure" }' | tr -d ,
+}
+
+# live_bytes WORKLOAD SIZE: what is allocated at the time of the most, without what the allocator adds
+live_bytes() {
+    snapshots=$(mktemp)
+    valgrind --tool=massif --peak-inaccuracy=0 --massif-out-file="$snapshots" "$program" "$1" "$2" >/dev/null 2>&1
+    awk -F= '/^mem_heap_B/ && $2 > most { most = $2 } END { print most ? most : "no figure" }' "$snapshots"
+    rm "$snapshots"
 }
 
 # difference COUNT WORKLOAD SMALL LARGE
@@ -49,6 +57,11 @@ export_row() {
     row "export $1, $2 to $3" $((($3 - $2) * $4)) "$instructions" "$allocations"
 }
 
+# memory_row TYPE: what one node holds while it lives
+memory_row() {
+    printf '%-40s %14d\n' "memory $1" $(($(difference live_bytes "memory/$1" 100 600) / 500))
+}
+
 printf '%-40s %14s %14s\n' 'for each call, or each node exported' instructions allocations
 types='CoreVertexColour CoreUv CoreTexture CoreConstant CoreMaths CoreSwizzle CoreLayerBlend CoreAnimatedUv'
 for type in CoreDefault $types; do
@@ -64,4 +77,9 @@ for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out
     for sizes in '10 100' '100 1000' '1000 10000'; do
         export_row "${document%:*}" $sizes "${document#*:}"
     done
+done
+
+printf '\n%-40s %14s\n' 'for each live node' bytes
+for type in CoreDefault $types; do
+    memory_row "$type"
 done

@@ -7,9 +7,11 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 // Does one workload once, to be counted from outside: what one unit of it costs is the difference between
 // two sizes.
@@ -25,6 +27,14 @@ using MakeDocument = MaterialDocument (*)(std::size_t size);
 void createNodes(const std::string& type, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         coreFactory().createNode(type);
+    }
+}
+
+/// Has them all alive at once.
+void keepNodes(const std::string& type, std::size_t count) {
+    std::vector<std::shared_ptr<MaterialNode>> nodes(count);
+    for (std::shared_ptr<MaterialNode>& node : nodes) {
+        node = coreFactory().createNode(type);
     }
 }
 
@@ -74,6 +84,7 @@ std::map<std::string, Workload> allWorkloads() {
     std::map<std::string, Workload> workloads;
     for (const std::string& type : nodeTypes()) {
         workloads["create/" + type] = [type](std::size_t size) { createNodes(type, size); };
+        workloads["memory/" + type] = [type](std::size_t size) { keepNodes(type, size); };
         workloads["update/" + type] = [type](std::size_t size) { updateUnchanged(type, size); };
     }
     for (const std::string& type : sampleTypes()) {

@@ -2,9 +2,13 @@
 
 #include "corenodes/core_node_support.h"
 
+#include <string_view>
+
 namespace patina {
 
 namespace {
+
+constexpr std::string_view basicMode = "Basic";
 
 constexpr ShaderType scalarFloat = {ComponentType::Float, 1, 1, 1};
 
@@ -28,7 +32,7 @@ float reciprocal(std::int32_t count) { return static_cast<float>(1.0 / static_ca
 
 } // namespace
 
-AnimatedUvNode::AnimatedUvNode() : MaterialNode(staticTypeName()) {
+AnimatedUvNode::AnimatedUvNode() : MaterialNode(staticTypeName(), 4) {
     // the name stays the type name
     setBodyColour(1.0F, 0.0F, 0.5F);
 
@@ -40,16 +44,16 @@ AnimatedUvNode::AnimatedUvNode() : MaterialNode(staticTypeName()) {
                         "Mode: how the offsets are exposed.  Use \"Basic\" to apply the offsets and scale to "
                         "a single uv set automatically, or use \"Advanced\" to exposed these parameters for "
                         "custom use.");
-    addEnumValues(*mode_, {"Basic", "Advanced"});
+    setEnumValues(*mode_, {basicMode, "Advanced"});
     executionLevel_ =
         addProperty("Execution Level", "Execution Level: force the animation to be done either per-vertex or "
                                        "per-fragment.Usually this should be left at \"Vertex\".");
-    addEnumValues(*executionLevel_, {"Vertex", "Fragment"});
+    setEnumValues(*executionLevel_, {"Vertex", "Fragment"});
 
     AnimatedUvNode::updateFromProperties(nullptr);
 }
 
-bool AnimatedUvNode::isBasic() const { return mode_->getEnum() == "Basic"; }
+bool AnimatedUvNode::isBasic() const { return mode_->getEnum() == basicMode; }
 
 void AnimatedUvNode::updateFromProperties(void* /*hostContext*/) {
     clearPorts(*this);

@@ -27,7 +27,7 @@ const char* vectorLabel(std::uint32_t count) {
 
 } // namespace
 
-ConstantNode::ConstantNode() : MaterialNode(staticTypeName()) {
+ConstantNode::ConstantNode() : MaterialNode(staticTypeName(), 10) {
     setName("Constant");
     setBodyColour(0.8F, 1.0F, 0.8F);
 
@@ -36,7 +36,7 @@ ConstantNode::ConstantNode() : MaterialNode(staticTypeName()) {
                     "Constant Type: the type of constant to present in Maya. Scalars generate a slider, "
                     "colours generate a colour picker (with optional alpha) and vectors generate an array "
                     "of sliders.");
-    addEnumValues(*constantType_, {colourType, scalarType, componentType, vectorType});
+    setEnumValues(*constantType_, {colourType, scalarType, componentType, vectorType});
     componentCount_ =
         addProperty("Component Count", "Component Count: the number of values for vector constants.  "
                                        "This must be between 2 and 4.");

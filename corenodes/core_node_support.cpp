@@ -17,11 +17,9 @@ void clearPorts(MaterialNode& node) {
     node.outputs.clear();
 }
 
-void addEnumValues(Property& property, std::initializer_list<std::string_view> values) {
-    property.allowedValues.reserve(values.size());
-    for (const std::string_view value : values) {
-        property.addEnumValue(value);
-    }
+void setEnumValues(Property& property, std::initializer_list<std::string_view> values) {
+    property.allowedValues.assign(values.begin(), values.end());
+    property.setEnum(*values.begin());
 }
 
 ShaderType resolvedType(const MaterialNode& node, std::int32_t columns) {

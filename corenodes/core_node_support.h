@@ -38,16 +38,17 @@ void addPort(std::vector<Port>& ports, const PortDeclaration& declaration);
 /// Replaces both port lists by empty ones.
 void clearPorts(MaterialNode& node);
 
-/// Adds the values in order; the first is the default.
-void addEnumValues(Property& property, std::initializer_list<std::string_view> values);
+/// Makes a new property an enum of these values, which differ from each other; the first is the default.
+void setEnumValues(Property& property, std::initializer_list<std::string_view> values);
 
-/// Adds the names of a table's rows in order; the first is the default.
+/// The same with the names of a table's rows.
 template <typename Row, std::size_t Count>
-void addEnumValues(Property& property, const std::array<Row, Count>& table) {
+void setEnumValues(Property& property, const std::array<Row, Count>& table) {
     property.allowedValues.reserve(Count);
     for (const Row& row : table) {
-        property.addEnumValue(row.name);
+        property.allowedValues.emplace_back(row.name);
     }
+    property.setEnum(table.front().name);
 }
 
 /// The type of the node's resolved precision with that many columns.

@@ -69,12 +69,12 @@ void appendBlend(FunctionBuilder& builder, const BlendMode& mode, const ShaderTy
 
 } // namespace
 
-LayerBlendNode::LayerBlendNode() : MaterialNode(staticTypeName()) {
+LayerBlendNode::LayerBlendNode() : MaterialNode(staticTypeName(), 1) {
     setName("LayerBlend");
     setBodyColour(0.44F, 0.71F, 0.19F);
 
     mode_ = addProperty("Mode", "Mode: the layer blend to perform.");
-    addEnumValues(*mode_, blendModes);
+    setEnumValues(*mode_, blendModes);
 
     addPort(inputs, {"in_value1", "in1", 0});
     addPort(inputs, {"in_value2", "in2", 0});

@@ -129,12 +129,12 @@ ExecutionLevel executionLevelFor(const std::string& level, const std::string& fu
 
 } // namespace
 
-MathsNode::MathsNode() : MaterialNode(staticTypeName()) {
+MathsNode::MathsNode() : MaterialNode(staticTypeName(), 2 + defaultCount) {
     setName("Maths");
     setBodyColour(1.0F, 0.5F, 0.5F);
 
     function_ = addProperty("Function", "Function: the type of mathematical function to perform.");
-    addEnumValues(*function_, mathsFunctions);
+    setEnumValues(*function_, mathsFunctions);
     for (std::size_t i = 0; i < defaultCount; ++i) {
         defaults_[i] = addProperty(inputDefaults[i].propertyName, inputDefaults[i].help);
         defaults_[i]->setFloat(inputDefaults[i].value);
@@ -145,7 +145,7 @@ MathsNode::MathsNode() : MaterialNode(staticTypeName()) {
                                                      "uv arithmetic to be done per-vertex (possibly using "
                                                      "more interpolants to do so). Usually this should be "
                                                      "left at \"Automatic\".");
-    addEnumValues(*executionLevel_, {"Automatic", "Vertex", "Fragment"});
+    setEnumValues(*executionLevel_, {"Automatic", "Vertex", "Fragment"});
 
     MathsNode::updateFromProperties(nullptr);
 }

@@ -14,8 +14,8 @@ namespace {
 struct VectorType {
     std::string_view name;
     std::int32_t componentCount; ///< 0: the artist chooses
-    const char* vectorLabel;
-    std::array<const char*, 4> componentLabels;
+    std::string_view vectorLabel;
+    std::array<std::string_view, 4> componentLabels;
 };
 
 constexpr std::array<VectorType, 3> vectorTypes = {{
@@ -26,9 +26,9 @@ constexpr std::array<VectorType, 3> vectorTypes = {{
 
 /// One component: its ports when splitting and when merging, and the line of code of each.
 struct Component {
-    const char* splitPort;
+    std::string_view splitPort;
     const char* splitCode;
-    const char* mergePort;
+    std::string_view mergePort;
     const char* mergeCode;
 };
 
@@ -41,13 +41,13 @@ constexpr std::array<Component, 4> components = {{
 
 } // namespace
 
-SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName()) {
+SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName(), 3) {
     setName("Swizzle");
     setBodyColour(0.5F, 0.5F, 1.0F);
 
     vectorType_ =
         addProperty("Vector Type", "Vector Type: the quantity to split (or merge) into components.");
-    addEnumValues(*vectorType_, vectorTypes);
+    setEnumValues(*vectorType_, vectorTypes);
     componentCount_ =
         addProperty("Component Count", "Component Count: the number of values for vector constants.  "
                                        "This must be between 2 and 4.");
@@ -71,7 +71,7 @@ void SwizzleNode::updateFromProperties(void* /*hostContext*/) {
     const std::uint32_t count = vectorComponentCount(*componentCount_);
     const bool merge = reverse_->getBool();
     for (std::size_t i = 0; i < count; ++i) {
-        const char* label = type.componentLabels[i];
+        const std::string_view label = type.componentLabels[i];
         if (merge) {
             addPort(inputs, {components[i].mergePort, label, 1});
         } else {

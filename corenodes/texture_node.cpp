@@ -52,7 +52,7 @@ const ColourType& findColourType(const std::string& name) {
 
 } // namespace
 
-TextureNode::TextureNode() : MaterialNode(staticTypeName()) {
+TextureNode::TextureNode() : MaterialNode(staticTypeName(), 6) {
     setName("Texture");
     setBodyColour(1.0F, 1.0F, 0.5F);
 
@@ -64,13 +64,13 @@ TextureNode::TextureNode() : MaterialNode(staticTypeName()) {
         addProperty("Texture Type", "Texture Type: the type of texture to read. At the moment only 1D and 2D "
                                     "textures are supported, but this may be extended to 3D and CUBE in "
                                     "future.");
-    addEnumValues(*textureType_, {"1D", "2D"});
+    setEnumValues(*textureType_, {"1D", "2D"});
     textureType_->setEnum("2D");
     colourType_ =
         addProperty("Colour Type", "Colour Type: the colour outputs to present from this node. Normal maps "
                                    "should always use the \"Normal\" or \"DXT5 Normal\" setting to properly "
                                    "unpack the normal from the texture.");
-    addEnumValues(*colourType_, colourTypes);
+    setEnumValues(*colourType_, colourTypes);
     alpha_ = addProperty("Alpha", "Alpha: check this box in order to use the alpha channel of the texture.");
     alpha_->setBool(false);
     srgb_ = addProperty(

@@ -7,7 +7,7 @@ namespace patina {
 
 using namespace detail;
 
-UvNode::UvNode() : MaterialNode(staticTypeName()) {
+UvNode::UvNode() : MaterialNode(staticTypeName(), 1) {
     setName("Uv");
     setBodyColour(0.8F, 0.8F, 1.0F);
 

@@ -5,12 +5,12 @@
 
 namespace patina {
 
-VertexColourNode::VertexColourNode() : MaterialNode(staticTypeName()) {
+VertexColourNode::VertexColourNode() : MaterialNode(staticTypeName(), 2) {
     setName("VertexColour");
     setBodyColour(1.0F, 0.8F, 1.0F);
 
     colourType_ = addProperty("Colour Type", "Colour Type: the colour outputs to present from this node.");
-    addEnumValues(*colourType_, {"Colour", "Component", "Vector"});
+    setEnumValues(*colourType_, {"Colour", "Component", "Vector"});
     alpha_ = addProperty("Alpha", "Alpha: check this box in order to use vertex alpha.");
     alpha_->setBool(false);
 

@@ -14,6 +14,8 @@ namespace {
 constexpr std::uint32_t floatPrecision = 2;
 constexpr std::uint32_t halfPrecision = 3;
 
+constexpr std::size_t standardPropertyCount = 8;
+
 constexpr std::uint32_t freeTextStyle = 1;
 constexpr std::uint32_t webAddressStyle = 2;
 
@@ -31,7 +33,10 @@ int findPortIndex(const std::vector<Port>& ports, std::string_view portName) {
 
 } // namespace
 
-MaterialNode::MaterialNode(const std::string& type) : properties(std::make_shared<PropertySet>()) {
+MaterialNode::MaterialNode(const std::string& type, std::size_t ownProperties)
+    : properties(std::make_shared<PropertySet>()) {
+    properties->reserve(standardPropertyCount + ownProperties);
+
     typeProperty = addProperty("Type", "Type: the internal type of the node.");
     typeProperty->setString(type);
     typeProperty->editable = false;
@@ -74,8 +79,7 @@ MaterialNode::MaterialNode(const std::string& type) : properties(std::make_share
 MaterialNode::~MaterialNode() = default;
 
 std::shared_ptr<Property> MaterialNode::addProperty(std::string_view propertyName, std::string_view help) {
-    auto property = std::make_shared<Property>(std::string(propertyName));
-    property->help = help;
+    auto property = std::make_shared<Property>(propertyName, help);
     properties->add(property);
     return property;
 }

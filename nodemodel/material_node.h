@@ -5,6 +5,7 @@
 #include "nodemodel/property.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <memory>
@@ -30,8 +31,9 @@ struct BindingCollection;
 /// Virtual operations keep their order: hosts and plug-ins that were built apart agree on it.
 class MaterialNode {
 public:
-    /// Makes the standard properties; the name starts as the type name. For derived classes.
-    explicit MaterialNode(const std::string& type);
+    /// Makes the standard properties; the name starts as the type name. For derived classes, which may say
+    /// how many properties they will add, so that there is room for them from the start.
+    explicit MaterialNode(const std::string& type, std::size_t ownProperties = 0);
 
     virtual ~MaterialNode();
 

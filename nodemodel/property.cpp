@@ -5,13 +5,13 @@
 #include "nodemodel/text.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace patina {
 
 using namespace detail;
 
-Property::Property(std::string propertyName) : name(std::move(propertyName)) {}
+Property::Property(std::string_view propertyName, std::string_view helpText)
+    : name(propertyName), help(helpText) {}
 
 std::shared_ptr<Property> makeProperty(const std::string& name) { return std::make_shared<Property>(name); }
 
@@ -137,16 +137,19 @@ void Property::copyFrom(const Property& source) {
     nodeValue = source.nodeValue;
 }
 
+void PropertySet::reserve(std::size_t count) {
+    items.reserve(count);
+    byName.reserve(count);
+}
+
 void PropertySet::add(const std::shared_ptr<Property>& property) {
-    const auto place = byName.lower_bound(property->name);
-    if (place != byName.end() && place->first == property->name) {
+    if (!byName.emplace(property->name, property).second) {
         throw ShaderError(joinText({"property with name \"", property->name, "\" already exists"}));
     }
     items.push_back(property);
-    byName.emplace_hint(place, property->name, property);
 }
 
-std::shared_ptr<Property> PropertySet::find(const std::string& name) const {
+std::shared_ptr<Property> PropertySet::find(std::string_view name) const {
     const auto found = byName.find(name);
     if (found == byName.end()) {
         throw ShaderError(joinText({"failed to find property \"", name, "\""}));

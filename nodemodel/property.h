@@ -1,8 +1,10 @@
 #pragma once
 
+#include "nodemodel/property_index.h"
+
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,7 +27,7 @@ enum class PropertyType : std::uint32_t { Bool, Integer, Float, String, Colour, 
 /// Threads: not locked; a node and its properties belong to one thread at a time.
 struct Property {
     /// A property that reads as bool false; see makeProperty.
-    explicit Property(std::string propertyName);
+    explicit Property(std::string_view propertyName, std::string_view helpText = {});
 
     const std::string name;        ///< key in the set, shown to the artist
     std::string label;             ///< a second text for hosts; the SDK never sets or reads it
@@ -90,13 +92,16 @@ std::shared_ptr<Property> makeProperty(const std::string& name);
 struct PropertySet {
     std::int32_t version = 0;
     std::vector<std::shared_ptr<Property>> items;
-    std::map<std::string, std::shared_ptr<Property>> byName;
+    PropertyIndex byName;
+
+    /// Makes room for that many properties in all; spares moving them while they are added.
+    void reserve(std::size_t count);
 
     /// Appends; shares ownership. Throws, changing nothing, when the name is taken.
     void add(const std::shared_ptr<Property>& property);
 
     /// Throws when there is no property of that name.
-    std::shared_ptr<Property> find(const std::string& name) const;
+    std::shared_ptr<Property> find(std::string_view name) const;
 
     /// Copies the values of all properties that `saved` has too, by name, in the order of items. The first
     /// copy that throws ends it; earlier copies stay done.

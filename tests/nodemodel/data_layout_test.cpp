@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <functional>
 #include <list>
-#include <map>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -49,8 +48,7 @@ TEST(DataLayout, OfAProperty) {
 
 static_assert(std::is_same_v<decltype(PropertySet::version), std::int32_t>);
 static_assert(std::is_same_v<decltype(PropertySet::items), std::vector<std::shared_ptr<Property>>>);
-static_assert(
-    std::is_same_v<decltype(PropertySet::byName), std::map<std::string, std::shared_ptr<Property>>>);
+static_assert(std::is_same_v<decltype(PropertySet::byName), PropertyIndex>);
 
 TEST(DataLayout, OfAPropertySet) {
     const PropertySet set;

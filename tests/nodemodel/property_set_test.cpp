@@ -79,6 +79,16 @@ TEST(PropertySet, RefusesATakenName) {
     EXPECT_EQ(stateOf(set), before);
 }
 
+TEST(PropertySet, ReservingChangesNothingThatIsSeen) {
+    PropertySet set;
+    addInteger(set, "Name", 1);
+    const auto before = stateOf(set);
+    set.reserve(20);
+    EXPECT_EQ(stateOf(set), before);
+    set.reserve(0);
+    EXPECT_EQ(stateOf(set), before);
+}
+
 TEST(PropertySet, NamesAreCaseSensitiveAndExact) {
     PropertySet set;
     const auto upper = addInteger(set, "Name", 1);

@@ -16,6 +16,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -124,6 +125,17 @@ TEST_P(EveryNode, SelectsTheFirstValueOfAnEnumOrAnother) {
             EXPECT_EQ(property->getEnum(), selected);
         }
     }
+}
+
+TEST_P(EveryNode, OffersEachValueOfAnEnumOnce) {
+    for (const auto& property : *node->properties) {
+        const std::set<std::string> distinct(property->allowedValues.begin(), property->allowedValues.end());
+        EXPECT_EQ(distinct.size(), property->allowedValues.size()) << property->name;
+    }
+}
+
+TEST_P(EveryNode, HasRoomForItsPropertiesAndNoMore) {
+    EXPECT_EQ(node->properties->items.capacity(), node->properties->items.size());
 }
 
 TEST_P(EveryNode, KeepsTheAlphasOfItsColours) {
