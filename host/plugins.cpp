@@ -77,6 +77,7 @@ std::shared_ptr<MaterialNode> Plugin::createNode(const std::string& typeName) {
     }
     MaterialNode* address = node.get();
     // the node goes first, then what keeps its code
+    // cppcheck-suppress cstyleCast ; the parameter of a lambda is no cast
     return {address, [node = std::move(node), plugin = shared_from_this()](MaterialNode*) mutable {
                 node.reset();
                 plugin.reset();

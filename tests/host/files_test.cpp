@@ -238,12 +238,11 @@ private:
 TEST(WriteFiles, ReplacesNothingWhenAFileCannotBeWrittenWhole) {
     const TemporaryDirectory directory;
     directory.write("a", "old");
-    std::string error;
     {
         const FileSizeLimit limit(4096);
         // small enough for a buffer that is only written in the end, and larger than any buffer
         for (const std::size_t size : {std::size_t{4097}, std::size_t{1000000}}) {
-            error = hostErrorOf([&] {
+            const std::string error = hostErrorOf([&] {
                 writeFiles(directory.path(), {{"a", "new"}, {"b", std::string(size, 'x')}});
             });
             EXPECT_EQ(error.rfind((directory / "b").string() + ": error: ", 0), 0U) << error;
