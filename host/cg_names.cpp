@@ -266,7 +266,7 @@ std::string toCgName(std::string_view text) {
             name += '_';
         }
     }
-    if (name.empty() || (name.front() >= '0' && name.front() <= '9')) {
+    if (name.empty() || name.front() <= '9') { // digits come before "_" and letters
         name.insert(name.begin(), '_');
     }
     return name;
@@ -281,7 +281,7 @@ std::string NameAllocator::allocate(const std::string& wanted) {
     int& suffix = nextSuffix_.try_emplace(wanted, 2).first->second;
     for (;;) {
         std::string name = wanted + "_" + std::to_string(suffix++);
-        if (!isReservedName(name) && taken_.insert(name).second) {
+        if (taken_.insert(name).second) { // nothing that is reserved ends like this
             return name;
         }
     }

@@ -10,10 +10,10 @@ GeneratedGraph generateGraph(const Material& material, Errors* errors) {
     result.incomplete.resize(material.items.size(), false);
     const auto generate = [&](std::size_t index) {
         const MaterialItem& item = material.items[index];
-        result.incomplete[index] =
-            isStandIn(item) || !attempt(errors, [&] {
-                onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
-            });
+        const auto generateCode = [&] {
+            onBehalfOf(material, item, item.line, [&] { item.node->generateCode(result.generator); });
+        };
+        result.incomplete[index] = isStandIn(item) || !attempt(errors, generateCode);
         result.owners.resize(result.generator.graph->nodes.size(), index);
     };
     // what a missing node type breaks elsewhere would only hide the reason

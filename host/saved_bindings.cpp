@@ -32,17 +32,17 @@ bool isUnitType(const std::string& text) {
 
 /// A binding would ignore such a text in silence, and the artist would wonder.
 void requireUnderstood(const std::string& file, const SavedBinding& binding) {
-    const auto fail = [&](std::initializer_list<std::string_view> pieces) {
-        throw HostError({file, binding.line},
-                        joinText({"binding \"", binding.name, "\": ", joinText(pieces)}));
+    const auto failure = [&](std::initializer_list<std::string_view> pieces) {
+        return HostError({file, binding.line},
+                         joinText({"binding \"", binding.name, "\": ", joinText(pieces)}));
     };
     const std::string* initial = findAnnotation(binding.annotations, "default");
     if (binding.kind == "float" && initial != nullptr && !isNumberList(*initial)) {
-        fail({"the default \"", *initial, "\" is no list of finite numbers"});
+        throw failure({"the default \"", *initial, "\" is no list of finite numbers"});
     }
     const std::string* unit = findAnnotation(binding.annotations, "uiunittype");
     if (unit != nullptr && !isUnitType(*unit)) {
-        fail({"\"", *unit, "\" is no unit type; they are raw, linear, angular and srgbcolour"});
+        throw failure({"\"", *unit, "\" is no unit type; they are raw, linear, angular and srgbcolour"});
     }
 }
 
@@ -89,8 +89,11 @@ private:
     }
 
     void readBinding(xmlNode* element) {
-        SavedBinding binding = {require(element, "tag"), require(element, "kind"), readAttributes(element),
-                                lineOf(element)};
+        SavedBinding binding;
+        binding.name = require(element, "tag");
+        binding.kind = require(element, "kind");
+        binding.annotations = readAttributes(element);
+        binding.line = lineOf(element);
         if (!names_.insert(binding.name).second) {
             fail(binding.line, {"there is another binding with the tag \"", binding.name, "\""});
         }
@@ -131,9 +134,9 @@ void widen(Annotations& changes, const SavedBinding& saved, const Binding& bindi
     if (binding.kind != BindingKind::Float || count == 0 || count != exported || graphs == nullptr) {
         return;
     }
-    const auto numbers = parseFloatList(*graphs);
-    for (std::size_t i = count; numbers && i < numbers->size(); ++i) {
-        appendText(initial->second, {", ", formatFloat((*numbers)[i])});
+    const std::vector<float> numbers = parseFloatList(*graphs).value();
+    for (std::size_t i = count; i < numbers.size(); ++i) {
+        appendText(initial->second, {", ", formatFloat(numbers[i])});
     }
 }
 

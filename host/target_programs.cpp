@@ -40,7 +40,7 @@ CgProgram fragmentProgramOf(const AssembledShader& shader) {
 std::string_view linesOf(std::string_view program, int first, int last) {
     std::size_t begin = 0;
     std::size_t end = 0;
-    for (int line = 1; line <= last && end < program.size(); ++line) {
+    for (int line = 1; line <= last; ++line) {
         begin = line == first ? end : begin;
         end = std::min(program.find('\n', end), program.size() - 1) + 1;
     }

@@ -68,6 +68,7 @@ const RestoreRow restoreRows[] = {
      {{"default", "rust.dds"}},
      {{"default", "rust.dds"}, {"stream_type", "X11Y11Z10n"}}},
     {BindingKind::Position, {{"stream_type", "half"}}, {{"stream_type", "f16"}}},
+    {BindingKind::Position, {{"stream_normalize", "yes"}}, {{"stream_type", "x11y11z10n"}}},
     {BindingKind::Position,
      {{"stream_type", "short"}, {"stream_normalize", "yes"}},
      {{"stream_type", "s16n"}}},

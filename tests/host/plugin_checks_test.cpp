@@ -1,5 +1,6 @@
 #include "tests/host/host_checks.h"
 
+#include "host/checks/check_context.h"
 #include "host/dynamic_library.h"
 
 #include <gtest/gtest.h>
@@ -83,17 +84,20 @@ const Fault faults[] = {
     {"version", "version changes", "", "it gives another version each time"},
     {"factory", "same factory", "",
      "\"CreateNodeFactory\" gives the same factory twice; make a new one, since hosts delete each"},
+    {"factory", "second factory missing", "", "\"CreateNodeFactory\" made no factory"},
 
     {"library", "no types", "", "it offers no node type"},
     {"library", "empty type name", "", "the type name \"\" is empty or not printable"},
     {"library", "type twice", "Sample", "the type is listed twice"},
     {"library", "empty category", "Sample", "the category is empty or not printable"},
     {"library", "unprintable display name", "Sample", "the display name is empty or not printable"},
+    {"library", "delete in the category", "Sample", "the category is empty or not printable"},
 
     {"creation", "null node", "Sample", "createNode gives nothing"},
     {"creation", "other type name", "Sample", "its nodes call themselves \"Simple\""},
     {"creation", "shared node", "Sample", "a new node belongs to somebody else too"},
     {"creation", "type listed only", "Missing", "failed: cannot create \"Missing\" node"},
+    {"creation", "type with a blank", "Sample ", "failed: cannot create \"Sample \" node"},
     {"creation", "null for unknown types", "",
      "createNode gives nothing for the unknown type \"no such node type\"; throw ShaderError"},
     {"creation", "null for unknown types", "",
@@ -111,6 +115,8 @@ const Fault faults[] = {
     {"standard-properties", "PositionX a text", "Sample",
      "the property \"PositionX\" is of kind string, not float"},
     {"standard-properties", "Type editable", "Sample", "the property \"Type\" can be edited"},
+    {"standard-properties", "PositionX of no kind", "Sample",
+     "the property \"PositionX\" is of kind unknown, not float"},
 
     {"standard-properties", "Name unreachable", "Sample",
      "the node's handle of \"Name\" is another property"},
@@ -124,6 +130,7 @@ const Fault faults[] = {
     {"properties", "property twice", "Sample", "the list of properties and their index differ in length"},
     {"properties", "property nameless", "Sample", "a property has no name"},
     {"properties", "property unlisted", "Sample", "the property \"Bright\" is not found by its name"},
+    {"properties", "property replaced", "Sample", "the property \"Bright\" is not found by its name"},
     {"properties", "value infinite", "Sample", "the value of the property \"PositionX\" is not finite"},
     {"properties", "enum value unknown", "Sample",
      "the value \"Halved\" of the property \"Mode\" is not one of its allowed values"},
@@ -135,6 +142,9 @@ const Fault faults[] = {
      "the output port \"out value\" has a name that is no Cg variable name; .*"},
     {"ports", "no label", "Sample", "the input port \"in_value\" has no label"},
     {"ports", "five components", "Sample", "the output port \"out_value\" has 5 components, not 1 to 4"},
+    {"ports", "no components", "Sample", "the output port \"out_value\" has 0 components, not 1 to 4"},
+    {"ports", "precision code beyond all", "Sample",
+     "the output port \"out_value\" has the precision 99, which is the code of no value's type"},
     {"ports", "precision code", "Sample",
      "the output port \"out_value\" has the precision 1, which is the code of no value's type"},
     {"ports", "fixed width unknown", "Sample",
@@ -155,6 +165,8 @@ const Fault faults[] = {
      "and precision 3 became input port \"in_value\" labelled \"in\" of 1 components and precision 2"},
     {"resolution", "resolution leaves unknown", "Sample",
      "the port \"out_value\" has no width from 1 to 4 when it is resolved"},
+    {"resolution", "five components", "Sample",
+     "the port \"out_value\" has no width from 1 to 4 when it is resolved"},
 
     {"loading", "loading newer", "Sample",
      "it loads properties of version 1, although its own have version 0; throw ShaderError"},
@@ -170,6 +182,12 @@ const Fault faults[] = {
      "failed with something other than ShaderError: no code today"},
     {"generation", "generation opens a bracket", "Sample",
      "the brackets in the code of \"sample\" are not balanced: a \"\\(\" has no counterpart"},
+    {"generation", "generation closes a bracket", "Sample",
+     "the brackets in the code of \"sample\" are not balanced: a \"\\)\" has no counterpart"},
+    {"generation", "generation closes another bracket", "Sample",
+     "the brackets in the code of \"sample\" are not balanced: a \"\\]\" has no counterpart"},
+    {"generation", "generation reads nothing", "Sample",
+     "nothing is linked to the connected input \"in_value\""},
     {"generation", "generation infinite", "Sample",
      "the code of \"sample\" has a constant \"inf\", which Cg does not know"},
     {"generation", "generation links nothing", "Sample",
@@ -195,6 +213,8 @@ const Fault faults[] = {
     {"bindings", "binding null", "Sample",
      "with \"Bright\" = \"Yes\": addBindings adds nothing in place of a binding"},
     {"bindings", "binding nameless", "Sample", "with \"Bright\" = \"Yes\": a binding has no name"},
+    {"bindings", "binding of no kind", "Sample",
+     "with \"Bright\" = \"Yes\": the binding \"odd\" has no valid kind or no components"},
     {"bindings", "binding text", "Sample",
      "with \"Bright\" = \"Yes\": the annotation \"desc\" of the binding \"Sample\" is no text in UTF-8, or "
      "has "
@@ -221,6 +241,7 @@ const FaultyModule faultyModules[] = {
     {"entry-points", "no_entry_points", "the entry point \"CreateNodeFactory\" is not exported; .*"},
     {"entry-points", "no_factory_entry", "the entry point \"CreateNodeFactory\" is not exported; .*"},
     {"exports", "extra_export", "\"studioHelper\" is exported too; hide everything but the entry points"},
+    {"exports", "many_exports", "and [1-9][0-9]* more exports"},
     {"version", "other_version",
      "it speaks version 6, and this host version 5; rebuild it with this host's SDK"},
     {"version", "no_entry_points", ".*the entry point \"GetMaterialLibVersion\" is not exported"},
@@ -293,6 +314,54 @@ TEST(PluginChecks, OnlyLookIntoElfModules) {
     check("exports", directory.write("plugin.dll", "MZ"), recorder);
     EXPECT_EQ(recorder.reasons, Texts{"only ELF modules can be looked into"});
     EXPECT_EQ(recorder.allText(), "");
+}
+
+class PlainNode final : public MaterialNode {
+public:
+    PlainNode() : MaterialNode("Plain") {}
+    void generateCode(GraphGenerator& /*generator*/) override {}
+};
+
+TEST(PluginChecks, ShowTheFirstDifferenceOfTwoStates) {
+    Recorder recorder;
+    detail::CheckContext context("nowhere.so", recorder);
+    requireSame(context, "equal", {"a", "b"}, {"a", "b"});
+    requireSame(context, "other", {"a", "b", "c"}, {"a", "x", "y"});
+    requireSame(context, "longer", {"a"}, {"a", "b"});
+    requireSame(context, "shorter", {"a", "b"}, {"a"});
+    EXPECT_EQ(recorder.allText(),
+              "\n: other: b became x\n: longer: nothing became b\n: shorter: b became nothing");
+}
+
+TEST(PluginChecks, SeeTheValuesOfPropertiesOfEveryKind) {
+    PlainNode node;
+    node.properties->items.clear();
+    const auto fresh = [&](const char* name) {
+        const auto property = makeProperty(name);
+        node.properties->add(property);
+        return property;
+    };
+    fresh("bool")->setBool(true);
+    fresh("integer")->setInteger(-7);
+    fresh("float")->setFloat(0.5F);
+    fresh("string")->setString("text");
+    fresh("colour")->setColour(0.0F, 0.5F, 1.0F);
+    const auto choice = fresh("enum");
+    choice->addEnumValue("One");
+    choice->editable = false;
+    const auto none = fresh("none");
+    none->addNodeTypename("Plain");
+    none->visible = false;
+    const auto other = fresh("other");
+    other->addNodeTypename("Plain");
+    other->nodeValue = std::make_shared<PlainNode>();
+    EXPECT_EQ(detail::propertyState(node),
+              (Texts{"property \"bool\" with value 1", "property \"integer\" with value -7",
+                     "property \"float\" with value 0.5", "property \"string\" with value \"text\"",
+                     "property \"colour\" with value 0, 0.5, 1",
+                     "property \"enum\" with value \"One\", not editable",
+                     "property \"none\" with value no node, not visible",
+                     "property \"other\" with value node \"Plain\" (Plain)"}));
 }
 
 } // namespace

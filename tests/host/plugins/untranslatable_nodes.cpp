@@ -48,6 +48,8 @@ constexpr WrongCode wrongCodes[] = {
     {"WrongType", "\tsampler2D colour = value;\n\tout_colour = value;\n"},
     {"RenamesTheFramework", "\tout_colour = value;\n#define QelShade Nothing\n"},
     {"OpenBrace", "\tout_colour = value; // }\n\t{\n"},
+    {"ClosedBrace", "\tout_colour = value;\n\t}\n"},
+    {"Comments", "\tout_colour = value; // {\n\t/* } */\n"},
     {"MovesLines", "#line 5000\n\tout_colour = value * nowhere;\n"},
 };
 
