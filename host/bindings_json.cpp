@@ -102,10 +102,11 @@ Json bindingValue(const ExportedBinding& exported) {
 } // namespace
 
 std::string printBindingsJson(const BindingsFile& file) {
-    Json root = {{"version", 1},
-                 {"material", file.material},
-                 {"programs", Json::array()},
-                 {"bindings", Json::array()}};
+    Json root;
+    root["version"] = 1;
+    root["material"] = file.material;
+    root["programs"] = Json::array();
+    root["bindings"] = Json::array();
     for (const ExportedProgram& program : file.programs) {
         root["programs"].push_back(programValue(program));
     }

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <new>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -123,9 +122,7 @@ bool isText(const xmlNode* node) { return node != nullptr && node->type == XML_T
 
 bool isComment(const xmlNode* node) { return node != nullptr && node->type == XML_COMMENT_NODE; }
 
-std::string_view contentOf(const xmlNode* text) {
-    return text->content == nullptr ? std::string_view() : reinterpret_cast<const char*>(text->content);
-}
+std::string_view contentOf(const xmlNode* text) { return reinterpret_cast<const char*>(text->content); }
 
 /// How many characters of a text stand before the blanks at its end.
 std::size_t sizeWithoutBlanks(std::string_view text) {
@@ -233,9 +230,7 @@ private:
 
     void set(xmlNode* element, const char* name, const std::string& value) {
         if (attributeOf(element, name) != value) {
-            if (xmlSetNsProp(element, nullptr, xmlText(name), xmlText(value.c_str())) == nullptr) {
-                throw std::bad_alloc();
-            }
+            requireMade(xmlSetNsProp(element, nullptr, xmlText(name), xmlText(value.c_str())));
             changed_ = true;
         }
     }
@@ -244,7 +239,7 @@ private:
         set(element, "id", node.id);
         set(element, "type", node.type);
         const auto version = attributeOf(element, "version");
-        const bool isNew = !attributeOf(element, "version") && node.origin == noOrigin;
+        const bool isNew = !version && node.origin == noOrigin;
         if (isNew || parseVersion(version.value_or("0")) != node.version) {
             set(element, "version", std::to_string(node.version));
         }
@@ -257,12 +252,13 @@ private:
             const auto found = origins.find(property.name);
             return found == origins.end() ? noOrigin : found->second;
         };
+        const auto setProperty = [this](xmlNode* child, const DocumentProperty& property) {
+            set(child, "name", property.name);
+            set(child, "kind", kindName(property.kind));
+            set(child, "value", property.value);
+        };
         arrange({element, "property", propertyBreak_, breakBefore(element), nullptr, nullptr}, sources,
-                node.properties, originOf, [this](xmlNode* child, const DocumentProperty& property) {
-                    set(child, "name", property.name);
-                    set(child, "kind", kindName(property.kind));
-                    set(child, "value", property.value);
-                });
+                node.properties, originOf, setProperty);
     }
 
     void setBinding(xmlNode* element, const DocumentBinding& binding) {
@@ -341,11 +337,7 @@ private:
     }
 
     xmlNode* makeElement(const char* name) {
-        xmlNode* element = xmlNewDocNode(xml_.get(), nullptr, xmlText(name), nullptr);
-        if (element == nullptr) {
-            throw std::bad_alloc();
-        }
-        return element;
+        return requireMade(xmlNewDocNode(xml_.get(), nullptr, xmlText(name), nullptr));
     }
 
     /// Takes an element out of the tree, with the white space before it. The caller owns it.
@@ -415,43 +407,37 @@ private:
     }
 
     xmlNode* makeText(const std::string& text) {
-        xmlNode* node = xmlNewDocText(xml_.get(), xmlText(text.c_str()));
-        if (node == nullptr) {
-            throw std::bad_alloc();
-        }
-        return node;
+        return requireMade(xmlNewDocText(xml_.get(), xmlText(text.c_str())));
     }
 
     std::string serialise() const {
         const std::string_view source =
             document_.source.empty() ? emptyDocument : std::string_view(document_.source);
         const bool hasMark = source.substr(0, byteOrderMark.size()) == byteOrderMark;
-        const XmlPointer<xmlBuffer> buffer(xmlBufferCreate());
-        if (!buffer) {
-            throw std::bad_alloc();
-        }
+        const XmlPointer<xmlBuffer> buffer(requireMade(xmlBufferCreate()));
         xmlBufferSetAllocationScheme(buffer.get(), XML_BUFFER_ALLOC_DOUBLEIT); // else it grows step by step
         const XmlSilence silence;
         const bool inUtf8 = hasMark || xml_->encoding == nullptr;
         constexpr int noDeclaration = -1; // as libxml2 marks a document without one
         const int options = XML_SAVE_AS_XML | (xml_->standalone == noDeclaration ? XML_SAVE_NO_DECL : 0);
         xmlSaveCtxt* context = xmlSaveToBuffer(buffer.get(), inUtf8 ? "UTF-8" : nullptr, options);
+        // GCOVR_EXCL_START: libxml2 reads no encoding that it does not write
         const bool saved = context != nullptr && xmlSaveDoc(context, xml_.get()) >= 0;
         if (context == nullptr || xmlSaveClose(context) < 0 || !saved) {
             throw HostError({document_.file, document_.line}, cannotEncode);
         }
+        // GCOVR_EXCL_STOP
         const std::string_view text(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
                                     static_cast<std::size_t>(xmlBufferLength(buffer.get())));
         // line ends are told apart by their bytes only where a letter is a byte
-        const bool wide = source.substr(0, 4).find('\0') != std::string_view::npos ||
-                          source.substr(0, 2) == "\xFF\xFE" || source.substr(0, 2) == "\xFE\xFF";
+        const bool wide = source.substr(0, 4).find('\0') != std::string_view::npos;
         return wide ? std::string(text)
                     : joinText({hasMark ? byteOrderMark : std::string_view(), withLineEndsOf(source, text)});
     }
 
     /// The parser and the serialiser know "\n" only, and the latter ends every document with one.
     static std::string withLineEndsOf(std::string_view source, std::string_view text) {
-        if (source.back() != '\n' && text.back() == '\n') {
+        if (source.back() != '\n') {
             text.remove_suffix(1);
         }
         const std::size_t first = source.find('\n');
@@ -482,14 +468,16 @@ void requireReadable(const MaterialDocument& document, const std::string& text) 
     if (text == document.source || declaresUtf8) {
         return;
     }
-    try {
-        if (parseMaterial(text, document.file) == document) {
-            return;
+    const auto isReadBack = [&] {
+        try {
+            return parseMaterial(text, document.file) == document;
+        } catch (const HostError&) {
+            return false;
         }
-    } catch (const HostError&) {
+    };
+    if (!isReadBack()) {
         throw HostError({document.file, document.line}, cannotEncode);
     }
-    throw HostError({document.file, document.line}, cannotEncode);
 }
 
 } // namespace
@@ -498,10 +486,12 @@ std::string printMaterial(const MaterialDocument& document) {
     DocumentCheck(document).check();
     std::string text = SourceEditor(document).print();
     requireReadable(document, text);
+    // GCOVR_EXCL_START: it would take minutes and gigabytes to make such a text
     if (text.size() > xmlSizeLimit) {
         throw HostError({document.file, document.line},
                         "this document is larger than 512 MiB, and could not be read again");
     }
+    // GCOVR_EXCL_STOP
     return text;
 }
 

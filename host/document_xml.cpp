@@ -38,7 +38,7 @@ std::optional<std::string> detail::attributeOf(const xmlNode* element, const cha
     if (!value) {
         return std::nullopt;
     }
-    return reinterpret_cast<const char*>(value.get());
+    return std::string(reinterpret_cast<const char*>(value.get()));
 }
 
 const char* detail::kindName(PropertyType kind) { return kindNames.at(static_cast<std::size_t>(kind)).name; }

@@ -107,8 +107,8 @@ std::string lineColour(const Colour& body) {
 /// by direction and position, as `portName` does.
 struct NodeLabel {
     std::string title;
-    std::string subtitle; ///< may be empty
-    std::string picture;  ///< may be empty
+    std::string subtitle;
+    std::string picture; ///< may be empty
     std::vector<std::string> inputs;
     std::vector<std::string> outputs;
     int pictureSize = graphPictureSize;
@@ -133,10 +133,7 @@ std::string labelText(const NodeLabel& label) {
     std::string text = joinText({"<<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">"
                                  "<TR><TD COLSPAN=\"2\"><B>",
                                  htmlText(label.title), "</B>"});
-    if (!label.subtitle.empty()) {
-        appendText(text, {"<BR/><FONT POINT-SIZE=\"9\">", htmlText(label.subtitle), "</FONT>"});
-    }
-    text += "</TD></TR>";
+    appendText(text, {"<BR/><FONT POINT-SIZE=\"9\">", htmlText(label.subtitle), "</FONT></TD></TR>"});
     if (!label.picture.empty()) {
         const std::string size = std::to_string(label.pictureSize);
         appendText(text, {"<TR><TD COLSPAN=\"2\" FIXEDSIZE=\"TRUE\" WIDTH=\"", size, "\" HEIGHT=\"", size,

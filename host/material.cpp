@@ -84,8 +84,9 @@ private:
     }
 
     std::shared_ptr<MaterialNode> createNode(const MaterialItem& item, const DocumentNode& saved) const {
+        const std::string type = item.placeholder ? placeholderType : saved.type;
         try {
-            return plugins_.createNode(item.placeholder ? placeholderType : saved.type);
+            return plugins_.createNode(type);
         } catch (const std::bad_alloc&) {
             throw;
         } catch (...) {
@@ -487,12 +488,11 @@ std::string nodeTitle(const MaterialItem& item) {
 }
 
 bool isNameKnown(const Material& material, std::size_t item) {
-    const std::vector<DocumentNode>& nodes = material.document.nodes;
-    const std::vector<DocumentNode>& others = material.document.leftOut.nodes;
-    if (!material.items[item].faulty || item >= nodes.size() + others.size()) {
+    if (!material.items[item].faulty) {
         return true;
     }
-    const DocumentNode& saved = item < nodes.size() ? nodes[item] : others[item - nodes.size()];
+    // what stands behind the document's nodes are stand-ins, which present nothing
+    const DocumentNode& saved = material.document.nodes.at(item);
     const MaterialNode& node = *material.items[item].node;
     return std::any_of(saved.properties.begin(), saved.properties.end(), [&](const auto& property) {
         return property.name == node.nameProperty->name && property.value == node.name();

@@ -111,7 +111,7 @@ std::string nodeTitle(const MaterialItem& item);
 bool isNameKnown(const Material& material, std::size_t item);
 
 /// Runs an action on behalf of a node, and turns what the node's code throws into a HostError at `line` that
-/// names the node. HostError itself and std::bad_alloc pass.
+/// names the node. std::bad_alloc passes.
 template <typename Action>
 decltype(auto) onBehalfOf(const Material& material, const MaterialItem& item, int line, Action&& action) {
     const auto failure = [&](std::string_view text) {
@@ -119,8 +119,6 @@ decltype(auto) onBehalfOf(const Material& material, const MaterialItem& item, in
     };
     try {
         return action();
-    } catch (const HostError&) {
-        throw;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {

@@ -152,12 +152,13 @@ NodeModes tryValues(const PluginSet& plugins, const NodeTypeSummary& type, const
     for (PropertyValue& value : valuesOf(property)) {
         const std::string tried =
             joinText({" with \"", property.name, "\" set to \"", propertyValueText(value), "\""});
-        NodeAppearance appearance = onBehalfOf(type, tried, [&] {
+        const auto tryIt = [&] {
             const auto node = plugins.createNode(type.typeName);
             select(*node->properties->find(property.name), value);
             node->updateFromProperties(nullptr);
             return appearanceOf(*node);
-        });
+        };
+        NodeAppearance appearance = onBehalfOf(type, tried, tryIt);
         modes.modes.push_back({std::move(value), std::move(appearance)});
     }
     return modes;

@@ -69,22 +69,22 @@ std::string numberText(const Property& property, float value) {
 
 std::shared_ptr<Property> detail::savedProperty(const std::string& file, const std::string& nodeId,
                                                 const DocumentProperty& saved, const NodeOfId& nodeOfId) {
-    const auto refuse = [&](const char* wanted) {
-        throw HostError({file, saved.line}, joinText({"node \"", nodeId, "\": property \"", saved.name,
-                                                      "\": \"", saved.value, "\" is not ", wanted}));
+    const auto refusal = [&](const char* wanted) {
+        return HostError({file, saved.line}, joinText({"node \"", nodeId, "\": property \"", saved.name,
+                                                       "\": \"", saved.value, "\" is not ", wanted}));
     };
     auto property = makeProperty(saved.name);
     switch (saved.kind) {
     case PropertyType::Bool:
         if (saved.value != "Yes" && saved.value != "No") {
-            refuse("\"Yes\" or \"No\"");
+            throw refusal("\"Yes\" or \"No\"");
         }
         property->setBool(saved.value == "Yes");
         break;
     case PropertyType::Integer: {
         const auto value = parseNumber<std::int32_t>(saved.value);
         if (!value) {
-            refuse("a whole number of 32 bits");
+            throw refusal("a whole number of 32 bits");
         }
         property->setInteger(*value);
         break;
@@ -92,7 +92,7 @@ std::shared_ptr<Property> detail::savedProperty(const std::string& file, const s
     case PropertyType::Float: {
         const auto value = parseNumber<float>(saved.value);
         if (!value) {
-            refuse("a decimal number that a float can hold");
+            throw refusal("a decimal number that a float can hold");
         }
         property->setFloat(*value);
         break;
@@ -103,7 +103,7 @@ std::shared_ptr<Property> detail::savedProperty(const std::string& file, const s
     case PropertyType::Colour: {
         const auto colour = parseColour(saved.value);
         if (!colour) {
-            refuse("a colour, \"red, green, blue\"");
+            throw refusal("a colour, \"red, green, blue\"");
         }
         property->setColour((*colour)[0], (*colour)[1], (*colour)[2]);
         break;
@@ -138,9 +138,9 @@ std::string detail::propertyText(const Property& property,
                          numberText(property, property.floatValues[1]), ", ",
                          numberText(property, property.floatValues[2])});
     case PropertyType::Node:
-        return property.nodeValue ? idOfNode(*property.nodeValue) : std::string();
+        break;
     }
-    return {};
+    return property.nodeValue ? idOfNode(*property.nodeValue) : std::string();
 }
 
 } // namespace patina

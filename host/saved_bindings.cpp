@@ -70,8 +70,11 @@ private:
     }
 
     void readBinding(xmlNode* element) {
-        SavedBinding binding = {require(element, "tag"), require(element, "kind"), readAttributes(element),
-                                lineOf(element)};
+        SavedBinding binding;
+        binding.name = require(element, "tag");
+        binding.kind = require(element, "kind");
+        binding.annotations = readAttributes(element);
+        binding.line = lineOf(element);
         if (!names_.insert(binding.name).second) {
             fail(binding.line, {"there is another binding with the tag \"", binding.name, "\""});
         }
@@ -112,9 +115,9 @@ void widen(Annotations& changes, const SavedBinding& saved, const Binding& bindi
     if (binding.kind != BindingKind::Float || count == 0 || count != exported || graphs == nullptr) {
         return;
     }
-    const auto numbers = parseFloatList(*graphs);
-    for (std::size_t i = count; numbers && i < numbers->size(); ++i) {
-        appendText(initial->second, {", ", formatFloat((*numbers)[i])});
+    const std::vector<float> numbers = parseFloatList(*graphs).value();
+    for (std::size_t i = count; i < numbers.size(); ++i) {
+        appendText(initial->second, {", ", formatFloat(numbers[i])});
     }
 }
 

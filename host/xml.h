@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,6 +24,15 @@ struct XmlFree {
 
 template <typename Object>
 using XmlPointer = std::unique_ptr<Object, XmlFree>;
+
+/// What libxml2 made: nothing only where memory is out. Throws std::bad_alloc then.
+template <typename Object>
+Object* requireMade(Object* made) {
+    if (made == nullptr) {      // GCOVR_EXCL_BR_LINE: no test takes the memory away
+        throw std::bad_alloc(); // GCOVR_EXCL_LINE: likewise
+    }
+    return made;
+}
 
 /// A text as libxml2 takes it.
 inline const xmlChar* xmlText(const char* text) { return reinterpret_cast<const xmlChar*>(text); }

@@ -58,6 +58,7 @@ std::string printable(const std::string& label) {
 }
 
 /// The rectangles that a text is made of.
+// cppcheck-suppress passedByValue ; what prints it takes a buffer that it may change
 std::vector<Rectangle> strokes(std::string text) {
     struct Corner {
         float x, y, z;

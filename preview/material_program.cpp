@@ -251,13 +251,14 @@ GlGeometry MaterialProgram::geometry(const Mesh& mesh) const {
     std::vector<std::vector<float>> values;
     std::vector<GlAttribute> attributes;
     for (const Stream& stream : streams_) {
-        std::vector<float>& list = values.emplace_back();
+        std::vector<float> list;
         list.reserve(mesh.vertices.size() * components);
         for (const Vertex& vertex : mesh.vertices) {
             const Vec4 value = stream.read(vertex);
             list.insert(list.end(), value.begin(), value.end());
         }
         attributes.push_back({stream.location, components, list});
+        values.push_back(std::move(list)); // the floats stay where they are
     }
     return {attributes, mesh.indices};
 }

@@ -170,6 +170,7 @@ private:
             decorations_[{operands[0], operands[1]}] = valueAt(2);
             break;
         case spv::OpMemberDecorate:
+            // cppcheck-suppress constStatement ; it takes the braces of a key for another array
             memberDecorations_[{{operands[0], operands[1]}, operands[2]}] = valueAt(3);
             break;
         case spv::OpDecorateString:

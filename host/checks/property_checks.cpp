@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace patina::detail {
 
@@ -26,11 +27,15 @@ constexpr std::array<StandardProperty, 8> standardProperties = {{
     {"Help Url", PropertyType::String, &MaterialNode::helpUrlProperty},
 }};
 
-const char* kindName(PropertyType kind) {
-    constexpr std::array<const char*, 7> names = {"bool",   "integer", "float", "string",
-                                                  "colour", "enum",    "node"};
-    const auto index = static_cast<std::size_t>(kind);
-    return index < names.size() ? names[index] : "unknown";
+constexpr std::array<std::string_view, 7> typeNames = {"bool",   "integer", "float", "string",
+                                                       "colour", "enum",    "node"};
+
+std::string_view nameOf(PropertyType type) {
+    const auto index = static_cast<std::size_t>(type);
+    if (index >= typeNames.size()) {
+        return "unknown";
+    }
+    return typeNames[index];
 }
 
 bool isAllowed(const Property& property, const std::string& value) {
@@ -115,8 +120,8 @@ void checkStandardProperties(CheckContext& context) {
                 return;
             }
             context.require(items[i]->kind == standard.kind,
-                            {"the property ", inQuotes(standard.name), " is of kind ",
-                             kindName(items[i]->kind), ", not ", kindName(standard.kind)});
+                            {"the property ", inQuotes(standard.name), " is of kind ", nameOf(items[i]->kind),
+                             ", not ", nameOf(standard.kind)});
             context.require(node.*standard.handle == items[i],
                             {"the node's handle of ", inQuotes(standard.name), " is another property"});
         }

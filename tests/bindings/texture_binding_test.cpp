@@ -50,6 +50,7 @@ TEST(ToTextureBinding, ThrowsForEveryOtherKind) {
     const auto invalid = std::make_shared<Binding>(BindingKind::Invalid, "b", 1);
     EXPECT_EQ(shaderErrorOf([&] { toTextureBinding(invalid); }),
               "Cannot cast \"invalid\" into a TextureBinding");
+    EXPECT_EQ(shaderErrorOf([] { toTextureBinding(nullptr); }), "Cannot cast \"\" into a TextureBinding");
 }
 
 TEST(TextureBinding, StartsLinearUnsignedAndNormalised) {

@@ -254,5 +254,14 @@ TEST(ConstantBindings, AreNotMadeOfNoComponents) {
     EXPECT_TRUE(bindingsOf(node).empty());
 }
 
+TEST(ConstantBindings, HaveNoAlphaBeforeTheNodeHasThePort) {
+    ConstantNode node;
+    property(node, "Alpha").setBool(true);
+    BindingCollection collection;
+    node.addBindings(collection);
+    ASSERT_EQ(collection.bindings.size(), 1U);
+    EXPECT_EQ(collection.bindings[0]->componentCount(), 3U);
+}
+
 } // namespace
 } // namespace patina

@@ -132,6 +132,32 @@ TEST(PrintBindingsJson, HasNullForWhatIsNoJsonNumber) {
     EXPECT_EQ(maximum.dump(), "[null,null,1e+30]");
 }
 
+TEST(PrintBindingsJson, SaysWhereTheParametersOfOtherLanguagesAre) {
+    BindingsFile file;
+    file.programs = {{"fragment",
+                      "Rusty.frag.glsl",
+                      "12ab",
+                      "glsl",
+                      "330",
+                      {{"Tint",
+                        ParameterKind::Uniform,
+                        {ComponentType::Half, 3, 1, 1},
+                        "_Tint",
+                        {{"offset", "64"}, {"place", "6x"}}}}}};
+    EXPECT_EQ(
+        Json::parse(printBindingsJson(file)).at("programs").dump(),
+        "[{\"stage\":\"fragment\",\"target\":\"glsl\",\"version\":\"330\",\"file\":\"Rusty.frag.glsl\","
+        "\"sha256\":\"12ab\",\"parameters\":[{\"name\":\"Tint\",\"kind\":\"uniform\",\"type\":\"half3\","
+        "\"target_name\":\"_Tint\",\"offset\":64,\"place\":\"6x\"}]}]");
+}
+
+TEST(PrintBindingsJson, HasNoNumbersForATextThatIsNone) {
+    BindingsFile file;
+    file.bindings.push_back({createBinding(BindingKind::Float, "Far", 1), {{"default", "red"}}, {}});
+    const Json binding = Json::parse(printBindingsJson(file)).at("bindings").at(0);
+    EXPECT_EQ(binding.at("exported_default").dump(), "[]");
+}
+
 TEST(PrintBindingsJson, SurvivesTextsThatAreNoUtf8) {
     BindingsFile file;
     file.material = "a\xFF";

@@ -295,6 +295,32 @@ TEST(CheckFile, MissesNothingThatAnErrorTookAway) {
              output("colour", "m", "out_value"),
          "m.xml:3: error: property \"Name\" is of the unknown kind \"text\"; the kinds are bool, integer, "
          "float, string, colour, enum and node"},
+        {node("b", "CoreConstant",
+              property("Name", "text", "Gloss") + property("Description", "string", "What shines")) +
+             node("a", "CoreConstant", property("Name", "string", "Constant")) + maths("m", "Multiply") +
+             connection("a", "read", "m", "in_value1") + connection("b", "read", "m", "in_value2") +
+             output("colour", "m", "out_value"),
+         "m.xml:2: error: property \"Name\" is of the unknown kind \"text\"; the kinds are bool, integer, "
+         "float, string, colour, enum and node"},
+        {node("b", "CoreConstant", property("Name", "integer", "7")) +
+             node("a", "CoreConstant", property("Name", "string", "Constant")) + maths("m", "Multiply") +
+             connection("a", "read", "m", "in_value1") + connection("b", "read", "m", "in_value2") +
+             output("colour", "m", "out_value"),
+         "m.xml:2: error: node \"b\" (\"Constant\"): cannot copy property \"Name\" from property with "
+         "non-matching type"},
+        {node("t", "CoreTexture", named("Paint") + property("Colour Type", "enum", "Compnent")) +
+             node("uv", "CoreUv", named("map1")) + maths("m", "Invert") +
+             connection("uv", "read", "t", "in_uv") + connection("t", "out_red", "m", "in_value1") +
+             output("colour", "m", "out_value"),
+         "m.xml:2: error: node \"t\" (\"Paint\"): cannot copy property \"Colour Type\" as enum \"Compnent\" "
+         "is not a "
+         "known enum value"},
+        // the saved values may be of the node that is not as it should be
+        {node("c", "CoreConstant", named("Tint") + property("Constant Type", "enum", "Tensor")) +
+             output("colour", "c", "read") + "<binding tag=\"Gone\" kind=\"float\" default=\"1\"/>\n",
+         "m.xml:2: error: node \"c\" (\"Tint\"): cannot copy property \"Constant Type\" as enum \"Tensor\" "
+         "is "
+         "not a known enum value"},
         // the reference would be to a node of another type
         {"<node id=\"r\"/>\n" + coordinate + node("t", "CoreTexture", property("Reference", "node", "r")) +
              connection("uv", "read", "t", "in_uv") + output("colour", "t", "out_colour"),
@@ -340,6 +366,85 @@ TEST(CheckFile, CallsNoNodeUnusedWhenAnOutputIsRefused) {
         checkText(node("c", "CoreConstant", named("Tint")) + output("colour", "lamp", "read"));
     EXPECT_EQ(errorsOf(report), Lines{"m.xml:3: error: there is no node with the id \"lamp\""});
     EXPECT_TRUE(report.warnings.empty());
+}
+
+TEST(CheckFile, ReportsWhatIsWrongBesideARefusedProperty) {
+    const std::string refusedType = property("Constant Type", "enum", "Tensor");
+    EXPECT_EQ(
+        errorsOf(checkText(node("a", "CoreConstant",
+                                named("Tint") + refusedType + property("Type", "string", "CoreConstant") +
+                                    property("Foo", "bool", "Yes")) +
+                           node("b", "CoreConstant", named("Tint")) + maths("m", "Multiply") +
+                           connection("a", "read", "m", "in_value1") +
+                           connection("b", "read", "m", "in_value2") + output("colour", "m", "out_value"))),
+        (Lines{"m.xml:2: error: node \"a\" (\"Tint\"): cannot copy property \"Constant Type\" as enum "
+               "\"Tensor\" "
+               "is not a known enum value",
+               "m.xml:3: error: node \"b\" (\"Tint\"): its binding has the name of that of node \"a\" "
+               "(\"Tint\"); rename one of the nodes"}));
+}
+
+TEST(CheckFile, ReportsWhatHasNoNode) {
+    EXPECT_EQ(errorsOf(checkText(
+                  "<node type=\"CoreUv\"/>\n<output name=\"colour\" source=\"ghost\" port=\"\"/>\n")),
+              (Lines{"m.xml:2: error: the <node> element has no \"id\" attribute",
+                     "m.xml:3: error: there is no node with the id \"ghost\""}));
+    EXPECT_EQ(
+        errorsOf(checkText(node("c", "CoreConstant", named("Tint")) + output("colour", "c", "") +
+                           node("x", "Strange") + output("alpha", "x", ""))),
+        (Lines{"m.xml:4: error: node \"x\" (\"Default\"): cannot export as the node \"Default\" cannot be "
+               "properly created. Please either get the DLL that can load this node or replace with "
+               "alternatives."}));
+    // all but one connection of a cycle stay
+    EXPECT_EQ(errorsOf(checkText(maths("a", "Invert") + maths("b", "Invert") + maths("c", "Invert") +
+                                 connection("a", "out_value", "b", "in_value1") +
+                                 connection("b", "out_value", "c", "in_value1") +
+                                 connection("b", "out_value", "a", "in_value1") +
+                                 output("colour", "c", "out_value"))),
+              (Lines{"m.xml:3: error: the connections form a cycle: node \"b\" (\"Maths\") -> node \"a\" "
+                     "(\"Maths\") -> node \"b\" (\"Maths\")"}));
+}
+
+TEST(CheckMaterial, ReportsANodeThatRefusesAllThatIsLeft) {
+    PluginSet plugins;
+    plugins.add(PATINA_CORENODES);
+    plugins.add(std::filesystem::path(PATINA_TEST_PLUGINS) / "hostile_nodes.so");
+    const CheckReport report =
+        checkMaterial(parsed(node("h", "ThrowingLoad", property("Name", "integer", "7")) +
+                             output("colour", "h", "out_value")),
+                      plugins);
+    ASSERT_EQ(report.errors.size(), 2U);
+    testing::expectErrorAt(report.errors[0].what(), 2,
+                           {"cannot copy property \"Name\" from property with non-matching type"});
+    testing::expectErrorAt(report.errors[1].what(), 2, {"the node is out of order"});
+}
+
+TEST(CheckFile, CallsNoNodeUnusedWhenAConnectionIsLost) {
+    const CheckReport report =
+        checkText(node("c", "CoreConstant", named("Tint")) + node("m", "CoreMaths") +
+                  output("colour", "c", "read") + connection("lamp", "read", "fan", "in"));
+    EXPECT_EQ(errorsOf(report), Lines{"m.xml:5: error: there is no node with the id \"lamp\""});
+    EXPECT_TRUE(report.warnings.empty());
+}
+
+TEST(CheckMaterial, LooksForDefaultsByTheNamesOfInputs) {
+    PluginSet plugins;
+    plugins.add(std::filesystem::path(PATINA_TEST_PLUGINS) / "hostile_nodes.so");
+    const CheckReport report =
+        checkMaterial(parsed(node("h", "LooseInputs") + output("colour", "h", "out_value")), plugins);
+    EXPECT_EQ(
+        warningsOf(report),
+        (Lines{"sample.xml:2: warning: node \"h\" (\"LooseInputs\"): input \"light\" is not connected, and "
+               "has no default to set"}));
+}
+
+TEST(CheckMaterial, GoesOnWithoutRegistersWhereAStageIsWrong) {
+    PluginSet plugins;
+    plugins.add(std::filesystem::path(PATINA_TEST_PLUGINS) / "hostile_nodes.so");
+    const CheckReport report =
+        checkMaterial(parsed(node("h", "VertexInt") + output("colour", "h", "out_value")), plugins);
+    ASSERT_EQ(report.errors.size(), 1U);
+    testing::expectErrorAt(report.errors[0].what(), 2, {"node \"h\" (\"VertexInt\")", "int"});
 }
 
 TEST(CheckFile, ReportsOneErrorOfWhatIsNoMaterial) {

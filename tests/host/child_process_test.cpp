@@ -4,9 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <signal.h> // NOLINT: kill is POSIX
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <csignal>
+#include <cstdio>
 #include <string>
 
 namespace patina {
@@ -88,6 +93,138 @@ TEST(ChildProcess, IsNotWaitedForLongerThanItRuns) {
 TEST(ChildProcess, IsRefusedWhenItIsNoProgram) {
     EXPECT_EQ(hostErrorOf([] { runChild("/no/such/program", {}); }),
               "/no/such/program: error: cannot start this program: there is no such file or directory");
+}
+
+/// Lowers a limit of this process while it lives.
+class Limit {
+public:
+    Limit(decltype(RLIMIT_NOFILE) resource, rlim_t most) : resource_(resource) {
+        getrlimit(resource_, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = most;
+        setrlimit(resource_, &limit);
+    }
+    ~Limit() { setrlimit(resource_, &before_); }
+    Limit(const Limit&) = delete;
+    Limit& operator=(const Limit&) = delete;
+
+private:
+    decltype(RLIMIT_NOFILE) resource_;
+    rlimit before_{};
+};
+
+TEST(ChildProcess, IsNotStartedWithoutRoomForItsStreams) {
+    const int lowest = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(lowest, 0);
+    close(lowest);
+    const struct {
+        rlim_t descriptors; ///< that are free
+        const char* input;
+        const char* message;
+    } rows[] = {
+        {0, "", "error: cannot put the input of a program into a temporary file: "},
+        {0, "text", "error: cannot put the input of a program into a temporary file: "},
+        {1, "", "error: cannot make a pipe: "},
+    };
+    for (const auto& [descriptors, input, message] : rows) {
+        const Limit limit(RLIMIT_NOFILE, static_cast<rlim_t>(lowest) + descriptors);
+        const std::string error = hostErrorOf([text = input] { runChild("true", {}, {.input = text}); });
+        EXPECT_EQ(error.rfind(message, 0), 0U) << error;
+    }
+}
+
+TEST(ChildProcess, IsNotStartedWithoutAllOfItsInput) {
+    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+    // small enough for a buffer that is only written in the end, and larger than any buffer
+    for (const std::size_t size : {std::size_t{100}, std::size_t{1000000}}) {
+        const std::string input(size, 'x');
+        const Limit limit(RLIMIT_FSIZE, 10);
+        const std::string error = hostErrorOf([&] { runChild("true", {}, {.input = input}); });
+        EXPECT_EQ(error.rfind("error: cannot put the input of a program into a temporary file: ", 0), 0U)
+            << error;
+    }
+    std::signal(SIGXFSZ, handler);
+}
+
+TEST(ChildProcess, MayPrintTooMuchInItsLastMoment) {
+    // so much at once that the rest is only read when the process is gone
+    EXPECT_EQ(runChild("sh", {"-c", "printf 12345; exit 0"}, {.outputLimit = 4}).end, End::TooMuchOutput);
+}
+
+/// Puts another file in the place of a descriptor while it lives, or closes it.
+class Replaced {
+public:
+    Replaced(int descriptor, int other) : descriptor_(descriptor), kept_(dup(descriptor)) {
+        if (other < 0) {
+            close(descriptor);
+        } else {
+            dup2(other, descriptor);
+        }
+    }
+    ~Replaced() {
+        dup2(kept_, descriptor_);
+        close(kept_);
+    }
+    Replaced(const Replaced&) = delete;
+    Replaced& operator=(const Replaced&) = delete;
+
+private:
+    int descriptor_;
+    int kept_;
+};
+
+TEST(PrivateOutput, KeepsStandardOutputToItself) {
+    const testing::TemporaryDirectory directory;
+    const auto output = directory.write("output", "");
+    const auto errors = directory.write("errors", "");
+    const int outputFile = open(output.c_str(), O_WRONLY | O_APPEND);
+    const int errorFile = open(errors.c_str(), O_WRONLY | O_APPEND);
+    {
+        std::fflush(stdout);
+        const Replaced replacedOutput(STDOUT_FILENO, outputFile);
+        const Replaced replacedErrors(STDERR_FILENO, errorFile);
+        {
+            PrivateOutput report;
+            std::printf("noise");
+            report.write("report");
+            report.write("");
+        }
+        std::printf("after");
+        std::fflush(stdout);
+    }
+    close(outputFile);
+    close(errorFile);
+    EXPECT_EQ(testing::readText(output), "reportafter");
+    EXPECT_EQ(testing::readText(errors), "noise");
+}
+
+TEST(PrivateOutput, NeedsStandardOutput) {
+    std::fflush(stdout);
+    for (const int missing : {STDOUT_FILENO, STDERR_FILENO}) {
+        std::string error;
+        {
+            const Replaced replaced(missing, -1);
+            error = hostErrorOf([] { const PrivateOutput output; });
+        }
+        EXPECT_EQ(error.rfind("error: cannot use the standard output: ", 0), 0U) << error;
+    }
+}
+
+TEST(PrivateOutput, SaysWhenNobodyReads) {
+    auto* const handler = std::signal(SIGPIPE, SIG_IGN);
+    int ends[2] = {};
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    std::fflush(stdout);
+    std::string error;
+    {
+        const Replaced replaced(STDOUT_FILENO, ends[1]);
+        PrivateOutput output;
+        error = hostErrorOf([&] { output.write("report"); });
+    }
+    close(ends[1]);
+    std::signal(SIGPIPE, handler);
+    EXPECT_EQ(error.rfind("error: cannot write to the standard output: ", 0), 0U) << error;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "tests/host/host_checks.h"
 
+#include "host/xml.h"
+
 #include "tests/support/comma_locale.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +134,60 @@ TEST(PrintMaterial, RemovesElementsWithTheWhiteSpaceBeforeThem) {
     EXPECT_EQ(changed("<material version=\"1\" name=\"A\">text <node id=\"a\" type=\"T\"/></material>",
                       [](MaterialDocument& document) { document.nodes.clear(); }),
               "<material version=\"1\" name=\"A\">text</material>");
+    // nothing stands before the second
+    EXPECT_EQ(changed("<material version=\"1\" name=\"A\"><node id=\"a\" type=\"T\"/><node id=\"b\" "
+                      "type=\"T\"/></material>",
+                      [](MaterialDocument& document) { document.nodes.pop_back(); }),
+              "<material version=\"1\" name=\"A\"><node id=\"a\" type=\"T\"/></material>");
+}
+
+TEST(PrintMaterial, InsertsInTheLineOfADocumentOfOneLine) {
+    EXPECT_EQ(
+        changed("<material version=\"1\" name=\"A\"><output name=\"x\" source=\"a\" port=\"o\"/></material>",
+                [](MaterialDocument& document) {
+                    document.outputs.push_back({"y", "a", "p", 0});
+                    document.outputs.push_back({"z", "a", "q", 0});
+                }),
+        "<material version=\"1\" name=\"A\"><output name=\"x\" source=\"a\" port=\"o\"/>"
+        "<output name=\"y\" source=\"a\" port=\"p\"/><output name=\"z\" source=\"a\" "
+        "port=\"q\"/></material>");
+}
+
+TEST(PrintMaterial, InsertsBehindAllElse) {
+    const auto withOutput = [](const std::string& inside) {
+        return changed("<material version=\"1\" name=\"A\">" + inside + "</material>",
+                       [](MaterialDocument& document) {
+                           document.outputs.push_back({"y", "a", "p", 0});
+                       });
+    };
+    const std::string begin = "<material version=\"1\" name=\"A\">";
+    const std::string made = "<output name=\"y\" source=\"a\" port=\"p\"/>";
+    EXPECT_EQ(withOutput("<!-- c -->"), begin + "<!-- c -->" + made + "</material>");
+    EXPECT_EQ(withOutput("text"), begin + "text\n  " + made + "\n</material>");
+    EXPECT_EQ(withOutput("  "), begin + "  \n  " + made + "\n</material>");
+}
+
+TEST(PrintMaterial, KeepsWhatStandsBehindAnElementWithIt) {
+    // only a comment that ends the line belongs to it
+    const auto moved = [](const std::string& between) {
+        return changed("<material version=\"1\" name=\"A\">\n<node id=\"a\" type=\"T\"/>" + between +
+                           "<node id=\"b\" type=\"T\"/>\n</material>",
+                       [](MaterialDocument& document) {
+                           DocumentNode node;
+                           node.id = "c";
+                           node.type = "T";
+                           document.nodes.insert(document.nodes.begin() + 1, node);
+                       });
+    };
+    const std::string before = "<material version=\"1\" name=\"A\">\n<node id=\"a\" type=\"T\"/>";
+    const std::string made = "<node id=\"c\" type=\"T\" version=\"0\"/>";
+    const std::string after = "<node id=\"b\" type=\"T\"/>\n</material>";
+    for (const std::string between : {" <!-- r -->\n"}) {
+        EXPECT_EQ(moved(between), before + " <!-- r -->\n" + made + "\n" + after);
+    }
+    for (const std::string between : {"<!-- r -->", "<!-- r --> ", " text <!-- r -->\n"}) {
+        EXPECT_EQ(moved(between), before + "\n" + made + between + after);
+    }
 }
 
 TEST(PrintMaterial, InsertsElementsBehindThoseOfTheirKind) {
@@ -229,6 +285,9 @@ TEST(PrintMaterial, KeepsEncodingAndLineEnds) {
         "\xEF\xBB\xBF<material version=\"1\" name=\"B\">\r\n  <node id=\"a\" type=\"T\">\r\n"
         "    <property name=\"P\" kind=\"string\" value=\"\xC3\xB6\xE2\x82\xAC\"/>\r\n  </node>\r\n"
         "</material>\r\n");
+    EXPECT_EQ(changed("\n<material version=\"1\" name=\"A\">\r\n</material>",
+                      [](MaterialDocument& document) { document.name = "B"; }),
+              "<material version=\"1\" name=\"B\">\n</material>");
 }
 
 TEST(PrintMaterial, RefusesWhatItsEncodingCannotHold) {
@@ -418,6 +477,7 @@ TEST(MaterialDocument, EqualsWhatMeansTheSame) {
     EXPECT_TRUE((DocumentBinding{"a", "uv", {{"x", "1"}, {"y", "2"}}} ==
                  DocumentBinding{"a", "uv", {{"y", "2"}, {"x", "1"}}}));
     EXPECT_FALSE((DocumentBinding{"a", "uv", {{"x", "1"}}} == DocumentBinding{"a", "uv", {{"x", "2"}}}));
+    EXPECT_FALSE((DocumentBinding{"a", "uv", {}} == DocumentBinding{"b", "uv", {}}));
 }
 
 // Bindings
@@ -475,6 +535,19 @@ TEST(ParseMaterial, LeavesOtherNamespacesAlone) {
                   {"namespace", "\"urn:x\""});
 }
 
+TEST(XmlSilence, KeepsTheParserFromPrinting) {
+    ::testing::internal::CaptureStderr();
+    {
+        const XmlSilence silence;
+        xmlGenericError(xmlGenericErrorContext, "%s", "noise");
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(ParseMaterial, TakesWhatTheParserOnlyWarnsOf) {
+    EXPECT_EQ(sample("<material xml:space=\"wide\" version=\"1\" name=\"A\"/>").name, "A");
+}
+
 // Hostile documents
 
 TEST(ParseMaterial, LooksAtNothingBehindADocumentType) {
@@ -510,6 +583,7 @@ TEST(ParseMaterial, LimitsTheDepth) {
 TEST(ParseMaterial, LimitsTheSize) {
     constexpr std::size_t size = std::size_t{512} * 1024 * 1024 + 1;
     // pages that nobody touches, so that nobody needs the memory
+    // cppcheck-suppress invalidFunctionArg ; -1 is what goes with MAP_ANONYMOUS
     void* pages = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(pages, MAP_FAILED);
     EXPECT_EQ(hostErrorOf([&] {

@@ -195,6 +195,11 @@ TEST(AddNode, MakesIdsOfTypes) {
     EXPECT_EQ(addNode(material, corePlugins(), "CoreMaths"), "maths3");
     EXPECT_EQ(addNode(material, corePlugins(), "CoreVertexColour"), "vertexcolour1");
     EXPECT_EQ(addNode(material, corePlugins(), "CoreUv", "Map \xC3\xA4"), "Map \xC3\xA4");
+    PluginSet hostile;
+    hostile.add(std::filesystem::path(PATINA_TEST_PLUGINS) / "hostile_nodes.so");
+    Material other = built("");
+    EXPECT_EQ(addNode(other, hostile, "Loop"), "loop1");
+    EXPECT_EQ(addNode(other, hostile, "Plain"), "plain1");
     EXPECT_EQ(material.items.at(4).node->typeName(), "CoreUv");
     EXPECT_EQ(material.downstream.size(), 5U);
     expectConsistent(material);
@@ -237,6 +242,14 @@ TEST(RemoveNode, TakesAlongWhatBelongsToIt) {
 }
 
 // Properties
+
+TEST(RemoveNode, EmptiesReferencesThatAreNotSaved) {
+    Material material = built(node("a", "CoreTexture") + node("b", "CoreTexture"));
+    material.items[1].node->properties->find("Reference")->nodeValue = material.items[0].node;
+    removeNode(material, "a");
+    ASSERT_EQ(material.items.size(), 1U);
+    EXPECT_EQ(material.items[0].node->properties->find("Reference")->nodeValue, nullptr);
+}
 
 TEST(SetProperty, TakesValuesInTheFormOfDocuments) {
     Material material =
@@ -663,6 +676,35 @@ TEST(SaveBindings, RefusesTwoOfOneName) {
     collection.bindings[0]->description = "\x02";
     EXPECT_NE(refusedEdit(material, [&] { saveBindings(material, collection); }).find("\"desc\""),
               std::string::npos);
+}
+
+/// A binding whose code fails.
+class BrokenBinding : public Binding {
+public:
+    using Binding::Binding;
+    void writeAnnotations(xmlNode* /*element*/) const override { throw ShaderError("out of order"); }
+};
+
+TEST(SaveBindings, NamesABindingThatRefuses) {
+    Material material = built(node("uv", "CoreUv"));
+    BindingCollection collection;
+    collection.bindings.push_back(std::make_shared<BrokenBinding>(BindingKind::Normal, "N", 3U));
+    EXPECT_EQ(refusedEdit(material, [&] { saveBindings(material, collection); }),
+              "sample.xml: error: binding \"N\": out of order");
+}
+
+TEST(SaveBindings, LeavesAttributesOfOthersAlone) {
+    Material material =
+        built(node("uv", "CoreUv") + "<binding tag=\"Uv\" kind=\"uv\" exported_default=\"old\" "
+                                     "exported_look=\"x\" uilabel=\"L\" desc=\"d\" export=\"y\"/>\n");
+    // one of another kind than the graph's, of whose values it has none
+    BindingCollection collection;
+    addToBindingCollection(collection, createBinding(BindingKind::Float, "Uv", 1));
+    addToBindingCollection(collection, createBinding(BindingKind::Uv, "Other", 1));
+    saveBindings(material, collection);
+    const std::string printed = printMaterial(material.document);
+    EXPECT_EQ(printed.find("\"old\""), std::string::npos) << printed;
+    saveBindings(material, collectBindings(material));
 }
 
 // Values as text

@@ -18,9 +18,7 @@ using Symbols = std::vector<std::string>;
 /// A module with a section of dynamic symbols, written field by field.
 class ElfWriter {
 public:
-    ElfWriter(bool wide, bool bigEndian) : wide_(wide), bigEndian_(bigEndian) {
-        bytes_ = "\x7F"
-                 "ELF";
+    ElfWriter(bool wide, bool bigEndian) : wide_(wide), bigEndian_(bigEndian), bytes_("\177ELF") {
         bytes_ += wide ? '\2' : '\1';
         bytes_ += bigEndian ? '\2' : '\1';
         bytes_.resize(wide ? 0x28 : 0x20);

@@ -6,10 +6,14 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -20,14 +24,16 @@
 
 namespace {
 
-std::function<void(int)> onFlush; ///< what sees the descriptors that are flushed to the disk
+/// Sees the descriptors that are flushed to the disk, and says whether they are.
+std::function<bool(int)> onFlush;
 
 } // namespace
 
 /// Stands before the system's own.
 extern "C" int fsync(int descriptor) {
-    if (onFlush) {
-        onFlush(descriptor);
+    if (onFlush && !onFlush(descriptor)) {
+        errno = EIO;
+        return -1;
     }
     return static_cast<int>(syscall(SYS_fsync, descriptor));
 }
@@ -40,7 +46,7 @@ namespace fs = std::filesystem;
 /// Sees what is flushed while it lives.
 class FlushObserver {
 public:
-    explicit FlushObserver(std::function<void(int)> action) { onFlush = std::move(action); }
+    explicit FlushObserver(std::function<bool(int)> action) { onFlush = std::move(action); }
     ~FlushObserver() { onFlush = nullptr; }
     FlushObserver(const FlushObserver&) = delete;
     FlushObserver& operator=(const FlushObserver&) = delete;
@@ -238,12 +244,11 @@ private:
 TEST(WriteFiles, ReplacesNothingWhenAFileCannotBeWrittenWhole) {
     const TemporaryDirectory directory;
     directory.write("a", "old");
-    std::string error;
     {
         const FileSizeLimit limit(4096);
         // small enough for a buffer that is only written in the end, and larger than any buffer
         for (const std::size_t size : {std::size_t{4097}, std::size_t{1000000}}) {
-            error = hostErrorOf([&] {
+            const std::string error = hostErrorOf([&] {
                 writeFiles(directory.path(), {{"a", "new"}, {"b", std::string(size, 'x')}});
             });
             EXPECT_EQ(error.rfind((directory / "b").string() + ": error: ", 0), 0U) << error;
@@ -310,12 +315,57 @@ TEST(ReplaceFile, WaitsForTheDiskBeforeItTakesThePlace) {
         EXPECT_EQ(fstat(descriptor, &state), 0);
         flushed.push_back(state.st_size);
         EXPECT_EQ(readText(file), "old");
+        return true;
     });
     replaceFile(file, "12345");
     EXPECT_EQ(flushed, std::vector<off_t>{5}) << "all of it";
     EXPECT_EQ(readText(file), "12345");
     writeFiles(directory.path(), {{"a", "again"}});
     EXPECT_EQ(flushed.size(), 1U) << "what can be made again does not wait";
+}
+
+TEST(ReplaceFile, ReplacesNothingThatTheDiskDoesNotTake) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", "old");
+    const FlushObserver observer([](int) { return false; });
+    expectError(hostErrorOf([&] { replaceFile(file, "new"); }), file.string(), {"cannot write this file"});
+    EXPECT_EQ(directory.names(), Names{"a"});
+    EXPECT_EQ(readText(file), "old");
+}
+
+TEST(WriteFiles, TakesBackWhatIsNewWhenALaterFileFails) {
+    const TemporaryDirectory directory;
+    const std::string name(300, 'n');
+    expectError(hostErrorOf([&] {
+                    writeFiles(directory.path(), {{"a", "new"}, {name, "new"}});
+                }),
+                (directory / name).string(), {"cannot replace this file"});
+    EXPECT_EQ(directory.names(), Names{});
+}
+
+TEST(WriteFiles, LooksForATemporaryNameForSomeTime) {
+    const TemporaryDirectory directory;
+    const auto file = directory.write("a", "old");
+    for (int i = 0; i < 999; ++i) {
+        directory.write(".patina-" + std::to_string(i) + ".tmp", "");
+    }
+    // the last name is the new file's, and none is left for the old one
+    EXPECT_EQ(writeFiles(directory.path(), {{"a", "new"}}), 1U);
+    EXPECT_EQ(readText(file), "new");
+    directory.write(".patina-999.tmp", "");
+    expectError(hostErrorOf([&] {
+                    writeFiles(directory.path(), {{"a", "newer"}});
+                }),
+                file.string(), {"cannot write this file"});
+    EXPECT_EQ(readText(file), "new");
+}
+
+TEST(ReadFile, ReportsWhatCannotBeReadOnceItIsOpen) {
+    const fs::path unreadable = "/proc/self/mem";
+    if (fs::exists(unreadable)) {
+        expectError(hostErrorOf([&] { readFile(unreadable, 1000); }), unreadable.string() + ":1",
+                    {"cannot read this file"});
+    }
 }
 
 TEST(WriteFileOrStream, WritesToWhatIsNoFile) {
@@ -332,6 +382,17 @@ TEST(WriteFileOrStream, WritesToWhatIsNoFile) {
     close(reader);
     EXPECT_TRUE(fs::is_fifo(pipe));
 
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    const std::string socketName = (directory / "socket").string();
+    ASSERT_LT(socketName.size(), sizeof(address.sun_path));
+    std::copy(socketName.begin(), socketName.end(), address.sun_path);
+    const int server = socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(bind(server, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    expectError(hostErrorOf([&] { writeFileOrStream(socketName, "text"); }), socketName,
+                {"cannot write this file"});
+    close(server);
+
     writeFileOrStream("/dev/null", "text");
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
     if (fs::exists("/dev/full")) {
@@ -347,6 +408,11 @@ TEST(WriteFileOrStream, ReplacesFiles) {
     EXPECT_EQ(readText(file), "new");
     writeFileOrStream(directory / "some/where", "made");
     EXPECT_EQ(readText(directory / "some/where"), "made");
+    const fs::path before = fs::current_path();
+    fs::current_path(directory.path());
+    writeFileOrStream("here", "made");
+    fs::current_path(before);
+    EXPECT_EQ(readText(directory / "here"), "made");
     expectError(hostErrorOf([&] { writeFileOrStream(directory.path(), "text"); }), directory.path().string(),
                 {"it is a directory"});
 }

@@ -61,6 +61,10 @@ const std::string table = "[label=<<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPAC
                           "<TR><TD COLSPAN=\"2\">";
 const std::string result = "</TABLE>>, fillcolor=\"#2f3640\", color=\"#2f3640\", fontcolor=\"#ffffff\"];\n";
 
+TEST(MaterialGraph, ShowsNodesWithoutPorts) {
+    expectPiece(graphOf(documentText(node("x", "Strange"))), "x</FONT></TD></TR></TABLE>>");
+}
+
 TEST(MaterialGraph, ShowsNodesPortsAndConnections) {
     const std::string text = printMaterialGraph(
         built(node("wear", "CoreVertexColour") + maths("m", "Invert") +

@@ -489,5 +489,11 @@ TEST(BuildMaterial, KeepsEveryMessageInOneLine) {
     }
 }
 
+TEST(Material, MayHaveItemsWithoutNodes) {
+    Material material;
+    material.items.emplace_back();
+    EXPECT_FALSE(hasPlaceholder(material));
+}
+
 } // namespace
 } // namespace patina

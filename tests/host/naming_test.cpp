@@ -161,6 +161,7 @@ constexpr const char* freeNames[] = {
     "texlod",    "textures",
     "pack",      "Texture",
     "in_uv",     "in_sampler",
+    "float3y3",  "float9x3",
 };
 
 TEST(CgNames, KnowWhatIsReserved) {
@@ -179,6 +180,7 @@ TEST(CgNames, AreMadeOfAnyText) {
     } rows[] = {
         {"paint", "paint"}, {"a_b", "a_b"},    {"a b", "a_b"},     {"1st", "_1st"},
         {"", "_"},          {"\xC3\xA4", "_"}, {"a-b.c", "a_b_c"}, {"A1", "A1"},
+        {"a{b", "a_b"},     {"a[b", "a_b"},    {"a:b", "a_b"},     {"zZ9", "zZ9"},
     };
     for (const auto& [text, name] : rows) {
         EXPECT_EQ(toCgName(text), name) << text;

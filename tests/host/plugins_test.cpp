@@ -318,6 +318,7 @@ TEST(HostileNodes, FailWithTheNodeNamed) {
         {"ThrowingBinding", {"node \"h\" (\"ThrowingBinding\")", "the node is out of order"}},
         {"ThrowingUpdate", {"node \"h\" (\"ThrowingUpdate\")", "the node is out of order"}},
         {"ThrowingResolution", {"node \"h\" (\"ThrowingResolution\")", "the node is out of order"}},
+        {"ThrowingPrecision", {"node \"h\" (\"ThrowingPrecision\")", "the node is out of order"}},
         {"ThrowingLoad", {"node \"h\" (\"ThrowingLoad\")", "the node is out of order"}},
         {"ThrowingConstructor", {"node \"h\"", "the node is out of order"}},
         {"Nothing", {"node \"h\"", "cannot create \"Nothing\" node"}},
@@ -344,6 +345,10 @@ TEST(HostileNodes, FailWithTheNodeNamed) {
         for (const std::string_view piece : pieces) {
             EXPECT_NE(error.find(piece), std::string::npos) << piece << " in: " << error;
         }
+        const CheckReport report = checkMaterial(
+            testing::parsed("\n" + node("h", type) + output("colour", "h", "out_value")), plugins);
+        ASSERT_EQ(report.errors.size(), 1U) << type;
+        EXPECT_EQ(report.errors[0].what(), error);
     }
 }
 
@@ -357,6 +362,50 @@ TEST(HostileNodes, MayNameTheirFunctionsAsTheyLike) {
     EXPECT_NE(program.find("void promoteAndSplat( out float out_value )\n{\n\tout_value = 1.0;\n}\n"),
               std::string::npos)
         << program;
+}
+
+TEST(HostileNodes, MayRunOutOfMemory) {
+    for (const char* type : {"HungryCode", "HungryLoad", "HungryConstructor"}) {
+        PluginSet plugins;
+        plugins.add(testPlugin("hostile_nodes"));
+        const auto exportIt = [&] {
+            Warnings warnings;
+            Material material = buildMaterial(
+                testing::parsed(node("h", type) + output("colour", "h", "out_value")), plugins, warnings);
+            exportMaterial(material, warnings);
+        };
+        EXPECT_THROW(exportIt(), std::bad_alloc) << type;
+    }
+    PluginSet plugins;
+    plugins.add(testPlugin("hostile_nodes"));
+    EXPECT_THROW(summariseNode(plugins, "HungryConstructor"), std::bad_alloc);
+}
+
+TEST(HostileNodes, MayFixTheirPrecision) {
+    PluginSet plugins;
+    plugins.add(PATINA_CORENODES);
+    plugins.add(testPlugin("hostile_nodes"));
+    Warnings warnings;
+    Material material = buildMaterial(testing::parsed(node("h", "Plain") + testing::maths("m", "Invert") +
+                                                      connection("h", "out_value", "m", "in_value1") +
+                                                      output("colour", "m", "out_value")),
+                                      plugins, warnings);
+    resolveMaterial(material);
+    EXPECT_EQ(material.items[0].node->outputPort("out_value").getPrecision(), 2U);
+}
+
+TEST(HostileNodes, LeaveAMaterialAsItWasWhenTheyTakeNoEdit) {
+    PluginSet plugins;
+    plugins.add(testPlugin("hostile_nodes"));
+    Warnings warnings;
+    Material material = buildMaterial(
+        testing::parsed(node("h", "Tired") + output("colour", "h", "out_value")), plugins, warnings);
+    const MaterialDocument before = material.document;
+    EXPECT_NE(hostErrorOf([&] { setProperty(material, "h", "Description", "new"); }), testing::noError);
+    EXPECT_TRUE(material.document == before);
+    EXPECT_EQ(material.items[0].node->descriptionProperty->getString(), "");
+    EXPECT_EQ(hostErrorOf([&] { addNode(material, plugins, "Nothing"); }),
+              "sample.xml: error: node \"nothing1\": cannot create \"Nothing\" node");
 }
 
 } // namespace

@@ -301,6 +301,10 @@ TEST(AssignRegisters, RefusesMoreThanThereAre) {
     beyondCounting.readByFragment({beyondCounting.uniform("A", most), beyondCounting.uniform("B", most),
                                    beyondCounting.uniform("C", most)});
     expectError(beyondCounting.error(), "flow.xml:10", {"9223372036854775807 constant registers", "1024"});
+    Parameters evenMore;
+    evenMore.readByFragment({evenMore.uniform("A", most), evenMore.uniform("B", most),
+                             evenMore.uniform("C", most), evenMore.uniform("D", float4, constant(500))});
+    expectError(evenMore.error(), "flow.xml:10", {"9223372036854775807 constant registers", "1024"});
 }
 
 TEST(AssignRegisters, RefusesWhatFindsNoGap) {

@@ -153,6 +153,15 @@ TEST(ResolveMaterial, NamesBothSourcesOfAConflict) {
     EXPECT_EQ(hostErrorOf(resolve), error) << "and again";
 }
 
+TEST(ResolveMaterial, ReportsTheFirstTwoWidthsThatDiffer) {
+    Material material =
+        built(node("uv", "CoreUv") + node("c", "CoreConstant") + maths("clash", "Clamp") +
+              connection("c", "read", "clash", "in_value1") + connection("c", "read", "clash", "in_min") +
+              connection("uv", "read", "clash", "in_max"));
+    expectErrorAt(hostErrorOf([&] { resolveMaterial(material); }), 7,
+                  {"node \"clash\" (\"Maths\")", "\"in_value1\"", "3", "\"in_max\"", "2"});
+}
+
 TEST(ResolveMaterial, ReportsAConflictBehindAScalar) {
     // the scalar comes first, then two, then three components
     const std::string body = node("uv", "CoreUv") + node("c", "CoreConstant") +

@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,12 @@ TEST(ParseBindings, RefusesWhatItWouldLose) {
     }
 }
 
+TEST(ParseBindings, LeavesOtherNamespacesAlone) {
+    EXPECT_EQ(
+        saved("<binding xmlns:x=\"urn:x\" x:default=\"1\" kind=\"uv\" tag=\"a\"/>").bindings[0].annotations,
+        (Annotations{{"kind", "uv"}, {"tag", "a"}}));
+}
+
 TEST(ParseBindings, TakesUnitsInAnyCase) {
     EXPECT_EQ(saved("<binding kind=\"float\" tag=\"a\" uiunittype=\"Angular\"/>"
                     "<binding kind=\"float\" tag=\"b\" uiunittype=\"RAW\"/>")
@@ -114,6 +121,10 @@ TEST(ReadBindings, TakesAMissingFileForNone) {
 }
 
 TEST(ReadBindings, ReportsAnUnreadableFile) {
+    if (std::filesystem::exists("/proc/self/mem")) {
+        expectError(hostErrorOf([] { readBindings("/proc/self/mem"); }), "/proc/self/mem:1",
+                    {"cannot read this file", advice});
+    }
     const TemporaryDirectory directory;
     const auto file = directory.write("a.xml", savedText(""));
     std::filesystem::permissions(file, std::filesystem::perms::none);
@@ -347,6 +358,15 @@ TEST(CarryOverArtistValues, WarnsOfWhatIsLost) {
         "changed in this file goes with it: default \"set2\"");
 }
 
+TEST(CarryOverArtistValues, SetsADefaultThatTheGraphHasNoMore) {
+    std::vector<ExportedBinding> bindings = {{createBinding(BindingKind::Float, "Tint", 1), {}, {}}};
+    Warnings warnings;
+    carryOverArtistValues(saved("<binding kind='float' tag='Tint' default='5' exported_default='1'/>"),
+                          bindings, warnings);
+    EXPECT_EQ(bindings[0].binding->formatDefault(), "5");
+    EXPECT_TRUE(warnings.empty());
+}
+
 /// A binding whose code fails.
 class BrokenBinding : public Binding {
 public:
@@ -363,6 +383,22 @@ TEST(CarryOverArtistValues, NamesABindingThatRefuses) {
                                           warnings);
                 }),
                 "Sample.bindings.xml:2", {"\"N\"", "out of order", advice});
+}
+
+/// A binding that finds no memory.
+class HungryBinding : public Binding {
+public:
+    using Binding::Binding;
+    void readAnnotations(xmlNode* /*element*/) override { throw std::bad_alloc(); }
+};
+
+TEST(CarryOverArtistValues, MayRunOutOfMemory) {
+    std::vector<ExportedBinding> bindings = {
+        {std::make_shared<HungryBinding>(BindingKind::Normal, "N", 3U), {}, {}}};
+    Warnings warnings;
+    EXPECT_THROW(
+        carryOverArtistValues(saved("<binding kind='normal' tag='N' uilabel='x'/>"), bindings, warnings),
+        std::bad_alloc);
 }
 
 // Exporting again

@@ -130,6 +130,11 @@ TEST(ShowOutput, KeepsTheSavedValuesOfWhatIsShown) {
                              node("b", "CoreConstant", property("Name", "string", "Rust") + scalar) +
                              "<binding tag=\"Wear\" kind=\"float\" default=\"0.25\"/>\n"
                              "<binding tag=\"Rust\" kind=\"float\" default=\"0.75\"/>\n";
+    EXPECT_EQ(showOutput(parsed(node("other", "CoreConstant", property("Name", "string", "Wear")) + body),
+                         "a", "read")
+                  .bindings.size(),
+              1U)
+        << "one that is left out has the name too";
     const MaterialDocument document = showOutput(parsed(body), "a", "read");
     ASSERT_EQ(document.bindings.size(), 1U);
     EXPECT_EQ(document.bindings[0].name, "Wear");

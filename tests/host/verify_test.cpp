@@ -67,6 +67,11 @@ TEST(VerifyCode, LeavesEverythingElseAlone) {
         EXPECT_EQ(verdictOn(code), noError) << code;
     }
     EXPECT_EQ(verdictOn("\tx = inf;\n", "inf"), noError);
+    EXPECT_EQ(verdictOn("{\tx[0] = ~y;\n}"), noError);
+    FunctionBuilder builder;
+    builder.addOutput({ComponentType::Float, 1, 1, 1}, "inf");
+    builder.appendCode("\tinf = 1.0;\n\tx = inf;\n");
+    EXPECT_EQ(verdictOn(builder), noError) << "an output";
 }
 
 TEST(VerifyCode, RefusesPortsOfReservedNames) {

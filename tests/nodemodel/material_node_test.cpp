@@ -232,7 +232,9 @@ TEST(MaterialNode, DestructionReleasesItsShares) {
         PlainNode node;
         node.inputLinks.push_back(connection);
         node.outputLinks.push_back(connection);
+        // cppcheck-suppress unreadVariable ; the destructor gives it back
         node.properties = properties;
+        // cppcheck-suppress unreadVariable ; so it does this
         node.nameProperty = name;
         EXPECT_EQ(connection.use_count(), 1) << "links keep nothing alive";
         EXPECT_EQ(properties.use_count(), 3);

@@ -242,27 +242,6 @@ TEST(ExportedTargets, NeedTheFrameworkAndATranslator) {
     EXPECT_EQ(refusal(options), testing::noError);
 }
 
-TEST(TargetNames, AreReadWithAndWithoutVersion) {
-    EXPECT_EQ(parseTarget("cg"), (ShaderTarget{TargetLanguage::Cg, 0}));
-    EXPECT_EQ(parseTarget("glsl"), (ShaderTarget{TargetLanguage::Glsl, 330}));
-    EXPECT_EQ(parseTarget("glsl:450"), (ShaderTarget{TargetLanguage::Glsl, 450}));
-    EXPECT_EQ(parseTarget("essl"), (ShaderTarget{TargetLanguage::Essl, 300}));
-    EXPECT_EQ(parseTarget("hlsl"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
-    EXPECT_EQ(parseTarget("hlsl:6.2"), (ShaderTarget{TargetLanguage::Hlsl, 62}));
-    EXPECT_EQ(parseTarget("msl:2.4"), (ShaderTarget{TargetLanguage::Msl, 24}));
-    EXPECT_EQ(parseTarget("hlsl:5"), (ShaderTarget{TargetLanguage::Hlsl, 50}));
-    EXPECT_EQ(parseTarget("hlsl:6"), (ShaderTarget{TargetLanguage::Hlsl, 60}));
-    EXPECT_EQ(parseTarget("msl:2"), (ShaderTarget{TargetLanguage::Msl, 20}));
-    EXPECT_EQ(parseTarget("msl:3"), (ShaderTarget{TargetLanguage::Msl, 30}));
-    EXPECT_EQ(parseTarget("spirv:1"), (ShaderTarget{TargetLanguage::Spirv, 10}));
-    EXPECT_EQ(parseTarget("spirv"), (ShaderTarget{TargetLanguage::Spirv, 10}));
-    for (const char* text :
-         {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1", "hlsl:7", "hlsl:5.",
-          "hlsl:.0", "msl:2.00", "glsl:33", "glsl:330.0", "msl:0", "cg:0"}) {
-        EXPECT_EQ(parseTarget(text), std::nullopt) << text;
-    }
-}
-
 testing::Outcome exportCommand(const testing::TemporaryDirectory& directory,
                                const std::vector<std::string>& options) {
     std::vector<std::string> arguments = {"export", PATINA_EXAMPLE, "-o", (directory / "out").string()};

@@ -39,7 +39,7 @@ bool has(std::string_view fault) {
 void endProcess() {
     if (has("crashes")) {
         volatile int* nothing = nullptr;
-        *nothing = 1;
+        *nothing = 1; // cppcheck-suppress nullPointer ; that is the fault
     }
     if (has("aborts")) {
         std::abort();
@@ -131,6 +131,12 @@ public:
         if (has("generation feeds itself")) {
             feedBack(generator, function);
         }
+        if (has("generation reads nothing")) {
+            for (const auto& link : inputLinks) {
+                generator.linkOutputPort(link.lock(), function, "out_value");
+            }
+            return;
+        }
         attachLinks(generator, function);
     }
 
@@ -144,6 +150,10 @@ public:
         }
         if (has("binding null")) {
             bindings.bindings.push_back(nullptr);
+            return;
+        }
+        if (has("binding of no kind")) {
+            bindings.bindings.push_back(std::make_shared<Binding>(BindingKind::Invalid, "odd", 1));
             return;
         }
         const auto binding = createBinding(BindingKind::Float, has("binding nameless") ? "" : name(), 2);
@@ -186,8 +196,14 @@ private:
     }
 
     static std::string code() {
-        return has("generation opens a bracket") ? "\tout_value = ( in_value;\n"
-                                                 : "\tout_value = in_value;\n";
+        if (has("generation opens a bracket")) {
+            return "\tout_value = ( in_value;\n";
+        }
+        if (has("generation closes a bracket")) {
+            return "\tout_value = in_value );\n";
+        }
+        return has("generation closes another bracket") ? "\tout_value = ( in_value ];\n"
+                                                        : "\tout_value = in_value;\n";
     }
 
     static std::string functionName() {
@@ -235,6 +251,12 @@ private:
         if (has("property unlisted")) {
             properties->byName.erase("Bright");
         }
+        if (has("property replaced")) {
+            properties->byName["Bright"] = makeProperty("Bright");
+        }
+        if (has("PositionX of no kind")) {
+            positionXProperty->kind = static_cast<PropertyType>(99);
+        }
         if (has("value infinite")) {
             positionXProperty->setFloat(std::numeric_limits<float>::infinity());
         }
@@ -259,11 +281,18 @@ private:
         if (has("no label")) {
             inputs.front().label.clear();
         }
+        if (has("no components")) {
+            outputs.front().setComponentCount(0);
+        }
         if (has("five components")) {
             outputs.front().setComponentCount(5);
+            outputs.front().setPrecision(2);
         }
         if (has("precision code")) {
             outputs.front().setPrecision(1);
+        }
+        if (has("precision code beyond all")) {
+            outputs.front().setPrecision(99);
         }
         if (has("fixed width unknown")) {
             outputs.front().componentCountFixed = true;
@@ -301,10 +330,17 @@ public:
         NodeDescription sample(has("empty type name") ? "" : sampleType);
         sample.category = has("empty category") ? "" : "Studio";
         sample.displayName = has("unprintable display name") ? "Sam\tple" : "Sample";
+        if (has("delete in the category")) {
+            sample.category = "Stu\x7F"
+                              "dio";
+        }
         sample.icon = has("no icon") ? nullptr : icon();
         nodeLibrary.push_back(sample);
         if (has("type twice")) {
             nodeLibrary.push_back(sample);
+        }
+        if (has("type with a blank")) {
+            nodeLibrary.emplace_back("Sample ");
         }
         NodeDescription hidden(has("type listed only") ? "Missing" : hiddenType);
         hidden.category = "Studio";
@@ -379,5 +415,6 @@ patina::NodeFactory* CreateNodeFactory() {
         only = only == nullptr ? new Factory() : only;
         return only;
     }
-    return new Factory();
+    static int made = 0;
+    return has("second factory missing") && ++made == 2 ? nullptr : new Factory();
 }

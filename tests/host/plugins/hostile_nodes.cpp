@@ -6,6 +6,7 @@
 #include "shadergraph/shadergraph.h"
 
 #include <exception>
+#include <new>
 #include <string>
 
 namespace {
@@ -189,6 +190,12 @@ public:
     void resolveComponentCounts() override { throw OwnError(); }
 };
 
+class ThrowingPrecisionNode : public OutputNode {
+public:
+    using OutputNode::OutputNode;
+    void resolvePrecision() override { throw OwnError(); }
+};
+
 class ThrowingLoadNode : public OutputNode {
 public:
     using OutputNode::OutputNode;
@@ -198,6 +205,48 @@ public:
 class ThrowingConstructorNode : public OutputNode {
 public:
     explicit ThrowingConstructorNode(const std::string& type) : OutputNode(type) { throw OwnError(); }
+};
+
+/// Has two inputs that nothing needs, one of which has a default.
+class LooseInputsNode : public OutputNode {
+public:
+    explicit LooseInputsNode(const std::string& type) : OutputNode(type) {
+        inputs.emplace_back("light");
+        inputs.emplace_back("in_warm_light");
+        addProperty("Default Warm Light", "Default Warm Light: how warm.")->setFloat(0.5F);
+    }
+};
+
+/// Takes one update and no more.
+class TiredNode : public OutputNode {
+public:
+    using OutputNode::OutputNode;
+    void updateFromProperties(void* /*hostContext*/) override {
+        if (isUpdated_) {
+            throw OwnError();
+        }
+        isUpdated_ = true;
+    }
+
+private:
+    bool isUpdated_ = false;
+};
+
+class HungryCodeNode : public OutputNode {
+public:
+    using OutputNode::OutputNode;
+    void generateCode(GraphGenerator& /*generator*/) override { throw std::bad_alloc(); }
+};
+
+class HungryLoadNode : public OutputNode {
+public:
+    using OutputNode::OutputNode;
+    void loadProperties(const std::shared_ptr<PropertySet>& /*saved*/) override { throw std::bad_alloc(); }
+};
+
+class HungryConstructorNode : public OutputNode {
+public:
+    explicit HungryConstructorNode(const std::string& type) : OutputNode(type) { throw std::bad_alloc(); }
 };
 
 template <typename Node>
@@ -227,9 +276,15 @@ constexpr Type types[] = {
     {"ThrowingBinding", create<ThrowingBindingNode>},
     {"ThrowingUpdate", create<ThrowingUpdateNode>},
     {"ThrowingResolution", create<ThrowingResolutionNode>},
+    {"ThrowingPrecision", create<ThrowingPrecisionNode>},
     {"ThrowingLoad", create<ThrowingLoadNode>},
     {"ThrowingConstructor", create<ThrowingConstructorNode>},
     {"Nothing", createNothing},
+    {"LooseInputs", create<LooseInputsNode>},
+    {"Tired", create<TiredNode>},
+    {"HungryCode", create<HungryCodeNode>},
+    {"HungryLoad", create<HungryLoadNode>},
+    {"HungryConstructor", create<HungryConstructorNode>},
 };
 
 class Factory : public NodeFactory {

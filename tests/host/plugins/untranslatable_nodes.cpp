@@ -72,6 +72,8 @@ std::vector<WrongCode> makeWrongCodes() {
         {"WrongType", "\tsampler2D colour = value;\n\tout_colour = value;\n"},
         {"RenamesTheFramework", "\tout_colour = value;\n#define QelShade Nothing\n"},
         {"OpenBrace", "\tout_colour = value; // }\n\t{\n"},
+        {"ClosedBrace", "\tout_colour = value;\n\t}\n"},
+        {"Comments", "\tout_colour = value; // {\n\t/* } */\n"},
         {"MovesLines", "#line 5000\n\tout_colour = value * nowhere;\n"},
     };
     constexpr int brackets = 256;
