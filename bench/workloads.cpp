@@ -68,7 +68,7 @@ void assemble(const MaterialDocument& document) {
     const StagedShader stages = placeInStages(material, flow);
     const ShaderNames names = nameShader(material, flow, stages);
     const RegisterAssignment registers = assignRegisters(material, flow, stages);
-    const PrintOptions options;
+    const PrintOptions options = {};
     const AssembledShader shader = {material, flow, stages, names, registers, options};
     printVertexProgram(shader);
     printFragmentProgram(shader);

@@ -104,7 +104,7 @@ class Joiner {
 public:
     Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors, ColourWidth colourWidth)
         : material_(material), graph_(graph), errors_(errors), colourWidth_(colourWidth) {
-        flow_.memory = std::make_unique<std::pmr::monotonic_buffer_resource>();
+        flow_.memory = std::make_shared<std::pmr::monotonic_buffer_resource>();
         indexByNode_.reserve(graph.generator.graph->nodes.size());
         flow_.nodes.reserve(graph.generator.graph->nodes.size());
     }
@@ -542,7 +542,7 @@ private:
             failAtCycle(order.cycle);
         }
         Dataflow result = withoutSources();
-        result.memory = std::move(flow_.memory);
+        result.memory = flow_.memory;
         result.nodes.reserve(static_cast<std::size_t>(std::count(needed.begin(), needed.end(), true)));
         std::vector<std::size_t> position(flow_.nodes.size(), noSource);
         const auto moved = [&](const ValueSource& source) {

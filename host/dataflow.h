@@ -36,7 +36,7 @@ struct DataflowNode {
 
 /// A material's shader as one graph of functions and parameters in which every input has its source.
 struct Dataflow {
-    std::unique_ptr<std::pmr::monotonic_buffer_resource> memory; ///< of the inputs of joined nodes
+    std::shared_ptr<std::pmr::monotonic_buffer_resource> memory; ///< of the inputs of joined nodes
     std::vector<DataflowNode> nodes; ///< only what an output needs; every source before what reads it
     ValueSource colour;              ///< three components, or one that is to be splatted; see ColourWidth
     ValueSource alpha;

@@ -176,10 +176,10 @@ private:
     void keepFormer() {
         std::error_code error;
         for (int attempt = 0; attempt < nameAttempts; ++attempt) {
-            const std::filesystem::path name = hiddenName(target_, attempt);
+            std::filesystem::path name = hiddenName(target_, attempt);
             std::filesystem::create_hard_link(target_, name, error);
             if (!error) {
-                former_ = name;
+                former_ = std::move(name); // needs no memory, without which the link would stay
                 return;
             }
             // GCOVR_EXCL_START: only file systems without hard links refuse for another reason
@@ -317,7 +317,7 @@ std::size_t writeFiles(const std::filesystem::path& directory, const std::vector
         for (const auto& replacement : replacements) {
             replacement->takePlace();
         }
-    } catch (const HostError&) {
+    } catch (...) {
         for (const auto& replacement : replacements) {
             replacement->giveBack();
         }

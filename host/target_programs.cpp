@@ -96,10 +96,11 @@ bool hasMatchingBraces(std::string_view code) {
 }
 
 // Compilers descend into what is nested, and end the process when it is nested too deep for their stack. That
-// grows with brackets, with the operators of an expression, and with alternatives.
+// grows with brackets, with the operators of an expression, with alternatives, and with loops.
 constexpr int bracketLimit = 256;
 constexpr int tokenLimit = 8192; // of a statement
 constexpr int elseLimit = 1024;
+constexpr int loopLimit = 128;
 
 /// How deep a compiler must descend into code.
 class Nesting {
@@ -114,6 +115,7 @@ public:
             return joinText({"it has more than ", std::to_string(limit), what});
         };
         return deepest_ > bracketLimit  ? tooMany(bracketLimit, " brackets within one another")
+               : loopCount_ > loopLimit ? tooMany(loopLimit, " loops")
                : longest_ > tokenLimit  ? tooMany(tokenLimit, " names and signs in one statement")
                : elseCount_ > elseLimit ? tooMany(elseLimit, " times \"else\"")
                                         : std::string();
@@ -128,6 +130,7 @@ private:
         roundDepth_ += token == "(" ? 1 : token == ")" && roundDepth_ > 0 ? -1 : 0;
         deepest_ = std::max(deepest_, depth_);
         elseCount_ += token == "else" ? 1 : 0;
+        loopCount_ += token == "for" || token == "while" ? 1 : 0;
         // what stands between the semicolons of `for ( ;; )` is no statement of its own
         const bool endsStatement = isBrace || (token == ";" && roundDepth_ == 0);
         length_ = endsStatement ? 0 : length_ + 1;
@@ -140,6 +143,7 @@ private:
     int length_ = 0;
     int longest_ = 0;
     int elseCount_ = 0;
+    int loopCount_ = 0;
 };
 
 /// The code that a failure is to be laid at: braces that do not match fail in what comes behind them.

@@ -32,10 +32,11 @@ void keepFirstComplaint(void* context, xmlErrorPtr error) {
     const bool isRefusal = error->level >= XML_ERR_ERROR; // and no mere warning
     if (isRefusal && run.complaint.empty()) {
         run.line = error->line;
-        // GCOVR_EXCL_BR_START: an error has a message unless memory is out
-        const char* message = error->message == nullptr ? "memory is out" : error->message;
+        // GCOVR_EXCL_BR_START: the tests that take memory away are others
+        const bool isMemoryOut = error->code == XML_ERR_NO_MEMORY || error->message == nullptr;
+        run.complaint = isMemoryOut ? "there is not enough memory to read this document"
+                                    : joinText({"this is not well-formed XML: ", error->message});
         // GCOVR_EXCL_BR_STOP
-        run.complaint = joinText({"this is not well-formed XML: ", message});
         run.complaint.resize(run.complaint.find_last_not_of('\n') + 1);
     }
 }
@@ -120,6 +121,7 @@ XmlPointer<xmlDoc> parseXml(std::string_view text, const std::string& file, std:
     XmlPointer<xmlDoc> xml(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
                                              nullptr, nullptr, XML_PARSE_NONET | XML_PARSE_HUGE));
     if (!xml || context->disableSAX != 0 || context->nsWellFormed == 0) {
+        requireMade(run.complaint.empty() ? nullptr : &run);
         throw HostError({file, run.line}, run.complaint);
     }
     return xml;
@@ -137,13 +139,14 @@ std::vector<std::pair<std::string, std::string>> readAttributes(xmlNode* element
 }
 
 XmlPointer<xmlDoc> makeDocument(const char* rootName) {
-    XmlPointer<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
-    xmlDocSetRootElement(document.get(), xmlNewNode(nullptr, xmlText(rootName)));
+    xmlResetLastError();
+    XmlPointer<xmlDoc> document(requireMade(xmlNewDoc(xmlText("1.0"))));
+    xmlDocSetRootElement(document.get(), requireMade(xmlNewNode(nullptr, xmlText(rootName))));
     return document;
 }
 
 xmlNode* appendElement(xmlNode* parent, const char* name) {
-    return xmlNewChild(parent, nullptr, xmlText(name), nullptr);
+    return requireMade(xmlNewChild(parent, nullptr, xmlText(name), nullptr));
 }
 
 std::string documentText(xmlDoc* document) {
@@ -151,6 +154,9 @@ std::string documentText(xmlDoc* document) {
     int size = 0;
     xmlDocDumpFormatMemoryEnc(document, &text, &size, "UTF-8", 1);
     const XmlPointer<xmlChar> owner(text);
+    // where memory was out, attributes lack their texts, and the end is missing
+    const xmlError* const error = xmlGetLastError();
+    requireMade(error != nullptr && error->code == XML_ERR_NO_MEMORY ? nullptr : text);
     return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
 }
 

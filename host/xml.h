@@ -28,7 +28,7 @@ using XmlPointer = std::unique_ptr<Object, XmlFree>;
 /// What libxml2 made: nothing only where memory is out. Throws std::bad_alloc then.
 template <typename Object>
 Object* requireMade(Object* made) {
-    if (made == nullptr) {      // GCOVR_EXCL_BR_LINE: no test takes the memory away
+    if (made == nullptr) {      // GCOVR_EXCL_BR_LINE: the tests that take memory away are others
         throw std::bad_alloc(); // GCOVR_EXCL_LINE: likewise
     }
     return made;

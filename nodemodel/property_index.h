@@ -39,6 +39,7 @@ class PropertyIndex {
 
         /// An iterator serves where a const_iterator is asked for.
         template <typename Other>
+        // cppcheck-suppress noExplicitConstructor
         requires(std::is_same_v<const Other, Entry>) Iterator(const Iterator<Other>& other)
             : entries_(other.entries_), place_(other.place_) {}
 

@@ -30,19 +30,19 @@ Outcome outcomeOf(const std::function<void()>& action) {
         return Outcome::Done;
     } catch (const std::bad_alloc&) {
         return Outcome::NoMemory;
-    } catch (const HostError& error) {
-        EXPECT_NE(std::string(error.what()).find("memory"), std::string::npos) << error.what();
+    } catch (const HostError&) { // of what libxml2 could not read
         return Outcome::Refused;
     }
 }
 
 /// Runs the action until no allocation of it fails, each time failing the next one. Each failure must arrive,
 /// and leave as many allocations as there were.
-void failEachAllocation(const std::function<void()>& action, const Check& check = {}) {
+void failEachAllocation(const std::function<void()>& action, const Check& check = {},
+                        testing::Heap heap = testing::Heap::OperatorNew) {
     action(); // makes what is made once for a process
     for (std::size_t passing = 0;; ++passing) {
         const std::size_t before = testing::liveAllocations();
-        testing::failAllocationAfter(passing);
+        testing::failAllocationAfter(heap, passing);
         const Outcome outcome = outcomeOf(action);
         const bool hasFailed = testing::stopFailing();
         const std::size_t after = testing::liveAllocations();
@@ -55,7 +55,9 @@ void failEachAllocation(const std::function<void()>& action, const Check& check 
             ASSERT_GT(passing, 0U) << "it allocates nothing";
             return;
         }
-        ASSERT_NE(outcome, Outcome::Done) << "allocation " << passing << " failed";
+        // libxml2 can do without some of what it asks for, and says of some other that something is missing
+        ASSERT_TRUE(outcome == Outcome::NoMemory || heap == testing::Heap::Xml)
+            << "allocation " << passing << " failed";
     }
 }
 
@@ -115,26 +117,27 @@ INSTANTIATE_TEST_SUITE_P(EveryType, AllocationFailure,
                          ::testing::Values("CoreDefault", "CoreVertexColour", "CoreUv", "CoreTexture",
                                            "CoreConstant", "CoreMaths", "CoreSwizzle", "CoreLayerBlend",
                                            "CoreAnimatedUv"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& type) { return std::string(type.param); });
 
-/// Every generating node type, connected.
-constexpr const char* everyNode = R"(
-<node id="uv" type="CoreUv"/>
-<node id="sheet" type="CoreAnimatedUv"/>
-<node id="paint" type="CoreTexture"/>
-<node id="tint" type="CoreConstant"><property name="Name" kind="String" value="Tint"/></node>
-<node id="wear" type="CoreVertexColour"/>
-<node id="sum" type="CoreMaths"/>
-<node id="red" type="CoreSwizzle"/>
-<node id="mix" type="CoreLayerBlend"/>
-)";
+/// Every node type but the placeholder, connected.
+std::string everyNode() {
+    return testing::node("uv", "CoreUv") + testing::node("sheet", "CoreAnimatedUv") +
+           testing::node("paint", "CoreTexture") +
+           testing::node("tint", "CoreConstant", testing::property("Name", "string", "Tint")) +
+           testing::node("wear", "CoreVertexColour") + testing::node("sum", "CoreMaths") +
+           testing::node("red", "CoreSwizzle") + testing::node("mix", "CoreLayerBlend") +
+           testing::output("colour", "mix", "out_value") +
+           testing::connection("uv", "read", "sheet", "in_uv") +
+           testing::connection("sheet", "out_uv1", "paint", "in_uv") +
+           testing::connection("paint", "out_colour", "sum", "in_value1") +
+           testing::connection("tint", "read", "sum", "in_value2") +
+           testing::connection("wear", "out_colour", "red", "in_vec") +
+           testing::connection("sum", "out_value", "mix", "in_value1") +
+           testing::connection("red", "out_x", "mix", "in_value2");
+}
 
 TEST(AllocationFailureOfGenerating, ReachesTheCaller) {
-    Material material = testing::built(everyNode + testing::output("colour", "sum", "out_value") +
-                                       testing::connection("paint", "out_colour", "sum", "in_value1") +
-                                       testing::connection("tint", "read", "sum", "in_value2") +
-                                       testing::connection("sheet", "out_uv", "paint", "in_uv") +
-                                       testing::connection("uv", "read", "sheet", "in_uv"));
+    Material material = testing::built(everyNode());
     resolveMaterial(material);
     failEachAllocation([&] { generateGraph(material); });
 }
@@ -148,48 +151,62 @@ std::map<std::string, std::string> filesIn(const fs::path& directory) {
     return files;
 }
 
-TEST(AllocationFailureOfAnExport, LeavesTheFilesOfTheOneBefore) {
-    testing::watchXmlAllocations();
-    const testing::TemporaryDirectory directory;
-    const fs::path document = directory.write(
-        "material.xml", testing::documentText(everyNode + testing::output("colour", "sum", "out_value") +
-                                              testing::connection("paint", "out_colour", "sum", "in_value1") +
-                                              testing::connection("tint", "read", "sum", "in_value2") +
-                                              testing::connection("sheet", "out_uv", "paint", "in_uv") +
-                                              testing::connection("uv", "read", "sheet", "in_uv")));
-    const PluginSet& plugins = testing::corePlugins();
-    const fs::path target = directory / "out";
-    Warnings warnings;
-    exportDocument(document, target, plugins, warnings);
-    const std::map<std::string, std::string> complete = filesIn(target);
-    std::map<std::string, std::string> earlier;
-    for (const auto& [name, text] : complete) {
-        earlier.emplace(name, name == "Sample.bindings.xml" ? text : "// of an earlier export\n");
-    }
-    const auto restore = [&] {
-        for (const auto& [name, text] : earlier) {
-            replaceFile(target / name, text);
+/// A material that was exported before, with other programs.
+class AllocationFailureOfAnExport : public ::testing::TestWithParam<testing::Heap> {
+protected:
+    AllocationFailureOfAnExport() {
+        testing::watchXmlAllocations();
+        exportAgain();
+        complete_ = filesIn(target_);
+        for (const auto& [name, text] : complete_) {
+            const bool isRead = name == "Sample.bindings.xml";
+            earlier_.emplace(name, isRead ? text : "// of an earlier export\n");
         }
-    };
-    restore();
-    failEachAllocation(
-        [&] {
-            Warnings unread;
-            exportDocument(document, target, plugins, unread);
-        },
-        [&](std::size_t failing) {
-            // each file as it was or as it shall be, and none beside them
-            const std::map<std::string, std::string> files = filesIn(target);
-            ASSERT_EQ(files.size(), complete.size()) << "allocation " << failing;
-            for (const auto& [name, text] : files) {
-                EXPECT_TRUE(text == complete.at(name) || text == earlier.at(name))
-                    << name << " of allocation " << failing;
-            }
-            if (files != earlier) {
-                restore();
-            }
-        });
+        restore();
+    }
+
+    void exportAgain() const {
+        Warnings warnings;
+        exportDocument(document_, target_, testing::corePlugins(), warnings);
+    }
+
+    /// Each file is as it was or as it shall be, and there is none beside them.
+    void requireWholeFiles(std::size_t failing) const {
+        const std::map<std::string, std::string> files = filesIn(target_);
+        ASSERT_EQ(files.size(), complete_.size()) << "allocation " << failing;
+        for (const auto& [name, text] : files) {
+            ASSERT_TRUE(text == complete_.at(name) || text == earlier_.at(name))
+                << name << " of allocation " << failing;
+        }
+        if (files != earlier_) {
+            restore();
+        }
+    }
+
+private:
+    void restore() const {
+        for (const auto& [name, text] : earlier_) {
+            replaceFile(target_ / name, text);
+        }
+    }
+
+    testing::TemporaryDirectory directory_;
+    fs::path document_ = directory_.write("material.xml", testing::documentText(everyNode()));
+    fs::path target_ = directory_ / "out";
+    std::map<std::string, std::string> complete_;
+    std::map<std::string, std::string> earlier_;
+};
+
+TEST_P(AllocationFailureOfAnExport, LeavesWholeFiles) {
+    failEachAllocation([&] { exportAgain(); }, [&](std::size_t failing) { requireWholeFiles(failing); },
+                       GetParam());
 }
+
+INSTANTIATE_TEST_SUITE_P(EitherHeap, AllocationFailureOfAnExport,
+                         ::testing::Values(testing::Heap::OperatorNew, testing::Heap::Xml),
+                         [](const auto& heap) {
+                             return heap.param == testing::Heap::Xml ? "Xml" : "OperatorNew";
+                         });
 
 } // namespace
 } // namespace patina

@@ -9,14 +9,17 @@
 
 namespace {
 
+using patina::testing::Heap;
+
 std::size_t live = 0;
 std::size_t passing = 0;
+Heap armedHeap = Heap::OperatorNew;
 bool isArmed = false;
 bool hasFailed = false;
 
 /// Whether this allocation is the one that must fail.
-bool mustFail() {
-    if (!isArmed || passing-- != 0) {
+bool mustFail(Heap heap) {
+    if (!isArmed || heap != armedHeap || passing-- != 0) {
         return false;
     }
     isArmed = false;
@@ -41,23 +44,25 @@ void* orThrow(void* memory) {
     return memory;
 }
 
-void* allocate(std::size_t size) { return mustFail() ? nullptr : counted(std::malloc(size == 0 ? 1 : size)); }
+void* allocate(std::size_t size) {
+    return mustFail(Heap::OperatorNew) ? nullptr : counted(std::malloc(size == 0 ? 1 : size));
+}
 
 void* allocateAligned(std::size_t size, std::align_val_t alignment) {
     const auto step = static_cast<std::size_t>(alignment);
-    return mustFail() ? nullptr : counted(std::aligned_alloc(step, (size + step - 1) / step * step));
+    return mustFail(Heap::OperatorNew) ? nullptr
+                                       : counted(std::aligned_alloc(step, (size + step - 1) / step * step));
 }
 
-void* reallocate(void* memory, std::size_t size) {
-    if (memory == nullptr) {
-        return allocate(size);
-    }
-    return mustFail() ? nullptr : std::realloc(memory, size);
+void* allocateForXml(std::size_t size) { return mustFail(Heap::Xml) ? nullptr : std::malloc(size); }
+
+void* reallocateForXml(void* memory, std::size_t size) {
+    return mustFail(Heap::Xml) ? nullptr : std::realloc(memory, size);
 }
 
-char* duplicate(const char* text) {
+char* duplicateForXml(const char* text) {
     const std::size_t size = std::strlen(text) + 1;
-    void* const copy = allocate(size);
+    void* const copy = allocateForXml(size);
     return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
 }
 
@@ -85,7 +90,8 @@ namespace patina::testing {
 
 std::size_t liveAllocations() { return live; }
 
-void failAllocationAfter(std::size_t count) {
+void failAllocationAfter(Heap heap, std::size_t count) {
+    armedHeap = heap;
     passing = count;
     hasFailed = false;
     isArmed = true;
@@ -97,7 +103,7 @@ bool stopFailing() {
 }
 
 void watchXmlAllocations() {
-    xmlMemSetup(release, allocate, reallocate, duplicate);
+    xmlMemSetup(std::free, allocateForXml, reallocateForXml, duplicateForXml);
     xmlInitParser();
 }
 

@@ -172,7 +172,7 @@ private:
     }
 
     static void present(MaterialNode& node, BindingCollection& bindings) {
-        require(node.caption() == node.caption(), "A caption changes.");
+        node.caption();
         const std::size_t before = bindings.bindings.size();
         // a host that updates nodes before it asks them for bindings does not get here otherwise
         if (!attempt([&] { node.updateFromProperties(nullptr); })) {

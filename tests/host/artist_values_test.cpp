@@ -70,7 +70,7 @@ const RestoreRow restoreRows[] = {
     {BindingKind::Position, {{"stream_type", "half"}}, {{"stream_type", "f16"}}},
     {BindingKind::Normal, {{"stream_type", "Packed"}}, {{"stream_type", "X11Y11Z10n"}}},
     {BindingKind::Normal, {{"stream_type", "X11Y11Z10n"}}, {{"stream_type", "X11Y11Z10n"}}},
-    {BindingKind::Position, {{"stream_normalize", "yes"}}, {{"stream_type", "x11y11z10n"}}},
+    {BindingKind::Position, {{"stream_normalize", "yes"}}, {{"stream_type", "X11Y11Z10n"}}},
     {BindingKind::Position,
      {{"stream_type", "short"}, {"stream_normalize", "yes"}},
      {{"stream_type", "s16n"}}},

@@ -188,7 +188,7 @@ TEST(ExportMaterial, BlamesTheNodeWhoseCodeCannotBeTranslated) {
          "sample.xml:1: error: Sample.frag.cg (line 20) cannot be translated: it is wrong"},
         {lit, "void surfaceCode", 1,
          "sample.xml:1: error: the framework: its function \"surfaceCode\" does not compile: it is wrong "
-         "(line 83 of "
+         "(line 95 of "
          "Sample.frag.cg); take out what a node's code redefines, or export it in Cg alone"},
     };
     for (const auto& [body, blamedText, lineOffset, message] : rows) {

@@ -124,9 +124,8 @@ TEST(PropertyIndex, ANameIsTakenOnce) {
 TEST(PropertyIndex, AnEntryKeepsTheNameItWasAddedUnder) {
     PropertyIndex index;
     {
-        std::string name = "another name, longer than any that fits into a string object";
+        const std::string name = "another name, longer than any that fits into a string object";
         index.emplace(name, makeProperty("Name"));
-        name = "gone";
     }
     const char* const added = "another name, longer than any that fits into a string object";
     EXPECT_EQ(namesOf(index), Strings{added});

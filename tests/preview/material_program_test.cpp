@@ -32,8 +32,7 @@ std::vector<std::string> warningsFor(const std::string& attribute, const std::st
     const GlContext context;
     Warnings warnings;
     Errors errors;
-    const MaterialProgram material(exported, MaterialInputs({}, {}, "m.xml", errors), context, warnings,
-                                   errors);
+    MaterialProgram(exported, MaterialInputs({}, {}, "m.xml", errors), context, warnings, errors);
     EXPECT_TRUE(errors.empty());
     std::vector<std::string> texts;
     for (const Warning& warning : warnings) {

@@ -200,7 +200,7 @@ TEST(ExportedTargets, WhatIsNestedTooDeepIsRefusedBeforeACompilerSeesIt) {
     for (const auto& [kind, excess] : {std::pair{"Brackets", "256 brackets within one another"},
                                        {"Blocks", "256 brackets within one another"},
                                        {"Signs", "8192 names and signs in one statement"},
-                                       {"Loops", "8192 names and signs in one statement"},
+                                       {"Loops", "128 loops"},
                                        {"Alternatives", "1024 times \"else\""}}) {
         for (const std::string depth : {"TooDeep", "Absurd"}) {
             EXPECT_EQ(

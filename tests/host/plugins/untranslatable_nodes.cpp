@@ -52,15 +52,15 @@ std::string repeated(const std::string& text, int count) {
 }
 
 /// What is nested as deep as each number says, the function's own braces among the brackets.
-std::vector<WrongCode> nestedCodes(const std::string& type, int brackets, int signs, int alternatives) {
+std::vector<WrongCode> nestedCodes(const std::string& type, int brackets, int signs, int loops,
+                                   int alternatives) {
     const std::string begin = "\tout_colour = value;\n\tfloat part = ";
     return {
         {type + "Brackets", begin + repeated("(", brackets - 1) + "1" + repeated(")", brackets - 1) + ";\n"},
         {type + "Blocks", begin + "1;\n" + repeated("{", brackets - 1) + repeated("}", brackets - 1)},
         {type + "Signs", begin + repeated("- ", signs - 5) + "1; // " + repeated("(", 1000) + "\n"},
-        {type + "Loops", begin + "1;\n" +
-                             repeated("for ( part = 1; part > 1; part = 1 ) ", (signs - 3) / 14) +
-                             "part = 1;\n"},
+        {type + "Loops",
+         begin + "1;\n" + repeated("for ( part = 1; part > 1; part = 1 ) ", loops) + "part = 1;\n"},
         {type + "Alternatives", begin + "1;\n\tif ( part > 1 ) part = 1;\n" +
                                     repeated("else if ( part > 2 ) part = 2;\n", alternatives)},
     };
@@ -78,12 +78,13 @@ std::vector<WrongCode> makeWrongCodes() {
     };
     constexpr int brackets = 256;
     constexpr int signs = 8192;
+    constexpr int loops = 128;
     constexpr int alternatives = 1024;
     constexpr int absurd = 200000;
     for (const std::vector<WrongCode>& nested :
-         {nestedCodes("Deep", brackets, signs, alternatives),
-          nestedCodes("TooDeep", brackets + 1, signs + 5, alternatives + 1),
-          nestedCodes("Absurd", absurd, absurd, absurd)}) {
+         {nestedCodes("Deep", brackets, signs, loops, alternatives),
+          nestedCodes("TooDeep", brackets + 1, signs + 5, loops + 1, alternatives + 1),
+          nestedCodes("Absurd", absurd, absurd, absurd, absurd)}) {
         codes.insert(codes.end(), nested.begin(), nested.end());
     }
     return codes;
