@@ -30,7 +30,7 @@ Outcome outcomeOf(const std::function<void()>& action) {
         return Outcome::Done;
     } catch (const std::bad_alloc&) {
         return Outcome::NoMemory;
-    } catch (const HostError&) { // of what libxml2 could not read
+    } catch (const std::exception&) { // of what libxml2 could not read
         return Outcome::Refused;
     }
 }
@@ -176,7 +176,7 @@ protected:
         ASSERT_EQ(files.size(), complete_.size()) << "allocation " << failing;
         for (const auto& [name, text] : files) {
             ASSERT_TRUE(text == complete_.at(name) || text == earlier_.at(name))
-                << name << " of allocation " << failing;
+                << name << " of allocation " << failing << ":\n" << text;
         }
         if (files != earlier_) {
             restore();

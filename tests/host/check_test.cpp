@@ -85,6 +85,19 @@ TEST(CheckMaterial, ReportsEveryCycleOnce) {
     EXPECT_EQ(referenceCycles, 1);
 }
 
+TEST(CheckMaterial, TellsAHundredCycles) {
+    std::string body = maths("end", "Invert") + output("colour", "end", "out_value");
+    for (int i = 0; i < 102; ++i) {
+        const std::string id = "m" + std::to_string(i);
+        body += maths(id, "Invert") + connection(id, "out_value", id, "in_value1");
+    }
+    int cycles = 0;
+    for (const std::string& error : errorsOf(checkMaterial(parsed(body), corePlugins()))) {
+        cycles += error.find("the connections form a cycle: ") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(cycles, 100);
+}
+
 TEST(CheckMaterial, ReportsWhatOnlyTheShaderShows) {
     // two names that Cg has taken, beside an error that is found earlier
     const CheckReport report = checkMaterial(
