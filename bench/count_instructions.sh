@@ -47,14 +47,14 @@ call_row() {
     row "$1 $2" 100 "$instructions" "$allocations"
 }
 
-# export_row DOCUMENT SMALL LARGE NODES: the cost of each node beyond SMALL, without that of making the document;
-# the document has NODES nodes for each unit of its size
-export_row() {
-    instructions=$(($(difference instructions "export/$1" "$2" "$3") -
-        $(difference instructions "document/$1" "$2" "$3")))
-    allocations=$(($(difference allocations "export/$1" "$2" "$3") -
-        $(difference allocations "document/$1" "$2" "$3")))
-    row "export $1, $2 to $3" $((($3 - $2) * $4)) "$instructions" "$allocations"
+# document_row DO START DOCUMENT SMALL LARGE NODES: what DO costs for each node beyond SMALL, without what START, from
+# which it starts, costs too; the document has NODES nodes for each unit of its size
+document_row() {
+    instructions=$(($(difference instructions "$1/$3" "$4" "$5") -
+        $(difference instructions "$2/$3" "$4" "$5")))
+    allocations=$(($(difference allocations "$1/$3" "$4" "$5") -
+        $(difference allocations "$2/$3" "$4" "$5")))
+    row "$1 $3, $4 to $5" $((($5 - $4) * $6)) "$instructions" "$allocations"
 }
 
 # memory_row TYPE: what one node holds while it lives
@@ -75,7 +75,8 @@ for type in $types; do
 done
 for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out:1; do
     for sizes in '10 100' '100 1000' '1000 10000'; do
-        export_row "${document%:*}" $sizes "${document#*:}"
+        document_row export document "${document%:*}" $sizes "${document#*:}"
+        document_row assemble build "${document%:*}" $sizes "${document#*:}"
     done
 done
 

@@ -1,7 +1,10 @@
+#include "corenodes/maths_node.h"
 #include "corenodes/texture_node.h"
 #include "tests/corenodes/node_checks.h"
 
 #include <gtest/gtest.h>
+
+#include <memory>
 
 namespace patina {
 namespace {
@@ -63,6 +66,23 @@ TEST(TextureNode, IsCaptionedWithItsName) {
     EXPECT_EQ(node.caption(), "Texture");
     node.setName("diffuse");
     EXPECT_EQ(node.caption(), "diffuse");
+}
+
+TEST(TextureNode, IsCaptionedAsWhatItRefersTo) {
+    const auto referTo = [](MaterialNode& node, const std::shared_ptr<MaterialNode>& referred) {
+        node.properties->find("Reference")->getNode() = referred;
+    };
+    const auto last = std::make_shared<TextureNode>();
+    last->setName("diffuse");
+    const auto middle = std::make_shared<TextureNode>();
+    referTo(*middle, last);
+    TextureNode first;
+    referTo(first, middle);
+    EXPECT_EQ(first.caption(), "diffuse");
+    // whatever a host assigns, though only textures are offered
+    const auto maths = std::make_shared<MathsNode>();
+    referTo(*middle, maths);
+    EXPECT_EQ(first.caption(), "Multiply");
 }
 
 struct Configuration {
