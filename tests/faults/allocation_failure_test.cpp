@@ -176,7 +176,8 @@ protected:
         ASSERT_EQ(files.size(), complete_.size()) << "allocation " << failing;
         for (const auto& [name, text] : files) {
             ASSERT_TRUE(text == complete_.at(name) || text == earlier_.at(name))
-                << name << " of allocation " << failing << ":\n" << text;
+                << name << " of allocation " << failing << ":\n"
+                << text;
         }
         if (files != earlier_) {
             restore();
