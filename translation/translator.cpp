@@ -22,6 +22,7 @@ public:
         const std::vector<SpirvParameter> parameters = readParameters(module, stage);
         placeParameters(module, stage, parameters);
         std::vector<TranslatedProgram> translated;
+        translated.reserve(targets.size());
         for (const ShaderTarget& target : targets) {
             translated.push_back(writeTarget(stage, module, parameters, target));
         }
