@@ -36,13 +36,48 @@ Case makeSum(InputKind kind, int width, std::size_t floatNode) {
     return {"promoteAndSplat", title, std::move(graph), std::move(sets)};
 }
 
-// From a scalar to every width, and from float to half. Half does not come to where float is asked for: one
-// reader that needs float makes float of what it reads.
+// From a scalar to every width, and from float to half. Half does not come to where float is asked for among
+// Core nodes: one reader that needs float makes float of what it reads.
 TEST_F(ChainExecution, Conversions) {
     for (const InputKind kind : {InputKind::Varying, InputKind::Uniform}) {
         for (const int width : {1, 2, 3, 4}) {
             for (const std::size_t floatNode : {0U, 1U, 2U}) {
                 expectReference(makeSum(kind, width, floatNode));
+            }
+        }
+    }
+}
+
+std::size_t addTypedCopy(Graph& graph, const PortOf& source, const std::string& type, int width) {
+    const std::size_t copy =
+        graph.add("TypedCopy", {{"Component Type", "string", type}, integer("Component Count", width)});
+    graph.connect(source, copy, "in_value");
+    return copy;
+}
+
+/// A value of one type is read as one of another.
+Case makeConversion(const std::string& from, int fromWidth, const std::string& to, int toWidth) {
+    Graph graph;
+    const PortOf source = graph.addInput(InputKind::Varying, fromWidth);
+    const std::size_t written = addTypedCopy(graph, source, from, fromWidth);
+    const std::size_t read = addTypedCopy(graph, {written, "out_value"}, to, toWidth);
+    graph.shown = {read, "out_value"};
+    const std::string title = from + std::to_string(fromWidth) + " to " + to + std::to_string(toWidth);
+    // fixed ends at 2
+    const Numbers numbers = from == "fixed" || to == "fixed" ? Numbers::Unit : Numbers::Wide;
+    std::vector<InputSet> sets = inputSets(graph, numbers, pointsOfCase() / 2, title);
+    return {"promoteAndSplat from " + from + " to " + to, title, std::move(graph), std::move(sets)};
+}
+
+TEST_F(ChainExecution, ConversionsOfEveryPairOfTypes) {
+    const std::vector<std::string> types = {"float", "half", "fixed"};
+    for (const std::string& from : types) {
+        for (const std::string& to : types) {
+            for (const int width : {1, 2, 3, 4}) {
+                expectReference(makeConversion(from, width, to, width));
+                if (width > 1) {
+                    expectReference(makeConversion(from, 1, to, width));
+                }
             }
         }
     }

@@ -135,6 +135,16 @@ BoundedVector shownVector(BoundedVector value) {
     return value;
 }
 
+const PluginSet& coreAndTypedPlugins() {
+    static const PluginSet plugins = [] {
+        PluginSet set;
+        set.add(PATINA_CORENODES);
+        set.add(PATINA_TYPED_NODES);
+        return set;
+    }();
+    return plugins;
+}
+
 /// Whether results may cross from vertices to fragments. Infinities do not survive that.
 bool runsPerVertex(const Graph& graph) {
     return std::any_of(graph.nodes.begin(), graph.nodes.end(), [](const GraphNode& node) {
@@ -146,7 +156,8 @@ bool runsPerVertex(const Graph& graph) {
 
 ShownPrograms exportShown(const Graph& graph) {
     Material material =
-        built(graph.elements() + output("colour", Graph::idOf(graph.shown.node), graph.shown.port));
+        built(graph.elements() + output("colour", Graph::idOf(graph.shown.node), graph.shown.port),
+              coreAndTypedPlugins());
     const ExportedMaterial exported = exportedFrom(material, {.showValue = true});
     return {exported.vertexProgram.content, exported.fragmentProgram.content};
 }

@@ -491,6 +491,15 @@ NodePorts animatedUvPorts(const GraphNode& node) {
     return {{{"in_frame", 1}, {"in_uv", 2}}, {{"out_uv1", 2}, {"out_uv2", 2}, {"out_blend", 1}}};
 }
 
+// ---- a copy of a type of its own; fixed is computed as half
+
+NodePorts typedCopyPorts(const GraphNode& node) {
+    const int width = static_cast<int>(node.number("Component Count", 1));
+    return {{{"in_value", width}},
+            {{"out_value", width}},
+            node.setting("Component Type", "float") == "float" ? &floatFormat : &halfFormat};
+}
+
 struct NodeType {
     NodePorts (*ports)(const GraphNode& node);
     Outputs (*evaluate)(const NodeCall& call);
@@ -512,6 +521,11 @@ const NodeType& typeOf(const GraphNode& node) {
           }}},
         {"CoreVertexColour", {vertexColourPorts, evaluateVertexColour}},
         {"CoreAnimatedUv", {animatedUvPorts, evaluateAnimatedUv}},
+        {"TypedCopy",
+         {typedCopyPorts,
+          [](const NodeCall& call) -> Outputs {
+              return {{"out_value", call["in_value"]}};
+          }}},
     };
     const auto found = types.find(node.type);
     if (found == types.end()) {

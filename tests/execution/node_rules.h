@@ -30,6 +30,7 @@ struct OutputRule {
 struct NodePorts {
     std::vector<InputRule> inputs;
     std::vector<OutputRule> outputs;
+    const Format* format = nullptr; ///< of all of them, whatever the readers ask for
 };
 
 NodePorts portsOf(const GraphNode& node);

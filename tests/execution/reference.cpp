@@ -73,6 +73,10 @@ void Reference::resolveFormats() {
                 resolved.format = &floatFormat;
             }
         }
+        if (ports.format != nullptr) {
+            resolved.format = ports.format;
+            resolved.outputFormats.clear();
+        }
         for (const OutputRule& output : ports.outputs) {
             resolved.outputFormats.try_emplace(output.name, resolved.format);
         }

@@ -54,9 +54,9 @@ std::string documentText(const std::string& body, const std::string& name) {
 
 MaterialDocument parsed(const std::string& body) { return parseMaterial(documentText(body), sampleFile); }
 
-Material built(const std::string& body) {
+Material built(const std::string& body, const PluginSet& plugins) {
     Warnings warnings;
-    Material material = buildMaterial(parsed(body), corePlugins(), warnings);
+    Material material = buildMaterial(parsed(body), plugins, warnings);
     for (const Warning& warning : warnings) {
         ADD_FAILURE() << diagnosticText(warning.position, "warning", warning.text);
     }

@@ -39,8 +39,8 @@ void expectErrorAt(const std::string& message, int line, std::initializer_list<s
 std::string documentText(const std::string& body, const std::string& name = "Sample");
 
 MaterialDocument parsed(const std::string& body);
-/// A live material of Core nodes, which must come without a warning.
-Material built(const std::string& body);
+/// A live material, which must come without a warning.
+Material built(const std::string& body, const PluginSet& plugins = corePlugins());
 std::string buildError(const std::string& body);
 ExportedMaterial exported(const std::string& body);
 /// An export, which must come without a warning.

@@ -1,0 +1,75 @@
+// A plug-in whose node copies a value of the type that it is told, whatever its readers ask for. Core nodes
+// take the type that their readers need, so that some conversions never stand between two of them.
+
+#include "nodemodel/nodemodel.h"
+#include "nodemodel/shader_error.h"
+#include "plugin/plugin.h"
+#include "shadergraph/shadergraph.h"
+
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace patina;
+
+constexpr const char* typedCopy = "TypedCopy";
+
+class TypedCopyNode : public MaterialNode {
+public:
+    TypedCopyNode() : MaterialNode(typedCopy) {
+        setName("Typed");
+        componentType_ = addProperty("Component Type", "Component Type: \"float\", \"half\" or \"fixed\".");
+        componentType_->setString("float");
+        componentCount_ = addProperty("Component Count", "Component Count: 1 to 4.");
+        componentCount_->setInteger(1);
+        inputs.emplace_back("in_value");
+        outputs.emplace_back("out_value");
+        TypedCopyNode::updateFromProperties(nullptr);
+    }
+
+    void updateFromProperties(void* /*hostContext*/) override {
+        inputs.front().setComponentCount(componentCount_->getInteger());
+        outputs.front().setComponentCount(componentCount_->getInteger());
+    }
+
+    void generateCode(GraphGenerator& generator) override {
+        const ShaderType type = {componentType(), componentCount_->getInteger(), 1, 1};
+        FunctionBuilder builder;
+        builder.addInput(type, "in_value");
+        builder.addOutput(type, "out_value");
+        builder.appendCode("\tout_value = in_value;\n");
+        const auto function = builder.makeNode(ExecutionLevel::Automatic, "typedCopy");
+        generator.addNode(function);
+        attachLinks(generator, function);
+    }
+
+private:
+    ComponentType componentType() const {
+        const std::string& name = componentType_->getString();
+        return name == "half"    ? ComponentType::Half
+               : name == "fixed" ? ComponentType::Fixed
+                                 : ComponentType::Float;
+    }
+
+    std::shared_ptr<Property> componentType_;
+    std::shared_ptr<Property> componentCount_;
+};
+
+class Factory : public NodeFactory {
+public:
+    Factory() { nodeLibrary.emplace_back(typedCopy); }
+
+    std::shared_ptr<MaterialNode> createNode(const std::string& name) override {
+        if (name != typedCopy) {
+            throw ShaderError("cannot create \"" + name + "\" node");
+        }
+        return std::make_shared<TypedCopyNode>();
+    }
+};
+
+} // namespace
+
+std::uint32_t GetMaterialLibVersion() { return patina::materialLibVersion; }
+
+patina::NodeFactory* CreateNodeFactory() { return new Factory(); }
