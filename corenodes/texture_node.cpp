@@ -7,6 +7,7 @@
 
 #include <array>
 #include <string_view>
+#include <typeinfo>
 
 namespace patina {
 
@@ -149,11 +150,15 @@ std::string TextureNode::caption() const {
     const TextureNode* texture = this;
     for (;;) {
         const MaterialNode* const referenced = texture->reference_->getNode().get();
-        const auto* const next = dynamic_cast<const TextureNode*>(referenced);
-        if (next == nullptr) {
-            return referenced == nullptr ? texture->name() : referenced->caption();
+        if (referenced == nullptr) {
+            return texture->name();
         }
-        texture = next;
+        // there are no kinds of texture nodes, and a cast that looks for them is most of the work of a long
+        // chain
+        if (typeid(*referenced) != typeid(TextureNode)) {
+            return referenced->caption();
+        }
+        texture = static_cast<const TextureNode*>(referenced);
     }
 }
 
