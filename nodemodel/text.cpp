@@ -27,21 +27,24 @@ bool appendShortFloat(std::string& text, float value) {
         return false;
     }
     std::size_t decimals = 0;
-    while (magnitude * powers[decimals] < smallest) { // exact: 24 bits of a float, 24 of 5 to the tenth
-        ++decimals;
-    }
-    const double scaled = magnitude * powers[decimals];
-    auto number = static_cast<std::uint32_t>(scaled);
-    const double rest = scaled - number;
-    if (rest > 0.5 || (rest == 0.5 && number % 2 != 0)) {
-        ++number;
-    }
-    if (number == beyond && decimals == 0) {
-        return false;
-    }
-    while (decimals > 0 && number % 10 == 0) {
-        number /= 10;
-        --decimals;
+    auto number = static_cast<std::uint32_t>(magnitude);
+    if (number != magnitude) {
+        while (magnitude * powers[decimals] < smallest) { // exact: 24 bits of a float, 24 of 5 to the tenth
+            ++decimals;
+        }
+        const double scaled = magnitude * powers[decimals];
+        number = static_cast<std::uint32_t>(scaled);
+        const double rest = scaled - number;
+        if (rest > 0.5 || (rest == 0.5 && number % 2 != 0)) {
+            ++number;
+        }
+        if (number == beyond && decimals == 0) {
+            return false;
+        }
+        while (decimals > 0 && number % 10 == 0) {
+            number /= 10;
+            --decimals;
+        }
     }
     std::array<char, 16> digits;
     char* const end = digits.data() + digits.size();
