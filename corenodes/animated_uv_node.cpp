@@ -12,7 +12,7 @@ constexpr std::string_view basicMode = "Basic";
 
 constexpr ShaderType scalarFloat = {ComponentType::Float, 1, 1, 1};
 
-// these lines have no leading tab
+// these lines have no leading tab; the columns are not taken off the frame, as textures repeat
 constexpr const char* frameCode = "float2 scale = float2( numColsRcp, numRowsRcp );\n"
                                   "float frame1 = in_frame;\n"
                                   "float frame2 = in_frame + 1.0f;\n"
@@ -30,24 +30,27 @@ constexpr const char* advancedCode = "out_offset1 = offset1;\n"
 /// Divided in double precision, then stored as a float; the reciprocal of zero is infinite.
 float reciprocal(std::int32_t count) { return static_cast<float>(1.0 / static_cast<double>(count)); }
 
+// the wording, "per-fragment.Usually", "to exposed" and the double blanks included, is what artists know
+constexpr auto ownProperties = declareProperties({
+    {"Rows", "Rows: the number of rows of frames in the texture"},
+    {"Columns", "Columns: the number of columns of frames in the texture"},
+    {"Mode", "Mode: how the offsets are exposed.  Use \"Basic\" to apply the offsets and scale to "
+             "a single uv set automatically, or use \"Advanced\" to exposed these parameters for "
+             "custom use."},
+    {"Execution Level", "Execution Level: force the animation to be done either per-vertex or "
+                        "per-fragment.Usually this should be left at \"Vertex\"."},
+});
+
 } // namespace
 
-AnimatedUvNode::AnimatedUvNode() : MaterialNode(staticTypeName(), 4) {
+AnimatedUvNode::AnimatedUvNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     // the name stays the type name
     setBodyColour(1.0F, 0.0F, 0.5F);
 
-    rows_ = addProperty("Rows", "Rows: the number of rows of frames in the texture");
+    takeOwnProperties(*this, {&rows_, &columns_, &mode_, &executionLevel_});
     rows_->setInteger(4);
-    columns_ = addProperty("Columns", "Columns: the number of columns of frames in the texture");
     columns_->setInteger(4);
-    mode_ = addProperty("Mode",
-                        "Mode: how the offsets are exposed.  Use \"Basic\" to apply the offsets and scale to "
-                        "a single uv set automatically, or use \"Advanced\" to exposed these parameters for "
-                        "custom use.");
     setEnumValues(*mode_, {basicMode, "Advanced"});
-    executionLevel_ =
-        addProperty("Execution Level", "Execution Level: force the animation to be done either per-vertex or "
-                                       "per-fragment.Usually this should be left at \"Vertex\".");
     setEnumValues(*executionLevel_, {"Vertex", "Fragment"});
 
     AnimatedUvNode::updateFromProperties(nullptr);
@@ -80,6 +83,7 @@ void AnimatedUvNode::generateCode(GraphGenerator& generator) {
     builder.declareConstant(scalarFloat, "numColsRcp", reciprocal(columns_->getInteger()));
     builder.appendCode(frameCode);
     builder.appendCode(isBasic() ? basicCode : advancedCode);
+    // never left to the host: whatever is not "Vertex" is per fragment
     const bool perVertex = executionLevel_->getEnum() == "Vertex";
     emitFunction(generator, *this, builder, perVertex ? ExecutionLevel::Vertex : ExecutionLevel::Fragment,
                  "animatedUv");

@@ -25,50 +25,48 @@ const char* vectorLabel(std::uint32_t count) {
     return count == 3 ? "xyz" : "xyzw";
 }
 
+// the wording, "to use add alpha" and the double blanks included, is what artists know
+constexpr auto ownProperties = declareProperties({
+    {"Constant Type", "Constant Type: the type of constant to present in Maya. Scalars generate a slider, "
+                      "colours generate a colour picker (with optional alpha) and vectors generate an array "
+                      "of sliders."},
+    {"Component Count", "Component Count: the number of values for vector constants.  "
+                        "This must be between 2 and 4."},
+    {"Default Colour", "Default Colour: the default value for colour constants."},
+    {"Min Scalar", "Min Scalar: the minimum value for scalar constants. This is the value at "
+                   "the left-hand side of the slider."},
+    {"Max Scalar", "Max Scalar: the maximum value for scalar constants. This is the value at "
+                   "the right-hand side of the slider."},
+    {"Default Scalar", "Default Scalar: the default value for scalar constants."},
+    {"Alpha", "Alpha: check this box in order to use add alpha to a constant colour."},
+    {"Default Alpha", "Default Alpha: the default alpha value."},
+    {"Lock", "Lock: when this box is checked, no binding is presented in Maya and the default "
+             "value is used in all cases. This can improve performance and should be used if the "
+             "value does not need to vary between meshes."},
+    {"Basic Colour", "Basic Colour: check this box to use this binding as the basic colour of the material."
+                     "  At most one constant and one texture can form the basic colour, which is used for "
+                     "QeliLocator preview and the vela diffuse term.  Only unlocked colour constants can be "
+                     "used as the basic colour.  If a material has no basic colours then the names of the "
+                     "bindings are used to guess which ones to use."},
+});
+
 } // namespace
 
-ConstantNode::ConstantNode() : MaterialNode(staticTypeName(), 10) {
+ConstantNode::ConstantNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("Constant");
     setBodyColour(0.8F, 1.0F, 0.8F);
 
-    constantType_ =
-        addProperty("Constant Type",
-                    "Constant Type: the type of constant to present in Maya. Scalars generate a slider, "
-                    "colours generate a colour picker (with optional alpha) and vectors generate an array "
-                    "of sliders.");
+    takeOwnProperties(*this, {&constantType_, &componentCount_, &defaultColour_, &minScalar_, &maxScalar_,
+                              &defaultScalar_, &alpha_, &defaultAlpha_, &lock_, &basicColour_});
     setEnumValues(*constantType_, {colourType, scalarType, componentType, vectorType});
-    componentCount_ =
-        addProperty("Component Count", "Component Count: the number of values for vector constants.  "
-                                       "This must be between 2 and 4.");
     componentCount_->setInteger(4);
-    defaultColour_ = addProperty("Default Colour", "Default Colour: the default value for colour constants.");
     defaultColour_->setColour(0.0F, 0.0F, 0.0F);
-    minScalar_ =
-        addProperty("Min Scalar", "Min Scalar: the minimum value for scalar constants. This is the value at "
-                                  "the left-hand side of the slider.");
     minScalar_->setFloat(0.0F);
-    maxScalar_ =
-        addProperty("Max Scalar", "Max Scalar: the maximum value for scalar constants. This is the value at "
-                                  "the right-hand side of the slider.");
     maxScalar_->setFloat(1.0F);
-    defaultScalar_ = addProperty("Default Scalar", "Default Scalar: the default value for scalar constants.");
     defaultScalar_->setFloat(1.0F);
-    alpha_ = addProperty("Alpha", "Alpha: check this box in order to use add alpha to a constant colour.");
     alpha_->setBool(false);
-    defaultAlpha_ = addProperty("Default Alpha", "Default Alpha: the default alpha value.");
     defaultAlpha_->setFloat(1.0F);
-    lock_ = addProperty("Lock",
-                        "Lock: when this box is checked, no binding is presented in Maya and the default "
-                        "value is used in all cases. This can improve performance and should be used if the "
-                        "value does not need to vary between meshes.");
     lock_->setBool(false);
-    basicColour_ =
-        addProperty("Basic Colour",
-                    "Basic Colour: check this box to use this binding as the basic colour of the material."
-                    "  At most one constant and one texture can form the basic colour, which is used for "
-                    "QeliLocator preview and the vela diffuse term.  Only unlocked colour constants can be "
-                    "used as the basic colour.  If a material has no basic colours then the names of the "
-                    "bindings are used to guess which ones to use.");
     basicColour_->setBool(false);
 
     ConstantNode::updateFromProperties(nullptr);
@@ -145,7 +143,7 @@ void ConstantNode::addBindings(BindingCollection& bindings) {
             binding->setMaxValue(i, maxScalar_->getFloat());
             binding->setDefaultValue(i, defaultScalar_->getFloat());
         }
-    } else {
+    } else { // any other type too, though its ports are a vector's
         binding = createBinding(BindingKind::Float, name(), alphaInUse() ? 4 : 3);
         binding->uiType = UiType::Colour;
         const std::array<float, 3> colour = defaultColour();

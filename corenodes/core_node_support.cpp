@@ -5,6 +5,17 @@
 
 namespace patina {
 
+std::vector<std::shared_ptr<Property>>::const_iterator ownPropertiesOf(const MaterialNode& node) {
+    return node.properties->items.begin() + detail::standardDeclarations.size();
+}
+
+void takeOwnProperties(const MaterialNode& node, std::initializer_list<std::shared_ptr<Property>*> handles) {
+    auto own = ownPropertiesOf(node);
+    for (std::shared_ptr<Property>* const handle : handles) {
+        *handle = *own++;
+    }
+}
+
 void addPort(std::vector<Port>& ports, const PortDeclaration& declaration) {
     Port& port = ports.emplace_back(declaration.name, declaration.label);
     if (declaration.componentCount != 0) {

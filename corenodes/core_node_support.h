@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,12 @@ const Row& findRow(const std::array<Row, Count>& table, const std::string& name,
         std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.name == name; });
     return found == table.end() ? otherwise : *found;
 }
+
+/// The first of the properties that a node's table declares beyond the standard ones.
+std::vector<std::shared_ptr<Property>>::const_iterator ownPropertiesOf(const MaterialNode& node);
+
+/// Gives each handle one of these, in the order of the table.
+void takeOwnProperties(const MaterialNode& node, std::initializer_list<std::shared_ptr<Property>*> handles);
 
 void addPort(std::vector<Port>& ports, const PortDeclaration& declaration);
 

@@ -67,13 +67,17 @@ void appendBlend(FunctionBuilder& builder, const BlendMode& mode, const ShaderTy
     builder.appendCode(mode.code);
 }
 
+constexpr auto ownProperties = declareProperties({
+    {"Mode", "Mode: the layer blend to perform."},
+});
+
 } // namespace
 
-LayerBlendNode::LayerBlendNode() : MaterialNode(staticTypeName(), 1) {
+LayerBlendNode::LayerBlendNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("LayerBlend");
     setBodyColour(0.44F, 0.71F, 0.19F);
 
-    mode_ = addProperty("Mode", "Mode: the layer blend to perform.");
+    takeOwnProperties(*this, {&mode_});
     setEnumValues(*mode_, blendModes);
 
     addPort(inputs, {"in_value1", "in1", 0});

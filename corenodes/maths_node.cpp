@@ -97,6 +97,7 @@ constexpr std::array<InputDefault, 11> inputDefaults = {{
      "Default Test 1: the default value for the port \"test1\" when no edge is connected.", 0.0F},
     {"in_test2", "Default Test 2",
      "Default Test 2: the default value for the port \"test2\" when no edge is connected.", 0.0F},
+    // two blanks before "The"
     {"in_power", "Default Power",
      "Default Power: the default value for the port \"power\" when no edge is connected.  The default for "
      "fresnel should be 5.",
@@ -104,6 +105,20 @@ constexpr std::array<InputDefault, 11> inputDefaults = {{
     {"in_scale", "Default Scale",
      "Default Scale: the default value for the port \"scale\" when no edge is connected.", 1.0F},
 }};
+
+constexpr auto ownProperties = declareProperties([] {
+    std::array<PropertyDeclaration, 2 + inputDefaults.size()> declarations = {};
+    declarations.front() = {"Function", "Function: the type of mathematical function to perform."};
+    for (std::size_t i = 0; i < inputDefaults.size(); ++i) {
+        declarations[1 + i] = {inputDefaults[i].propertyName, inputDefaults[i].help};
+    }
+    declarations.back() = {
+        "Execution Level",
+        "Execution Level: force the maths to be done either per-vertex or per-fragment, for "
+        "example to force some uv arithmetic to be done per-vertex (possibly using more "
+        "interpolants to do so). Usually this should be left at \"Automatic\"."};
+    return declarations;
+}());
 
 /// The index of the property that feeds an input, or the number of them when there is none.
 std::size_t defaultIndexOf(std::string_view portName) {
@@ -129,22 +144,18 @@ ExecutionLevel executionLevelFor(const std::string& level, const std::string& fu
 
 } // namespace
 
-MathsNode::MathsNode() : MaterialNode(staticTypeName(), 2 + defaultCount) {
+MathsNode::MathsNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("Maths");
     setBodyColour(1.0F, 0.5F, 0.5F);
 
-    function_ = addProperty("Function", "Function: the type of mathematical function to perform.");
+    auto own = ownPropertiesOf(*this);
+    function_ = *own++;
     setEnumValues(*function_, mathsFunctions);
     for (std::size_t i = 0; i < defaultCount; ++i) {
-        defaults_[i] = addProperty(inputDefaults[i].propertyName, inputDefaults[i].help);
+        defaults_[i] = *own++;
         defaults_[i]->setFloat(inputDefaults[i].value);
     }
-
-    executionLevel_ = addProperty("Execution Level", "Execution Level: force the maths to be done either "
-                                                     "per-vertex or per-fragment, for example to force some "
-                                                     "uv arithmetic to be done per-vertex (possibly using "
-                                                     "more interpolants to do so). Usually this should be "
-                                                     "left at \"Automatic\".");
+    executionLevel_ = *own;
     setEnumValues(*executionLevel_, {"Automatic", "Vertex", "Fragment"});
 
     MathsNode::updateFromProperties(nullptr);
@@ -155,8 +166,8 @@ const MathsFunction& MathsNode::function() const {
 }
 
 void MathsNode::updateFromProperties(void* /*hostContext*/) {
-    const MathsFunction& selected = function();
     clearPorts(*this);
+    const MathsFunction& selected = function();
     for (const std::shared_ptr<Property>& property : defaults_) {
         property->visible = false;
     }

@@ -39,22 +39,24 @@ constexpr std::array<Component, 4> components = {{
     {"out_w", "\tout_w = in_vec.w;\n", "in_w", "\tout_vec.w = in_w;\n"},
 }};
 
+// two blanks before "This"
+constexpr auto ownProperties = declareProperties({
+    {"Vector Type", "Vector Type: the quantity to split (or merge) into components."},
+    {"Component Count", "Component Count: the number of values for vector constants.  "
+                        "This must be between 2 and 4."},
+    {"Reverse", "Reverse: when checked, this merges components into a vector value instead of "
+                "splitting vector values into components."},
+});
+
 } // namespace
 
-SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName(), 3) {
+SwizzleNode::SwizzleNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("Swizzle");
     setBodyColour(0.5F, 0.5F, 1.0F);
 
-    vectorType_ =
-        addProperty("Vector Type", "Vector Type: the quantity to split (or merge) into components.");
+    takeOwnProperties(*this, {&vectorType_, &componentCount_, &reverse_});
     setEnumValues(*vectorType_, vectorTypes);
-    componentCount_ =
-        addProperty("Component Count", "Component Count: the number of values for vector constants.  "
-                                       "This must be between 2 and 4.");
-    componentCount_->setInteger(4);
-    reverse_ =
-        addProperty("Reverse", "Reverse: when checked, this merges components into a vector value instead of "
-                               "splitting vector values into components.");
+    componentCount_->setInteger(4); // the type that is set first makes 3 of it at once
     reverse_->setBool(false);
 
     SwizzleNode::updateFromProperties(nullptr);

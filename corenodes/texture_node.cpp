@@ -51,41 +51,39 @@ const ColourType& findColourType(const std::string& name) {
     return findRow(colourTypes, name, componentType);
 }
 
+constexpr auto ownProperties = declareProperties({
+    {"Reference", "Reference: can point to another texture to use the same name and settings. Only one "
+                  "binding will be created in Maya and shared between all references."},
+    {"Texture Type", "Texture Type: the type of texture to read. At the moment only 1D and 2D "
+                     "textures are supported, but this may be extended to 3D and CUBE in "
+                     "future."},
+    {"Colour Type", "Colour Type: the colour outputs to present from this node. Normal maps "
+                    "should always use the \"Normal\" or \"DXT5 Normal\" setting to properly "
+                    "unpack the normal from the texture."},
+    {"Alpha", "Alpha: check this box in order to use the alpha channel of the texture."},
+    {"sRGB", "sRGB: uncheck this box in order to read raw texture values without sRGB conversion. "
+             "Painted 8-bit art is usually saved in the sRGB colour space, however this box should "
+             "be unchecked to directly read HDR images or texture lookup data."},
+    // two blanks in "has  no", and no word on locked constants
+    {"Basic Colour", "Basic Colour: check this box to use this binding as the basic colour of the material."
+                     "  At most one constant and one texture can form the basic colour, which is used for "
+                     "QeliLocator preview and the vela diffuse term.  If a material has  no basic colours "
+                     "then the names of the bindings are used to guess which ones to use."},
+});
+
 } // namespace
 
-TextureNode::TextureNode() : MaterialNode(staticTypeName(), 6) {
+TextureNode::TextureNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("Texture");
     setBodyColour(1.0F, 1.0F, 0.5F);
 
-    reference_ = addProperty(
-        "Reference", "Reference: can point to another texture to use the same name and settings. Only one "
-                     "binding will be created in Maya and shared between all references.");
+    takeOwnProperties(*this, {&reference_, &textureType_, &colourType_, &alpha_, &srgb_, &basicColour_});
     reference_->addNodeTypename(staticTypeName());
-    textureType_ =
-        addProperty("Texture Type", "Texture Type: the type of texture to read. At the moment only 1D and 2D "
-                                    "textures are supported, but this may be extended to 3D and CUBE in "
-                                    "future.");
     setEnumValues(*textureType_, {"1D", "2D"});
     textureType_->setEnum("2D");
-    colourType_ =
-        addProperty("Colour Type", "Colour Type: the colour outputs to present from this node. Normal maps "
-                                   "should always use the \"Normal\" or \"DXT5 Normal\" setting to properly "
-                                   "unpack the normal from the texture.");
     setEnumValues(*colourType_, colourTypes);
-    alpha_ = addProperty("Alpha", "Alpha: check this box in order to use the alpha channel of the texture.");
     alpha_->setBool(false);
-    srgb_ = addProperty(
-        "sRGB", "sRGB: uncheck this box in order to read raw texture values without sRGB conversion. "
-                "Painted 8-bit art is usually saved in the sRGB colour space, however this box should "
-                "be unchecked to directly read HDR images or texture lookup data.");
     srgb_->setBool(true);
-    // two blanks in "has  no", and no word on locked constants
-    basicColour_ =
-        addProperty("Basic Colour",
-                    "Basic Colour: check this box to use this binding as the basic colour of the material."
-                    "  At most one constant and one texture can form the basic colour, which is used for "
-                    "QeliLocator preview and the vela diffuse term.  If a material has  no basic colours "
-                    "then the names of the bindings are used to guess which ones to use.");
     basicColour_->setBool(false);
     settings_ = {textureType_, colourType_, alpha_, srgb_, basicColour_};
 
@@ -137,6 +135,7 @@ void TextureNode::updateFromProperties(void* /*hostContext*/) {
     if (!referenced) {
         alpha_->editable = !type.fourComponents;
         if (type.fourComponents) {
+            // stays so when the type changes back
             alpha_->setBool(true);
         }
     }
@@ -191,6 +190,7 @@ void TextureNode::generateCode(GraphGenerator& generator) {
     builder.appendCode(joinText({"\t", typeText(resolvedType(*this, sampleCount)), " value = ",
                                  resolvedPrecision == floatPrecision ? "f" : "h", std::to_string(sampleCount),
                                  "tex", is1D ? "1D" : "2D", "( in_sampler, in_uv );\n"}));
+    // of a vector too: all but its alpha
     if (convertsFromSrgb()) {
         builder.appendCode("\tvalue.xyz = QelSrgbToLinear( value.xyz );\n");
     }

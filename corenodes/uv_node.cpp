@@ -7,14 +7,21 @@ namespace patina {
 
 using namespace detail;
 
-UvNode::UvNode() : MaterialNode(staticTypeName(), 1) {
+namespace {
+
+constexpr auto ownProperties = declareProperties({
+    {"Primary", "Primary: this box can be checked to hint this uv for use when generating tangents and "
+                "binormals. Most of the time this is not necessary to set manually and should be left "
+                "unchecked."},
+});
+
+} // namespace
+
+UvNode::UvNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("Uv");
     setBodyColour(0.8F, 0.8F, 1.0F);
 
-    primary_ = addProperty(
-        "Primary", "Primary: this box can be checked to hint this uv for use when generating tangents and "
-                   "binormals. Most of the time this is not necessary to set manually and should be left "
-                   "unchecked.");
+    takeOwnProperties(*this, {&primary_});
     primary_->setBool(false);
 
     addPort(outputs, {"read", "uv", 2});

@@ -5,13 +5,21 @@
 
 namespace patina {
 
-VertexColourNode::VertexColourNode() : MaterialNode(staticTypeName(), 2) {
+namespace {
+
+constexpr auto ownProperties = declareProperties({
+    {"Colour Type", "Colour Type: the colour outputs to present from this node."},
+    {"Alpha", "Alpha: check this box in order to use vertex alpha."},
+});
+
+} // namespace
+
+VertexColourNode::VertexColourNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
     setName("VertexColour");
     setBodyColour(1.0F, 0.8F, 1.0F);
 
-    colourType_ = addProperty("Colour Type", "Colour Type: the colour outputs to present from this node.");
+    takeOwnProperties(*this, {&colourType_, &alpha_});
     setEnumValues(*colourType_, {"Colour", "Component", "Vector"});
-    alpha_ = addProperty("Alpha", "Alpha: check this box in order to use vertex alpha.");
     alpha_->setBool(false);
 
     VertexColourNode::updateFromProperties(nullptr);

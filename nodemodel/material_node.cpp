@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t floatPrecision = 2;
 constexpr std::uint32_t halfPrecision = 3;
 
-constexpr std::size_t standardPropertyCount = 8;
+constexpr auto standardTable = declareProperties(std::array<PropertyDeclaration, 0>());
 
 constexpr std::uint32_t freeTextStyle = 1;
 constexpr std::uint32_t webAddressStyle = 2;
@@ -33,45 +33,41 @@ int findPortIndex(const std::vector<Port>& ports, std::string_view portName) {
 
 } // namespace
 
-MaterialNode::MaterialNode(const std::string& type, std::size_t ownProperties)
-    : properties(std::make_shared<PropertySet>()) {
-    properties->reserve(standardPropertyCount + ownProperties);
+MaterialNode::MaterialNode(const std::string& type) : MaterialNode(type, standardTable.layout()) {}
 
-    typeProperty = addProperty("Type", "Type: the internal type of the node.");
+MaterialNode::MaterialNode(const std::string& type, const PropertyLayout& layout)
+    : properties(std::make_shared<PropertySet>()) {
+    properties->addNew(layout);
+    const std::span<std::shared_ptr<Property>> items(properties->items);
+
+    typeProperty = items[0];
     typeProperty->setString(type);
     typeProperty->editable = false;
 
-    nameProperty = addProperty("Name", "Name: the name entered here will correspond to the binding name "
-                                       "presented in Maya.");
+    nameProperty = items[1];
     nameProperty->setString(type);
 
-    bindingIndexProperty = addProperty("BindingIndex", "");
+    bindingIndexProperty = items[2];
     bindingIndexProperty->setInteger(0);
     bindingIndexProperty->visible = false;
 
-    bindingGroupProperty = addProperty("BindingGroup", "");
+    bindingGroupProperty = items[3];
     bindingGroupProperty->setString("");
     bindingGroupProperty->visible = false;
 
-    positionXProperty = addProperty("PositionX", "");
+    positionXProperty = items[4];
     positionXProperty->setFloat(0.0F);
     positionXProperty->visible = false;
 
-    positionYProperty = addProperty("PositionY", "");
+    positionYProperty = items[5];
     positionYProperty->setFloat(0.0F);
     positionYProperty->visible = false;
 
-    // the wording, "used a tooltip" and "accessable" included, is what artists' documents and tools know
-    descriptionProperty = addProperty(
-        "Description",
-        "Description: if this node generates a Maya binding, then this description will be used a "
-        "tooltip for the binding. Otherwise this is a space for general notes about the node.");
+    descriptionProperty = items[6];
     descriptionProperty->setString("");
     descriptionProperty->stringStyle = freeTextStyle;
 
-    helpUrlProperty =
-        addProperty("Help Url", "Help Url: if this node generates a Maya binding then this Url will "
-                                "be accessable from a button on the binding Ui.");
+    helpUrlProperty = items[7];
     helpUrlProperty->setString("");
     helpUrlProperty->stringStyle = webAddressStyle;
 }
@@ -102,7 +98,7 @@ void MaterialNode::resolveComponentCounts() {
             conflict = true;
         }
     }
-    if (conflict) {
+    if (conflict) { // no flag is ever taken back
         for (Port& input : inputs) {
             if (!input.componentCountFixed) {
                 input.componentCountConflict = true;
@@ -122,7 +118,7 @@ void MaterialNode::resolveComponentCounts() {
         }
     }
     for (Port& output : outputs) {
-        if (!output.componentCountFixed) {
+        if (!output.componentCountFixed) { // known or not, unlike precisions
             output.componentCount = resolvedComponentCount;
             output.componentCountKnown = true;
         }

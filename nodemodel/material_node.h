@@ -31,9 +31,10 @@ struct BindingCollection;
 /// Virtual operations keep their order: hosts and plug-ins that were built apart agree on it.
 class MaterialNode {
 public:
-    /// Makes the standard properties; the name starts as the type name. For derived classes, which may say
-    /// how many properties they will add, so that there is room for them from the start.
-    explicit MaterialNode(const std::string& type, std::size_t ownProperties = 0);
+    /// Makes the standard properties; the name starts as the type name.
+    explicit MaterialNode(const std::string& type);
+    /// Makes all properties of a table; for types that have many of their own, which cost less made at once.
+    MaterialNode(const std::string& type, const PropertyLayout& layout);
 
     virtual ~MaterialNode();
 

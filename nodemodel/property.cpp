@@ -63,9 +63,10 @@ void Property::addEnumValue(std::string_view text) {
     if (allows(text)) {
         throw ShaderError(joinText({"enum \"", text, "\" is not unique"}));
     }
+    std::string first(allowedValues.empty() ? text : std::string_view());
     allowedValues.emplace_back(text);
     if (allowedValues.size() == 1) {
-        stringValue = text;
+        stringValue.swap(first);
     }
     kind = PropertyType::Enum;
 }
@@ -77,7 +78,7 @@ void Property::addNodeTypename(std::string_view text) {
 
 bool Property::getBool() const {
     require(PropertyType::Bool, "bool");
-    return intValue == 1;
+    return intValue == 1; // any other number is false
 }
 
 std::int32_t Property::getInteger() const {
@@ -137,12 +138,18 @@ void Property::copyFrom(const Property& source) {
     nodeValue = source.nodeValue;
 }
 
-void PropertySet::reserve(std::size_t count) {
-    items.reserve(count);
-    byName.reserve(count);
+void PropertySet::addNew(const PropertyLayout& layout) {
+    items.reserve(layout.declarations().size());
+    for (const PropertyDeclaration& declaration : layout.declarations()) {
+        items.push_back(std::make_shared<Property>(declaration.name, declaration.help));
+    }
+    byName.assign(items, layout.order());
 }
 
 void PropertySet::add(const std::shared_ptr<Property>& property) {
+    if (items.size() == items.capacity()) {
+        items.reserve(2 * items.size() + 1); // what may fail comes first
+    }
     if (!byName.emplace(property->name, property).second) {
         throw ShaderError(joinText({"property with name \"", property->name, "\" already exists"}));
     }

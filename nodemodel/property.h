@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodemodel/property_index.h"
+#include "nodemodel/property_table.h"
 
 #include <array>
 #include <cstddef>
@@ -94,8 +95,8 @@ struct PropertySet {
     std::vector<std::shared_ptr<Property>> items;
     PropertyIndex byName;
 
-    /// Makes room for that many properties in all; spares moving them while they are added.
-    void reserve(std::size_t count);
+    /// Makes new properties as the layout declares them, that read as bool false. Only for an empty set.
+    void addNew(const PropertyLayout& layout);
 
     /// Appends; shares ownership. Throws, changing nothing, when the name is taken.
     void add(const std::shared_ptr<Property>& property);

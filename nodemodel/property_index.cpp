@@ -1,5 +1,6 @@
 #include "nodemodel/property_index.h"
 
+#include "nodemodel/property.h"
 #include "nodemodel/text.h"
 
 #include <algorithm>
@@ -22,16 +23,17 @@ int compareNames(const std::string& left, std::string_view right) {
 
 } // namespace
 
-PropertyIndex& PropertyIndex::operator=(PropertyIndex other) noexcept {
-    entries_.swap(other.entries_);
-    order_.swap(other.order_);
-    return *this;
+PropertyIndex::PropertyIndex(const PropertyIndex& other) {
+    order_.reserve(other.size());
+    for (const value_type* const entry : other.order_) {
+        order_.push_back(&append(entry->first, entry->second));
+    }
 }
 
-void PropertyIndex::reserve(std::size_t count) {
-    // first: there is always room for the number of an entry that there is room for
-    order_.reserve(count);
-    entries_.reserve(count);
+PropertyIndex& PropertyIndex::operator=(PropertyIndex other) noexcept {
+    pieces_.swap(other.pieces_);
+    order_.swap(other.order_);
+    return *this;
 }
 
 PropertyIndex::Rank PropertyIndex::rankOf(std::string_view name) const {
@@ -39,7 +41,7 @@ PropertyIndex::Rank PropertyIndex::rankOf(std::string_view name) const {
     std::size_t last = order_.size();
     while (first != last) {
         const std::size_t middle = first + (last - first) / 2;
-        const int order = compareNames(entries_[order_[middle]].first, name);
+        const int order = compareNames(order_[middle]->first, name);
         if (order == 0) {
             return {middle, true};
         }
@@ -52,14 +54,27 @@ PropertyIndex::Rank PropertyIndex::rankOf(std::string_view name) const {
     return {first, false};
 }
 
-PropertyIndex::iterator PropertyIndex::find(std::string_view name) {
+PropertyIndex::value_type* PropertyIndex::entryOf(std::string_view name) const {
     const Rank rank = rankOf(name);
-    return rank.isTaken ? entryAt(rank.value) : end();
+    return rank.isTaken ? order_[rank.value] : nullptr;
 }
 
-PropertyIndex::const_iterator PropertyIndex::find(std::string_view name) const {
-    const Rank rank = rankOf(name);
-    return rank.isTaken ? entryAt(rank.value) : end();
+PropertyIndex::value_type* PropertyIndex::entryAt(std::size_t place) const {
+    return place == order_.size() ? nullptr : order_[place];
+}
+
+std::size_t PropertyIndex::placeOf(const value_type* entry) const {
+    return entry == nullptr ? order_.size() : rankOf(entry->first).value;
+}
+
+PropertyIndex::value_type& PropertyIndex::append(std::string_view name, std::shared_ptr<Property> property) {
+    if (pieces_.empty() || pieces_.back().size() == pieces_.back().capacity()) {
+        // there may be room for more than there are entries yet
+        std::vector<value_type> piece;
+        piece.reserve(std::max<std::size_t>(order_.capacity() - order_.size(), 1));
+        pieces_.push_back(std::move(piece));
+    }
+    return pieces_.back().emplace_back(name, std::move(property));
 }
 
 std::shared_ptr<Property>& PropertyIndex::at(std::string_view name) {
@@ -75,18 +90,17 @@ const std::shared_ptr<Property>& PropertyIndex::at(std::string_view name) const 
 }
 
 std::pair<PropertyIndex::iterator, bool> PropertyIndex::emplace(std::string_view name,
-                                                                const std::shared_ptr<Property>& property) {
+                                                                std::shared_ptr<Property> property) {
     const Rank rank = rankOf(name);
     if (rank.isTaken) {
-        return {entryAt(rank.value), false};
+        return {{this, order_[rank.value]}, false};
     }
-    if (entries_.size() == entries_.capacity()) {
-        reserve(2 * entries_.size() + 1);
+    if (order_.size() == order_.capacity()) {
+        order_.reserve(2 * order_.size() + 1);
     }
-    const auto number = static_cast<std::uint32_t>(entries_.size());
-    entries_.emplace_back(name, property);
-    order_.insert(order_.begin() + static_cast<std::ptrdiff_t>(rank.value), number);
-    return {entryAt(rank.value), true};
+    value_type* const entry = &append(name, std::move(property));
+    order_.insert(order_.begin() + static_cast<std::ptrdiff_t>(rank.value), entry);
+    return {{this, entry}, true};
 }
 
 std::shared_ptr<Property>& PropertyIndex::operator[](std::string_view name) {
@@ -103,22 +117,32 @@ std::size_t PropertyIndex::erase(std::string_view name) {
 }
 
 PropertyIndex::iterator PropertyIndex::erase(const_iterator position) {
-    const auto rank = static_cast<std::size_t>(position.place_ - order_.data());
-    PropertyIndex rest;
-    rest.reserve(size() - 1);
-    for (const value_type& entry : *this) {
-        if (&entry != &*position) {
-            rest.emplace(entry.first, entry.second);
-        }
-    }
-    *this = std::move(rest);
-    return entryAt(rank);
+    const std::size_t place = placeOf(position.entry_);
+    order_[place]->second = nullptr;
+    order_.erase(order_.begin() + static_cast<std::ptrdiff_t>(place));
+    return {this, entryAt(place)};
 }
 
 void PropertyIndex::clear() { *this = PropertyIndex(); }
 
+void PropertyIndex::assign(std::span<const std::shared_ptr<Property>> properties,
+                           std::span<const std::uint32_t> order) {
+    PropertyIndex all;
+    all.order_.reserve(properties.size());
+    std::vector<value_type>& entries = all.pieces_.emplace_back();
+    entries.reserve(properties.size());
+    for (const std::shared_ptr<Property>& property : properties) {
+        entries.emplace_back(property->name, property);
+    }
+    for (const std::uint32_t place : order) {
+        all.order_.push_back(&entries[place]);
+    }
+    *this = std::move(all);
+}
+
 bool operator==(const PropertyIndex& left, const PropertyIndex& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
+    return std::equal(left.order_.begin(), left.order_.end(), right.order_.begin(), right.order_.end(),
+                      [](const auto* one, const auto* other) { return *one == *other; });
 }
 
 } // namespace patina

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -15,16 +16,16 @@ namespace patina {
 struct Property;
 
 /// An ordered map from name to shared property, used as std::map is, for the few dozen properties that a node
-/// has: the entries lie in one piece of memory and are found by halving a list of their numbers.
+/// has: the entries lie in few pieces of memory and are found by halving a list of them.
 ///
-/// Looking up costs what it costs in std::map. So does adding a name that comes after all others; for any
-/// other name, the numbers of those behind it move up, and erasing copies the entries that stay.
+/// Looking up costs what it costs in std::map, and so does a step from an entry to the next. For a new name,
+/// the list moves up from there. Iterators and references hold until their entry goes, as those of std::map.
 ///
-/// Ownership: shares the properties and has its own copies of the names.
-/// Threads: as Property.
-/// Errors: at() throws std::out_of_range. What fails, for want of memory, changes nothing.
+/// Ownership: shares the properties and has its own copies of the names; that of an erased entry goes with
+/// the index. Threads: as Property. Errors: at() throws std::out_of_range. What fails, for want of memory,
+/// changes nothing.
 class PropertyIndex {
-    /// Goes through the entries in the order of their names. Ends with the next change of the index.
+    /// Goes through the entries in the order of their names.
     template <typename Entry>
     class Iterator {
     public:
@@ -35,30 +36,37 @@ class PropertyIndex {
         using reference = Entry&;
 
         Iterator() = default;
-        Iterator(Entry* entries, const std::uint32_t* place) : entries_(entries), place_(place) {}
 
         /// An iterator serves where a const_iterator is asked for.
         template <typename Other>
         // cppcheck-suppress noExplicitConstructor
         requires(std::is_same_v<const Other, Entry>) Iterator(const Iterator<Other>& other)
-            : entries_(other.entries_), place_(other.place_) {}
+            : index_(other.index_), entry_(other.entry_) {}
 
-        reference operator*() const { return entries_[*place_]; }
-        pointer operator->() const { return &entries_[*place_]; }
+        reference operator*() const { return *entry_; }
+        pointer operator->() const { return entry_; }
 
         Iterator& operator++() {
-            ++place_;
+            entry_ = index_->entryAt(index_->placeOf(entry_) + 1);
             return *this;
         }
-        Iterator operator++(int) { return {entries_, place_++}; }
+        Iterator operator++(int) {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
         Iterator& operator--() {
-            --place_;
+            entry_ = index_->entryAt(index_->placeOf(entry_) - 1);
             return *this;
         }
-        Iterator operator--(int) { return {entries_, place_--}; }
+        Iterator operator--(int) {
+            const Iterator before = *this;
+            --*this;
+            return before;
+        }
 
         friend bool operator==(const Iterator& left, const Iterator& right) {
-            return left.place_ == right.place_;
+            return left.entry_ == right.entry_;
         }
 
     private:
@@ -66,8 +74,10 @@ class PropertyIndex {
         template <typename Other>
         friend class Iterator;
 
-        Entry* entries_ = nullptr;
-        const std::uint32_t* place_ = nullptr;
+        Iterator(const PropertyIndex* index, Entry* entry) : index_(index), entry_(entry) {}
+
+        const PropertyIndex* index_ = nullptr;
+        Entry* entry_ = nullptr; ///< null behind the last
     };
 
 public:
@@ -82,27 +92,24 @@ public:
     using const_iterator = Iterator<const value_type>;
 
     PropertyIndex() = default;
-    PropertyIndex(const PropertyIndex&) = default;
+    PropertyIndex(const PropertyIndex& other);
     PropertyIndex(PropertyIndex&&) noexcept = default;
     PropertyIndex& operator=(PropertyIndex other) noexcept;
     ~PropertyIndex() = default;
 
-    /// Makes room for that many entries in all.
-    void reserve(std::size_t count);
+    std::size_t size() const { return order_.size(); }
+    bool empty() const { return order_.empty(); }
 
-    std::size_t size() const { return entries_.size(); }
-    bool empty() const { return entries_.empty(); }
-
-    iterator begin() { return entryAt(0); }
-    iterator end() { return entryAt(order_.size()); }
-    const_iterator begin() const { return entryAt(0); }
-    const_iterator end() const { return entryAt(order_.size()); }
+    iterator begin() { return {this, entryAt(0)}; }
+    iterator end() { return {this, nullptr}; }
+    const_iterator begin() const { return {this, entryAt(0)}; }
+    const_iterator end() const { return {this, nullptr}; }
 
     /// @name Exact lookup
     /// @{
-    iterator find(std::string_view name);
-    const_iterator find(std::string_view name) const;
-    bool contains(std::string_view name) const { return find(name) != end(); }
+    iterator find(std::string_view name) { return {this, entryOf(name)}; }
+    const_iterator find(std::string_view name) const { return {this, entryOf(name)}; }
+    bool contains(std::string_view name) const { return entryOf(name) != nullptr; }
     std::size_t count(std::string_view name) const { return contains(name) ? 1 : 0; }
     std::shared_ptr<Property>& at(std::string_view name);
     const std::shared_ptr<Property>& at(std::string_view name) const;
@@ -111,7 +118,7 @@ public:
     /// @name Changes
     /// Inserting under a name that is taken changes nothing and gives the entry that has it.
     /// @{
-    std::pair<iterator, bool> emplace(std::string_view name, const std::shared_ptr<Property>& property);
+    std::pair<iterator, bool> emplace(std::string_view name, std::shared_ptr<Property> property);
     std::pair<iterator, bool> insert(const value_type& entry) { return emplace(entry.first, entry.second); }
     /// The property of that name, which is empty until it is assigned where there was none.
     std::shared_ptr<Property>& operator[](std::string_view name);
@@ -120,6 +127,9 @@ public:
     /// Gives the entry behind the one that went.
     iterator erase(const_iterator position);
     void clear();
+    /// Replaces all entries: one for each property, under its name. `order` has the properties' places by
+    /// ascending name, and no name is there twice.
+    void assign(std::span<const std::shared_ptr<Property>> properties, std::span<const std::uint32_t> order);
     /// @}
 
     /// The same names for the same properties.
@@ -133,11 +143,17 @@ private:
     };
     Rank rankOf(std::string_view name) const;
 
-    iterator entryAt(std::size_t rank) { return {entries_.data(), order_.data() + rank}; }
-    const_iterator entryAt(std::size_t rank) const { return {entries_.data(), order_.data() + rank}; }
+    /// The entry of that name, or null.
+    value_type* entryOf(std::string_view name) const;
+    /// The entry at a place in the order, or null behind the last; and the other way round.
+    value_type* entryAt(std::size_t place) const;
+    std::size_t placeOf(const value_type* entry) const;
 
-    std::vector<value_type> entries_;  ///< in the order in which they were added
-    std::vector<std::uint32_t> order_; ///< the entries' numbers in the order of their names
+    /// Makes an entry that is in no order yet.
+    value_type& append(std::string_view name, std::shared_ptr<Property> property);
+
+    std::vector<std::vector<value_type>> pieces_; ///< none ever has more entries than it had room for first
+    std::vector<value_type*> order_;              ///< the entries by their names
 };
 
 } // namespace patina

@@ -1,5 +1,6 @@
 #include "corenodes/maths_node.h"
 #include "tests/corenodes/node_checks.h"
+#include "tests/support/messages.h"
 
 #include <gtest/gtest.h>
 
@@ -185,6 +186,15 @@ TEST(MathsNode, StartsItsPortsAfresh) {
     node.inputPort("in_value1").connected = true;
     node.updateFromProperties(&node);
     expectConfiguration(node, configurations[0]);
+}
+
+TEST(MathsNode, IsWithoutPortsWhenItsFunctionIsNoEnum) {
+    MathsNode node;
+    property(node, "Function").setInteger(3);
+    EXPECT_EQ(shaderErrorOf([&] { node.updateFromProperties(nullptr); }),
+              "cannot read enum value from non-enum property \"Function\"");
+    EXPECT_TRUE(node.inputs.empty());
+    EXPECT_TRUE(node.outputs.empty());
 }
 
 TEST(MathsNode, HasNoBinding) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
@@ -244,15 +245,66 @@ TEST(PropertyIndex, CopiesAndMovesAreIndependent) {
     EXPECT_EQ(namesOf(moved), (Strings{"a", "b", "c"}));
 }
 
+TEST(PropertyIndex, EntriesStayWhereTheyAre) {
+    PropertyIndex index;
+    const std::vector<std::shared_ptr<Property>> properties = {makeProperty("Name"), makeProperty("Type")};
+    const std::vector<std::uint32_t> order = {0, 1};
+    index.assign(properties, order);
+    const auto type = index.find("Type");
+    const std::shared_ptr<Property>& name = index.at("Name");
+    // what they copy lies in the index that grows for the copy
+    index.emplace("Alias", index.at("Name"));
+    index["Second"] = index["Name"];
+    index.insert(*index.find("Second"));
+    for (const char* const added : {"a", "Z", "B", "Q", "P", "c"}) {
+        index.emplace(added, index.at("Type"));
+    }
+    EXPECT_EQ(index.at("Alias"), properties[0]);
+    EXPECT_EQ(index.at("Second"), properties[0]);
+    EXPECT_EQ(&index.at("Name"), &name);
+    EXPECT_EQ(index.find("Type"), type);
+    EXPECT_EQ(type->second, properties[1]);
+    EXPECT_EQ(std::next(type)->first, "Z");
+    EXPECT_EQ(std::prev(type)->first, "Second");
+    index.erase("Second");
+    EXPECT_EQ(type->first, "Type");
+    EXPECT_EQ(std::prev(type)->first, "Q");
+    EXPECT_EQ(namesOf(index), (Strings{"Alias", "B", "Name", "P", "Q", "Type", "Z", "a", "c"}));
+}
+
+TEST(PropertyIndex, LetsGoOfWhatIsErased) {
+    PropertyIndex index = indexOf({"a", "b"});
+    const std::weak_ptr<Property> gone = index.at("a");
+    index.erase("a");
+    EXPECT_TRUE(gone.expired());
+    const auto again = makeProperty("a");
+    EXPECT_TRUE(index.emplace("a", again).second);
+    EXPECT_EQ(index.at("a"), again);
+    EXPECT_EQ(namesOf(PropertyIndex(index)), (Strings{"a", "b"}));
+}
+
 TEST(PropertyIndex, TakesMoreThanThereIsRoomFor) {
     PropertyIndex index;
-    index.reserve(2);
     Strings names;
     for (char letter = 'z'; letter >= 'a'; --letter) {
         index.emplace(std::string(1, letter), makeProperty("Name"));
         names.insert(names.begin(), std::string(1, letter));
     }
     EXPECT_EQ(namesOf(index), names);
+}
+
+TEST(PropertyIndex, IsAssignedInTheOrderThatItIsTold) {
+    PropertyIndex index = indexOf({"gone"});
+    const std::vector<std::shared_ptr<Property>> properties = {makeProperty("c"), makeProperty("a"),
+                                                               makeProperty("b")};
+    const std::vector<std::uint32_t> order = {1, 2, 0};
+    index.assign(properties, order);
+    EXPECT_EQ(namesOf(index), (Strings{"a", "b", "c"}));
+    EXPECT_EQ(index.at("c"), properties[0]);
+    EXPECT_EQ(index.at("a"), properties[1]);
+    EXPECT_FALSE(index.contains("gone"));
+    index.assign({}, {});
+    EXPECT_TRUE(index.empty());
 }
 
 } // namespace

@@ -5,9 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace patina {
@@ -79,14 +82,49 @@ TEST(PropertySet, RefusesATakenName) {
     EXPECT_EQ(stateOf(set), before);
 }
 
-TEST(PropertySet, ReservingChangesNothingThatIsSeen) {
+// in no order, and one name that begins as another does
+constexpr auto table = declareProperties({
+    {"Width", "Width: how wide."},
+    {"Alpha", ""},
+    {"Nam", "Nam: less than Name."},
+});
+
+TEST(PropertySet, MakesWhatATableDeclares) {
     PropertySet set;
-    addInteger(set, "Name", 1);
-    const auto before = stateOf(set);
-    set.reserve(20);
-    EXPECT_EQ(stateOf(set), before);
-    set.reserve(0);
-    EXPECT_EQ(stateOf(set), before);
+    set.addNew(table.layout());
+    const std::vector<std::pair<std::string, std::string>> own = {
+        {"Width", "Width: how wide."}, {"Alpha", ""}, {"Nam", "Nam: less than Name."}};
+    ASSERT_EQ(set.items.size(), 8 + own.size());
+    EXPECT_EQ(set.items.front()->name, "Type");
+    for (std::size_t i = 0; i < own.size(); ++i) {
+        const Property& property = *set.items[8 + i];
+        EXPECT_EQ(property.name, own[i].first);
+        EXPECT_EQ(property.help, own[i].second);
+        EXPECT_FALSE(property.getBool());
+        EXPECT_TRUE(property.editable);
+        EXPECT_TRUE(property.visible);
+    }
+    std::vector<std::string> names;
+    for (const auto& [name, property] : set.byName) {
+        names.push_back(name);
+        EXPECT_EQ(property->name, name);
+        EXPECT_EQ(set.find(name), property);
+    }
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"Alpha", "BindingGroup", "BindingIndex", "Description", "Help Url",
+                                        "Nam", "Name", "PositionX", "PositionY", "Type", "Width"}));
+}
+
+TEST(PropertySet, TakesMoreThanATableDeclares) {
+    PropertySet set;
+    set.addNew(table.layout());
+    const auto added = addInteger(set, "Blend", 3);
+    EXPECT_EQ(set.items.back(), added);
+    EXPECT_EQ(set.find("Blend"), added);
+    EXPECT_EQ(std::next(set.byName.begin())->first, "BindingGroup");
+    EXPECT_EQ(std::next(set.byName.begin(), 3)->second, added);
+    EXPECT_EQ(shaderErrorOf([&] { set.add(makeProperty("Alpha")); }),
+              "property with name \"Alpha\" already exists");
 }
 
 TEST(PropertySet, NamesAreCaseSensitiveAndExact) {
