@@ -62,14 +62,7 @@ Material buildResolved(const MaterialDocument& document) {
 
 void assemble(const MaterialDocument& document) {
     const Material material = buildResolved(document);
-    const GeneratedGraph graph = generateGraph(material);
-    const Dataflow flow = joinGraph(material, graph);
-    verifyCode(material, flow);
-    const StagedShader stages = placeInStages(material, flow);
-    const ShaderNames names = nameShader(material, flow, stages);
-    const RegisterAssignment registers = assignRegisters(material, flow, stages);
-    const PrintOptions options = {};
-    const AssembledShader shader = {material, flow, stages, names, registers, options};
+    const AssembledShader shader = assembleShader(material);
     printVertexProgram(shader);
     printFragmentProgram(shader);
 }

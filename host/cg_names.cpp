@@ -264,7 +264,7 @@ bool isReservedWord(std::string_view name) {
         all.insert(std::begin(standardFunctions), std::end(standardFunctions));
         all.insert(frameworkNames.begin(), frameworkNames.end());
         return all;
-    }();
+    }(); // GCOVR_EXCL_BR_LINE: whether another thread makes it at that moment
     return words.count(name) != 0;
 }
 
@@ -295,7 +295,7 @@ void makeCgName(std::string& name, std::initializer_list<std::string_view> piece
         }
     }
     name.resize(length);
-    if (name.empty() || (name.front() >= '0' && name.front() <= '9')) {
+    if (name.empty() || name.front() <= '9') { // digits come before all else that is left
         name.insert(name.begin(), '_');
     }
 }
@@ -319,7 +319,7 @@ std::string_view NameAllocator::allocate(std::string_view wanted) {
     int& suffix = nextSuffix_.try_emplace(wanted, 2).first->second;
     for (;;) {
         const std::string_view name = keep(joinText({wanted, separator, std::to_string(suffix++)}));
-        if (!isReservedName(name) && taken_.insert(name).second) {
+        if (taken_.insert(name).second) { // nothing that is reserved ends with a number like that
             return name;
         }
     }

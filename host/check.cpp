@@ -3,7 +3,6 @@
 #include "host/bindings_file.h"
 #include "host/dataflow.h"
 #include "host/generate.h"
-#include "host/material.h"
 #include "host/naming.h"
 #include "host/registers.h"
 #include "host/resolve.h"
@@ -150,23 +149,6 @@ private:
     std::vector<bool> used_;
 };
 
-/// Runs the steps of an export with what each of them has.
-void findErrors(Material& material, Errors& errors, Warnings& warnings) {
-    resolveMaterial(material, &errors);
-    const GeneratedGraph graph = generateGraph(material, &errors);
-    const BindingCollection bindings = collectBindings(material, &errors);
-    restoreSavedValues(material, bindings, warnings, &errors);
-    const Dataflow flow = joinGraph(material, graph, &errors);
-    verifyCode(material, flow, &errors);
-    Errors ofStages;
-    const StagedShader stages = placeInStages(material, flow, &ofStages);
-    nameShader(material, flow, stages, &errors);
-    if (ofStages.empty()) {
-        attempt(&errors, [&] { assignRegisters(material, flow, stages); });
-    }
-    errors.insert(errors.end(), ofStages.begin(), ofStages.end());
-}
-
 bool isEarlier(const SourcePosition& left, const SourcePosition& right) { return left.line < right.line; }
 
 void sortByLine(CheckReport& report) {
@@ -186,6 +168,22 @@ void check(const MaterialDocument& document, const PluginSet& plugins, CheckRepo
 }
 
 } // namespace
+
+void findErrors(Material& material, Errors& errors, Warnings& warnings) {
+    resolveMaterial(material, &errors);
+    const GeneratedGraph graph = generateGraph(material, &errors);
+    const BindingCollection bindings = collectBindings(material, &errors);
+    restoreSavedValues(material, bindings, warnings, &errors);
+    const Dataflow flow = joinGraph(material, graph, &errors);
+    verifyCode(material, flow, &errors);
+    Errors ofStages;
+    const StagedShader stages = placeInStages(material, flow, &ofStages);
+    nameShader(material, flow, stages, &errors);
+    if (ofStages.empty()) {
+        attempt(&errors, [&] { assignRegisters(material, flow, stages); });
+    }
+    errors.insert(errors.end(), ofStages.begin(), ofStages.end());
+}
 
 CheckReport checkMaterial(const MaterialDocument& document, const PluginSet& plugins) {
     CheckReport report;

@@ -2,6 +2,7 @@
 
 #include "host/diagnostic.h"
 #include "host/document.h"
+#include "host/material.h"
 #include "host/plugins.h"
 
 #include <filesystem>
@@ -13,6 +14,12 @@ struct CheckReport {
     Errors errors;     ///< what keeps it from being exported, by line
     Warnings warnings; ///< what its author should look at, by line
 };
+
+/// Runs the steps of an export on a live material, each with what those before it have, and adds all that
+/// they refuse to the errors, in the order of the steps; exportMaterial succeeds exactly where there is
+/// nothing. Adds to the warnings which saved bindings no node presents. Threads: as the material, one thread
+/// at a time.
+void findErrors(Material& material, Errors& errors, Warnings& warnings);
 
 /// Takes a material through the steps of an export, going on where one finds something wrong, and looks for
 /// what an export lets pass: inputs without a connection and without a default, nodes that no output needs,

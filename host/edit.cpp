@@ -29,6 +29,20 @@ using Flags = std::vector<bool>;
     throw HostError({material.file, line}, joinText(pieces));
 }
 
+/// Runs code of a plug-in on behalf of what has that name, and names it in an error of whatever that throws.
+/// std::bad_alloc passes.
+template <typename Action>
+auto onBehalfOfNamed(const Material& material, std::string_view noun, std::string_view name,
+                     Action&& action) {
+    try {
+        return action();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        fail(material, 0, {noun, " \"", name, "\": ", currentExceptionText()});
+    }
+}
+
 void requireText(const Material& material, std::string_view what, const std::string& text) {
     if (!isDocumentText(text)) {
         fail(material, 0, {what, " \"", text, "\" has a character that a document cannot hold; remove it"});
@@ -427,14 +441,16 @@ DocumentBinding savedBinding(const Material& material, const std::shared_ptr<Bin
     if (!binding->group.empty()) {
         saved.annotations.emplace_back("group", binding->group);
     }
-    try {
-        for (auto& annotation : fileAnnotations({binding, graphValuesOf(*binding, graph), {}})) {
-            if (annotation.first != "tag") {
-                saved.annotations.push_back(std::move(annotation));
-            }
+    Annotations annotations = onBehalfOfNamed(material, "binding", binding->name, [&] {
+        ExportedBinding exported;
+        exported.binding = binding;
+        exported.exported = graphValuesOf(*binding, graph);
+        return fileAnnotations(exported);
+    });
+    for (auto& annotation : annotations) {
+        if (annotation.first != "tag") {
+            saved.annotations.push_back(std::move(annotation));
         }
-    } catch (const ShaderError& error) {
-        fail(material, 0, {"binding \"", binding->name, "\": ", error.what()});
     }
     for (const auto& [name, value] : saved.annotations) {
         requireText(material, joinText({"annotation \"", name, "\" of binding \"", binding->name, "\":"}),
@@ -469,11 +485,7 @@ std::string addNode(Material& material, const PluginSet& plugins, const std::str
             fail(material, other.line, {"there is another node with the id \"", item.id, "\""});
         }
     }
-    try {
-        item.node = plugins.createNode(typeName);
-    } catch (const ShaderError& error) {
-        fail(material, 0, {"node \"", item.id, "\": ", error.what()});
-    }
+    item.node = onBehalfOfNamed(material, "node", item.id, [&] { return plugins.createNode(typeName); });
     const std::int32_t version = item.node->properties->version;
     onBehalfOf(material, item, 0, [&] { item.node->loadProperties(makeSavedSet(typeName, version)); });
     updateItem(material, item);
@@ -565,7 +577,7 @@ void connect(Material& material, const std::string& sourceId, const std::string&
     material.connections.push_back(connection);
     try {
         material.downstream = downstreamOrder(material);
-    } catch (const HostError&) {
+    } catch (...) {
         material.connections.pop_back();
         throw;
     }

@@ -1,15 +1,9 @@
 #include "host/export.h"
 
+#include "host/assemble.h"
 #include "host/bindings_file.h"
 #include "host/bindings_json.h"
-#include "host/dataflow.h"
-#include "host/generate.h"
-#include "host/naming.h"
-#include "host/print.h"
-#include "host/registers.h"
 #include "host/resolve.h"
-#include "host/stages.h"
-#include "host/verify.h"
 #include "nodemodel/text.h"
 
 #include <string_view>
@@ -81,21 +75,15 @@ std::string printDependencies(const ExportedMaterial& exported, const std::files
 ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const ExportOptions& options,
                                 const SavedBindings& saved) {
     resolveMaterial(material);
-    const GeneratedGraph graph = generateGraph(material);
-    const Dataflow flow =
-        joinGraph(material, graph, nullptr, options.showValue ? ColourWidth::Any : ColourWidth::OneOrThree);
-    verifyCode(material, flow);
-    const StagedShader stages = placeInStages(material, flow);
-    const ShaderNames names = nameShader(material, flow, stages);
-    const RegisterAssignment registers = assignRegisters(material, flow, stages);
-    const AssembledShader shader = {material, flow, stages, names, registers, options.print};
+    const AssembledShader shader = assembleShader(
+        material, options.print, options.showValue ? ColourWidth::Any : ColourWidth::OneOrThree);
 
     ExportedMaterial result;
     result.name = material.name;
     result.vertexProgram = {material.name + ".vert.cg", printVertexProgram(shader)};
     result.fragmentProgram = {material.name + ".frag.cg", printFragmentProgram(shader)};
 
-    result.lit = flow.lit;
+    result.lit = shader.flow.lit;
     result.writesCg = wantsCg(options.targets);
     result.targetPrograms = translatePrograms(shader, options.targets, options.translator);
 
@@ -110,7 +98,8 @@ ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const Ex
     }
     const BindingCollection collected = collectBindings(material);
     restoreSavedValues(material, collected, warnings);
-    bindings.bindings = describeBindings(collected, flow, result.writesCg ? registers : RegisterAssignment());
+    bindings.bindings =
+        describeBindings(collected, shader.flow, result.writesCg ? shader.registers : RegisterAssignment());
     carryOverArtistValues(saved, bindings.bindings, warnings);
     result.bindings = {bindingsFileName(material), printBindings(bindings)};
     if (options.json) {
@@ -119,9 +108,9 @@ ExportedMaterial exportMaterial(Material& material, Warnings& warnings, const Ex
 
     result.nodeCount = material.items.size();
     result.connectionCount = material.connections.size();
-    result.vertexFunctionCount = stages.vertex.functions.size();
-    result.fragmentFunctionCount = stages.fragment.functions.size();
-    result.interpolantCount = stages.registers.size();
+    result.vertexFunctionCount = shader.stages.vertex.functions.size();
+    result.fragmentFunctionCount = shader.stages.fragment.functions.size();
+    result.interpolantCount = shader.stages.registers.size();
     result.bindingCount = bindings.bindings.size();
     return result;
 }

@@ -11,10 +11,13 @@ bool isKnown(const ShaderType& type) {
     return type.componentType >= ComponentType::Unknown && type.componentType <= ComponentType::SamplerRect;
 }
 
-/// Throws ShaderError for a type that has no name, which no later step could print. Another stands there
-/// then, for what is looked at nevertheless.
+bool isKnown(NodeKind kind) { return kind >= NodeKind::Function && kind <= NodeKind::InterpolantParameter; }
+
+/// Throws ShaderError for a type or kind that has no name, which no later step could print. Another stands
+/// there then, for what is looked at nevertheless.
 void requireTypes(const Graph& graph, std::size_t firstNode) {
     bool areKnown = true;
+    bool areKindsKnown = true;
     const auto require = [&](ShaderType& type) {
         if (!isKnown(type)) {
             type = {ComponentType::Float, 1, 1, 1};
@@ -23,6 +26,10 @@ void requireTypes(const Graph& graph, std::size_t firstNode) {
     };
     for (std::size_t i = firstNode; i < graph.nodes.size(); ++i) {
         GeneratorNode& node = *graph.nodes[i];
+        if (!isKnown(node.kind)) {
+            node.kind = NodeKind::Function;
+            areKindsKnown = false;
+        }
         require(node.type);
         for (auto* ports : {&node.inputs, &node.outputs}) {
             for (GeneratorPort& port : *ports) {
@@ -34,6 +41,11 @@ void requireTypes(const Graph& graph, std::size_t firstNode) {
         throw ShaderError(
             "a value of its code has a component type that there is none of; report this to the "
             "author of its plug-in");
+    }
+    if (!areKindsKnown) {
+        throw ShaderError(
+            "a node of its code is of a kind that there is none of; report this to the author of "
+            "its plug-in");
     }
 }
 

@@ -7,16 +7,17 @@
 /// ports (resolve.h), generate code (generate.h), join it (dataflow.h), verify it (verify.h), place it in
 /// stages (stages.h), name it (naming.h), give its parameters registers (registers.h), print it (print.h),
 /// collect the bindings and say where they landed (bindings_file.h), carry over what an artist changed
-/// (saved_bindings.h), write the files (files.h). export.h runs them all, and check.h as far as it can, to
-/// find everything that is wrong. Beside it, node_summary.h lists and describes node types, graphviz.h draws
-/// graphs, plugin_checks.h finds out what is wrong with a plug-in, and show.h makes a material that shows one
-/// value of another. An editor changes a material with
+/// (saved_bindings.h), write the files (files.h). export.h runs them all, assemble.h those from the code to
+/// the registers, and check.h as many as it can, to find everything that is wrong. Beside it, node_summary.h
+/// lists and describes node types, graphviz.h draws graphs, plugin_checks.h finds out what is wrong with a
+/// plug-in, and show.h makes a material that shows one value of another. An editor changes a material with
 /// edit.h, and saves it with document_writer.h.
 ///
 /// Errors: every step throws HostError, whose text is complete for the user. Threads: a PluginSet may be
 /// shared by threads that each export materials of their own. Link with the CMake target patina::host.
 
 #include "host/artist_values.h"
+#include "host/assemble.h"
 #include "host/bindings_file.h"
 #include "host/bindings_json.h"
 #include "host/check.h"

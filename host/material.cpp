@@ -294,7 +294,7 @@ private:
                     Property(*target->second).copyFrom(*value->second);
                 }
                 rest->add(value->second);
-            } catch (const ShaderError& error) {
+            } catch (const ShaderError& error) { // GCOVR_EXCL_BR_LINE: what copyFrom throws
                 refusals.push_back({property.line, error.what()});
             }
         }

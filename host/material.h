@@ -119,7 +119,7 @@ decltype(auto) onBehalfOf(const Material& material, const MaterialItem& item, in
     };
     try {
         return action();
-    } catch (const std::bad_alloc&) {
+    } catch (const std::bad_alloc&) { // GCOVR_EXCL_BR_LINE: of other types, the next clause takes all
         throw;
     } catch (...) {
         throw failure(currentExceptionText());

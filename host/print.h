@@ -16,14 +16,14 @@ struct PrintOptions {
     bool annotate = false; ///< whether a comment over each call in `main` gives node and types
 };
 
-/// Everything that the printed programs are made from.
+/// Everything that the printed programs are made from; see assembleShader.
 struct AssembledShader {
     const Material& material;
-    const Dataflow& flow;
-    const StagedShader& stages;
-    const ShaderNames& names;
-    const RegisterAssignment& registers;
-    const PrintOptions& options;
+    Dataflow flow;
+    StagedShader stages;
+    ShaderNames names;
+    RegisterAssignment registers;
+    PrintOptions options;
 };
 
 // Complete Cg programs: the framework, uniforms, each distinct function once, and `main`. The text depends on

@@ -19,6 +19,15 @@ namespace {
 
 constexpr const char* advice = "mend this file, or move it away to export without what was changed in it";
 
+template <typename Action>
+auto withAdvice(Action&& read) {
+    try {
+        return read();
+    } catch (const HostError& error) { // GCOVR_EXCL_BR_LINE: nothing else is thrown while there is memory
+        throw HostError(error, advice);
+    }
+}
+
 /// A binding would ignore such a text in silence, and the artist would wonder.
 void requireUnderstood(const std::string& file, const SavedBinding& binding) {
     const std::string reason = whyNotUnderstood(binding.kind, binding.annotations);
@@ -167,11 +176,7 @@ void restore(const SavedBindings& saved, const SavedBinding& earlier, Annotation
 } // namespace
 
 SavedBindings parseBindings(std::string_view text, const std::string& file) {
-    try {
-        return BindingsReader(file).read(text);
-    } catch (const HostError& error) {
-        throw HostError(error, advice);
-    }
+    return withAdvice([&] { return BindingsReader(file).read(text); });
 }
 
 SavedBindings readBindings(const std::filesystem::path& file) {
@@ -180,13 +185,7 @@ SavedBindings readBindings(const std::filesystem::path& file) {
     if (!std::filesystem::is_regular_file(file, missing)) {
         return {file.string(), {}};
     }
-    std::string text;
-    try {
-        text = readFile(file, xmlSizeLimit);
-    } catch (const HostError& error) {
-        throw HostError(error, advice);
-    }
-    return parseBindings(text, file.string());
+    return parseBindings(withAdvice([&] { return readFile(file, xmlSizeLimit); }), file.string());
 }
 
 void restoreSavedValues(const Material& material, const BindingCollection& bindings, Warnings& warnings,

@@ -60,10 +60,7 @@ private:
     std::vector<std::size_t> begins_; ///< the last is the program's end
 };
 
-bool isNameLetter(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-           (letter >= '0' && letter <= '9') || letter == '_';
-}
+constexpr std::string_view nameLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
 
 /// Calls an action with each token of code: a name or number, or any other letter. Comments are none.
 template <typename Action>
@@ -75,9 +72,7 @@ void forEachToken(std::string_view code, Action&& action) {
         } else if (code.substr(at, 2) == "/*") {
             end = std::min(code.find("*/", at + 2), code.size() - 2) + 2;
         } else if (std::string_view(" \t\r\n\f\v").find(code[at]) == std::string_view::npos) {
-            while (isNameLetter(code[at]) && end < code.size() && isNameLetter(code[end])) {
-                ++end;
-            }
+            end = std::max(end, std::min(code.find_first_not_of(nameLetters, at), code.size()));
             action(code.substr(at, end - at));
         }
         at = end;
@@ -87,12 +82,12 @@ void forEachToken(std::string_view code, Action&& action) {
 /// Whether code closes every brace that it opens, and no more.
 bool hasMatchingBraces(std::string_view code) {
     int depth = 0;
-    bool closesMore = false;
+    int lowest = 0;
     forEachToken(code, [&](std::string_view token) {
         depth += token == "{" ? 1 : token == "}" ? -1 : 0;
-        closesMore = closesMore || depth < 0;
+        lowest = std::min(lowest, depth);
     });
-    return depth == 0 && !closesMore;
+    return depth == 0 && lowest == 0;
 }
 
 // Compilers descend into what is nested, and end the process when it is nested too deep for their stack. That

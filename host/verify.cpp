@@ -25,7 +25,7 @@ std::string_view takeToken(std::string_view& code) {
         if (code.substr(0, 2) == "//") {
             code.remove_prefix(std::min(code.find('\n'), code.size()));
         } else if (code.substr(0, 2) == "/*") {
-            const std::size_t end = code.find("*/");
+            const std::size_t end = code.find("*/", 2); // the asterisk of "/*" ends nothing
             code.remove_prefix(end == std::string_view::npos ? code.size() : end + 2);
         } else {
             break;

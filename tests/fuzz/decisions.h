@@ -55,4 +55,8 @@ private:
     std::size_t left_ = 0;
 };
 
+/// What a target does with an input that is taken as decisions. Each such target defines its own, and links
+/// decided_input.cpp, which calls it.
+void runDecided(Decisions& decide);
+
 } // namespace patina::fuzz

@@ -106,25 +106,6 @@ void checkExportAgain(Material& material, const ExportedMaterial& first) {
     require(warnings.size() == before.size(), "A second export warns of what nobody changed.");
 }
 
-/// Everything that the steps of an export find wrong.
-Errors errorsOf(Material& material) {
-    Errors errors;
-    Warnings warnings;
-    resolveMaterial(material, &errors);
-    const GeneratedGraph graph = generateGraph(material, &errors);
-    restoreSavedValues(material, collectBindings(material, &errors), warnings, &errors);
-    const Dataflow flow = joinGraph(material, graph, &errors);
-    verifyCode(material, flow, &errors);
-    Errors ofStages;
-    const StagedShader stages = placeInStages(material, flow, &ofStages);
-    nameShader(material, flow, stages, &errors);
-    if (ofStages.empty()) {
-        attempt(&errors, [&] { assignRegisters(material, flow, stages); });
-    }
-    errors.insert(errors.end(), ofStages.begin(), ofStages.end());
-    return errors;
-}
-
 /// What can be exported can be drawn too, as the programs that it becomes.
 void checkDrawingOfPrograms(Material& material) {
     resolveMaterial(material);
@@ -194,7 +175,9 @@ void checkExport(const MaterialDocument& document, bool compile) {
 void checkAssembly(Material& material) {
     std::string reason;
     const auto exported = tryExport(material, reason);
-    const Errors errors = errorsOf(material);
+    Errors errors;
+    Warnings ignored;
+    findErrors(material, errors, ignored);
     requireAgreement(exported.has_value(), reason, errors);
     if (!exported) {
         return;

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -316,18 +315,17 @@ private:
 };
 
 } // namespace
-} // namespace patina::fuzz
 
 /// Whatever is edited: the material stays what its document says, and exports to programs that a compiler
 /// accepts, or HostError says why not.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    patina::fuzz::Decisions decisions(data, size);
-    const bool compile = decisions.below(2) == 0;
-    patina::fuzz::GraphFuzzer fuzzer(decisions);
+void runDecided(Decisions& decide) {
+    const bool compile = decide.below(2) == 0;
+    GraphFuzzer fuzzer(decide);
     fuzzer.edit();
     fuzzer.complete();
     fuzzer.compareWithDocument();
     fuzzer.show();
-    patina::fuzz::checkExport(fuzzer.spoilt(), compile);
-    return 0;
+    checkExport(fuzzer.spoilt(), compile);
 }
+
+} // namespace patina::fuzz

@@ -276,13 +276,12 @@ private:
 };
 
 } // namespace
-} // namespace patina::fuzz
 
 /// Whatever the nodes of a plug-in emit: programs and bindings, or HostError says why not; and looking for
 /// all errors finds some exactly when there are some.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    patina::fuzz::Decisions decisions(data, size);
-    patina::Material material = patina::fuzz::MaterialMaker(decisions).make();
-    patina::fuzz::checkAssembly(material);
-    return 0;
+void runDecided(Decisions& decide) {
+    Material material = MaterialMaker(decide).make();
+    checkAssembly(material);
 }
+
+} // namespace patina::fuzz

@@ -193,11 +193,8 @@ private:
 };
 
 } // namespace
-} // namespace patina::fuzz
 
 /// Whatever is saved of nodes: they take it or throw ShaderError, and then do or refuse everything else.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    patina::fuzz::Decisions decisions(data, size);
-    patina::fuzz::NodeFuzzer(decisions).fuzz();
-    return 0;
-}
+void runDecided(Decisions& decide) { NodeFuzzer(decide).fuzz(); }
+
+} // namespace patina::fuzz

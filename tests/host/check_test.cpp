@@ -284,6 +284,8 @@ TEST(CheckFile, MissesNothingThatAnErrorTookAway) {
         {output("colour", "ghost", "read"), "m.xml:2: error: there is no node with the id \"ghost\""},
         {node("c", "CoreConstant", named("Tint")) + "<output source=\"c\" port=\"read\"/>\n",
          "m.xml:3: error: the <output> element has no \"name\" attribute"},
+        {node("c", "CoreConstant", named("Tint")) + "<output name=\"colour\" port=\"read\"/>\n",
+         "m.xml:3: error: the <output> element has no \"source\" attribute"},
         {"<node id=\"c\"/>\n" + output("colour", "c", "read"),
          "m.xml:2: error: the <node> element has no \"type\" attribute"},
         // the second node has the port
@@ -361,6 +363,15 @@ TEST(CheckFile, MissesNothingThatAnErrorTookAway) {
             EXPECT_NE(warning.find("its binding is called \"Constant\""), std::string::npos) << warning;
         }
     }
+}
+
+TEST(CheckFile, MissesTheColourBesideAnotherOutput) {
+    const std::string missing = "m.xml:1: error: this material has no \"colour\" output; connect one with an "
+                                "<output> element";
+    const std::string tint = node("c", "CoreConstant", named("Tint"));
+    EXPECT_EQ(errorsOf(checkText(tint + "<output name=\"alpha\" port=\"read\"/>\n")),
+              (Lines{missing, "m.xml:3: error: the <output> element has no \"source\" attribute"}));
+    EXPECT_EQ(errorsOf(checkText(tint + output("emissive", "c", "read"))), Lines{missing}) << "lit";
 }
 
 TEST(CheckFile, ReportsRefusedSavedBindingsTogether) {

@@ -157,6 +157,44 @@ TEST(JoinGraph, RefusesMissingUnknownAndMisshapenOutputs) {
                   {"\"alpha\"", "node \"c\" (\"C\")", "half3"});
 }
 
+TEST(ValueSource, IsANodeAndAPort) {
+    const ValueSource source = {1, 2};
+    EXPECT_TRUE(source == (ValueSource{1, 2}));
+    EXPECT_FALSE(source == (ValueSource{2, 2}));
+    EXPECT_FALSE(source == (ValueSource{1, 1}));
+}
+
+/// A function with one input and one output.
+std::shared_ptr<GeneratorNode> functionOf(const GeneratorPort& input, const GeneratorPort& output,
+                                          const std::string& name = "f", const std::string& code = "{}") {
+    auto function = std::make_shared<GeneratorNode>();
+    function->name = name;
+    function->code = code;
+    function->inputs = {input};
+    function->outputs = {output};
+    return function;
+}
+
+TEST(FirstOfEachFunction, TellsApartWhatIsNotTheSameText) {
+    constexpr ShaderType one = {ComponentType::Float, 1, 1, 1};
+    constexpr ShaderType two = {ComponentType::Float, 1, 1, 2};
+    const GeneratorPort input = {"in", one};
+    const GeneratorPort output = {"out", one};
+    const auto first = functionOf(input, output);
+    const auto same = functionOf(input, output);
+    same->level = ExecutionLevel::Vertex;
+    auto wider = functionOf(input, output);
+    wider->inputs.push_back({"more", one});
+    std::vector<DataflowNode> nodes;
+    for (const auto& function :
+         {first, same, functionOf({"other", one}, output), functionOf({"in", two}, output),
+          functionOf(input, {"other", one}), functionOf(input, {"out", two}), wider,
+          functionOf(input, output, "g"), functionOf(input, output, "f", "{ }"), same}) {
+        nodes.push_back({function, 0, {}});
+    }
+    EXPECT_EQ(firstOfEachFunction(nodes), (std::vector<std::size_t>{0, 0, 2, 3, 4, 5, 6, 7, 8, 0}));
+}
+
 TEST(GenerateGraph, NamesTheNodeThatCannotExport) {
     expectErrorAt(exportError("\n" + node("t", "CoreTexture") + output("colour", "t", "out_colour")), 3,
                   {"node \"t\" (\"Texture\")",

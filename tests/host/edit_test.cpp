@@ -9,9 +9,12 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <new>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -216,6 +219,18 @@ TEST(AddNode, Refuses) {
     EXPECT_EQ(errorOf("CoreDefault", ""),
               "sample.xml: error: nodes of type \"CoreDefault\" are not for artists to create");
     EXPECT_NE(errorOf("CoreUv", "\xFF"), noError);
+    EXPECT_EQ(material.items.size(), 1U);
+}
+
+TEST(AddNode, NamesTheNodeThatCannotBeMade) {
+    PluginSet hostile;
+    hostile.add(std::filesystem::path(PATINA_TEST_PLUGINS) / "hostile_nodes.so");
+    Material material = built(node("a", "CoreMaths"));
+    EXPECT_EQ(refusedEdit(material, [&] { addNode(material, hostile, "ThrowingConstructor", "b"); }),
+              "sample.xml: error: node \"b\": the node is out of order");
+    EXPECT_EQ(refusedEdit(material, [&] { addNode(material, hostile, "Nothing", "b"); }),
+              "sample.xml: error: node \"b\": cannot create \"Nothing\" node");
+    EXPECT_THROW(addNode(material, hostile, "HungryConstructor", "b"), std::bad_alloc);
     EXPECT_EQ(material.items.size(), 1U);
 }
 
@@ -678,19 +693,30 @@ TEST(SaveBindings, RefusesTwoOfOneName) {
               std::string::npos);
 }
 
-/// A binding whose code fails.
+/// A binding whose code throws that.
+template <typename Exception>
 class BrokenBinding : public Binding {
 public:
-    using Binding::Binding;
-    void writeAnnotations(xmlNode* /*element*/) const override { throw ShaderError("out of order"); }
+    BrokenBinding(std::string bindingName, Exception exception)
+        : Binding(BindingKind::Normal, std::move(bindingName), 3U), exception_(std::move(exception)) {}
+    void writeAnnotations(xmlNode* /*element*/) const override { throw exception_; }
+
+private:
+    Exception exception_;
 };
 
 TEST(SaveBindings, NamesABindingThatRefuses) {
     Material material = built(node("uv", "CoreUv"));
-    BindingCollection collection;
-    collection.bindings.push_back(std::make_shared<BrokenBinding>(BindingKind::Normal, "N", 3U));
-    EXPECT_EQ(refusedEdit(material, [&] { saveBindings(material, collection); }),
-              "sample.xml: error: binding \"N\": out of order");
+    const auto save = [&](const auto& exception) {
+        BindingCollection collection;
+        using Broken = BrokenBinding<std::decay_t<decltype(exception)>>;
+        collection.bindings.push_back(std::make_shared<Broken>("N", exception));
+        saveBindings(material, collection);
+    };
+    const std::string expected = "sample.xml: error: binding \"N\": out of order";
+    EXPECT_EQ(refusedEdit(material, [&] { save(ShaderError("out of order")); }), expected);
+    EXPECT_EQ(refusedEdit(material, [&] { save(std::runtime_error("out of order")); }), expected);
+    EXPECT_THROW(save(std::bad_alloc()), std::bad_alloc);
 }
 
 TEST(SaveBindings, LeavesAttributesOfOthersAlone) {
@@ -736,6 +762,10 @@ TEST(PropertyText, IsReadBackAsTheSameValue) {
         EXPECT_EQ(read->getFloat(), number) << text;
     }
     EXPECT_EQ(textOf([](Property& value) { value.setFloat(0.1F); }), "0.1");
+    constexpr auto noKind = static_cast<PropertyType>(99);
+    EXPECT_EQ(textOf([](Property& value) { value.kind = noKind; }), "");
+    EXPECT_FALSE(detail::savedProperty("a.xml", "n", {"P", noKind, "text"}, {})->getBool())
+        << "as it is made";
     for (const float number :
          {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
         EXPECT_EQ(testing::shaderErrorOf([&] { textOf([&](Property& value) { value.setFloat(number); }); }),

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace patina {
@@ -36,6 +38,9 @@ public:
                 1 + std::count(program.begin(), program.begin() + static_cast<int>(blamed), '\n');
             throw TranslationError("it is\nwrong", static_cast<int>(line) + lineOffset);
         }
+        if (isOutOfMemory) {
+            throw std::bad_alloc();
+        }
         if (stage == ProgramStage::Fragment && failsAnywhere) {
             throw TranslationError("it is wrong", 0);
         }
@@ -55,6 +60,7 @@ public:
     std::string blamedText;
     int lineOffset = 0;
     bool failsAnywhere = false;
+    bool isOutOfMemory = false;
 };
 
 TEST(Targets, GoByNamesAndVersions) {
@@ -88,6 +94,9 @@ TEST(Targets, GoByNamesAndVersions) {
         EXPECT_EQ(targetVersion(target), version);
         EXPECT_EQ(targetFileEnding(target.language), fileEnding);
     }
+    constexpr ShaderTarget target = {TargetLanguage::Glsl, 330};
+    EXPECT_FALSE(target == (ShaderTarget{TargetLanguage::Essl, 330}));
+    EXPECT_FALSE(target == (ShaderTarget{TargetLanguage::Glsl, 450}));
     for (const char* text :
          {"", "gl", "GLSL", "glsl:", "glsl:120", "hlsl:50", "cg:1", "cg:", "glsl:330:1", "hlsl:7", "hlsl:5.",
           "hlsl:.0", "msl:2.00", "glsl:33", "glsl:330.0", "msl:0", "cg:0"}) {
@@ -184,6 +193,13 @@ TEST(ExportMaterial, BlamesTheNodeWhoseCodeCannotBeTranslated) {
          "braces do not match, it is wrong (line 20 of Sample.frag.cg); correct what the node emits, or "
          "export it in "
          "Cg alone"},
+        {wrong("ReversedBraces"), "void main", 1,
+         "sample.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: its "
+         "braces do not match, it is wrong (line 21 of Sample.frag.cg); correct what the node emits, or "
+         "export it in Cg alone"},
+        {wrong("ClosedBracket"), "value )", 0,
+         "sample.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" does not compile: it is "
+         "wrong (line 15 of Sample.frag.cg); correct what the node emits, or export it in Cg alone"},
         {wrong("Comments"), "void main", 1,
          "sample.xml:1: error: Sample.frag.cg (line 20) cannot be translated: it is wrong"},
         {lit, "void surfaceCode", 1,
@@ -201,6 +217,31 @@ TEST(ExportMaterial, BlamesTheNodeWhoseCodeCannotBeTranslated) {
     translator.failsAnywhere = true;
     EXPECT_EQ(failureOf(wrong("UndeclaredName"), translator),
               "sample.xml:1: error: Sample.frag.cg cannot be translated: it is wrong");
+}
+
+TEST(ExportMaterial, RefusesWhatIsNestedTooDeepBeforeItIsTranslated) {
+    EchoTranslator translator;
+    for (const auto& [kind, excess] : {std::pair{"Brackets", "256 brackets within one another"},
+                                       {"Blocks", "256 brackets within one another"},
+                                       {"Signs", "8192 names and signs in one statement"},
+                                       {"Loops", "128 loops"},
+                                       {"Alternatives", "1024 times \"else\""}}) {
+        const auto bodyOf = [name = std::string(kind)](const char* depth) {
+            return node("bad", depth + name) + output("colour", "bad", "out_colour");
+        };
+        EXPECT_EQ(failureOf(bodyOf("Deep"), translator), testing::noError) << kind;
+        EXPECT_EQ(
+            failureOf(bodyOf("TooDeep"), translator),
+            "sample.xml:2: error: node \"bad\" (\"Wrong\"): its function \"wrongCode\" is nested too deep to "
+            "be translated: it has more than " +
+                std::string(excess) + "; split what the node emits, or export it in Cg alone");
+    }
+}
+
+TEST(ExportMaterial, LaysWantOfMemoryAtNoNode) {
+    EchoTranslator translator;
+    translator.isOutOfMemory = true;
+    EXPECT_THROW(failureOf(tint, translator), std::bad_alloc);
 }
 
 TEST(ExportDocument, WritesAllThatIsAskedFor) {

@@ -14,10 +14,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,6 +66,16 @@ TEST(DiagnosticText, PutsThePlaceFirst) {
     EXPECT_EQ(diagnosticText({"a.xml", 0}, "warning", "it broke"), "a.xml: warning: it broke");
     EXPECT_EQ(diagnosticText({"", 0}, "error", "it broke"), "error: it broke");
     EXPECT_STREQ(HostError({"a.xml", 3}, "it broke").what(), "a.xml:3: error: it broke");
+}
+
+TEST(Attempt, KeepsOnlyWhatIsForTheUser) {
+    Errors errors;
+    EXPECT_TRUE(attempt(&errors, [] {}));
+    EXPECT_FALSE(attempt(&errors, [] { throw HostError({"a.xml", 1}, "wrong"); }));
+    EXPECT_EQ(errors.size(), 1U);
+    EXPECT_THROW(attempt(&errors, [] { throw std::runtime_error("broken"); }), std::runtime_error);
+    EXPECT_THROW(attempt(nullptr, [] { throw HostError({"a.xml", 1}, "wrong"); }), HostError);
+    EXPECT_EQ(errors.size(), 1U);
 }
 
 TEST(ReasonText, IsEnglishForWhatIsKnown) {
@@ -358,6 +370,26 @@ TEST(WriteFiles, LooksForATemporaryNameForSomeTime) {
                 }),
                 file.string(), {"cannot write this file"});
     EXPECT_EQ(readText(file), "new");
+}
+
+TEST(WriteFiles, TakesTheNameOfWhatWasLeftBehindADayAgo) {
+    const TemporaryDirectory directory;
+    const std::string left = ".patina-0.tmp";
+    directory.write("a", "old");
+    directory.write(left, "of a process that was killed");
+    const auto writeHoursLater = [&, begin = fs::file_time_type::clock::now()](int hours) {
+        fs::last_write_time(directory.path(), begin + std::chrono::hours(hours));
+        writeFiles(directory.path(), {{"a", "after " + std::to_string(hours)}});
+        EXPECT_EQ(readText(directory / "a"), "after " + std::to_string(hours));
+    };
+    writeHoursLater(23);
+    EXPECT_EQ(directory.names(), (Names{left, "a"})) << "of one that is still at it, perhaps";
+    EXPECT_EQ(readText(directory / left), "of a process that was killed");
+    writeHoursLater(25);
+    EXPECT_EQ(directory.names(), Names{"a"});
+    fs::create_directory(directory / left);
+    writeHoursLater(25 * 24);
+    EXPECT_EQ(directory.names(), (Names{left, "a"})) << "nobody leaves directories";
 }
 
 TEST(ReadFile, ReportsWhatCannotBeReadOnceItIsOpen) {

@@ -96,7 +96,7 @@ TEST(NodesCommand, PrintsJson) {
 TEST(NodesCommand, PrintsNamesForOtherPrograms) {
     EXPECT_EQ(linesOf(outputOf({"nodes", "--names"})), coreTypes);
     const Names more = linesOf(outputOf({"nodes", "--names", "--plugin", testPlugin("hostile_nodes")}));
-    EXPECT_EQ(more.size(), coreTypes.size() + 23);
+    EXPECT_EQ(more.size(), coreTypes.size() + 24);
     EXPECT_EQ(more.front(), "Plain");
 }
 
@@ -609,7 +609,7 @@ TEST(ZshCompletion, ReadsPluginsAsTheyAreTyped) {
         const Names offers =
             zshOffers("_patina_node_types", {"describe", "--plugin", typed, "Pl"}, plugin.home());
         EXPECT_EQ(offers.front(), "Plain") << typed;
-        EXPECT_EQ(offers.size(), coreTypes.size() + 23) << typed;
+        EXPECT_EQ(offers.size(), coreTypes.size() + 24) << typed;
     }
     EXPECT_EQ(zshOffers("_patina_node_types", {"describe", "--plugin", "missing.so", "Pl"}, "/"), coreTypes);
 }

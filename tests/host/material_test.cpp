@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@ using testing::buildError;
 using testing::built;
 using testing::connection;
 using testing::expectErrorAt;
+using testing::hostErrorOf;
 using testing::maths;
 using testing::node;
 using testing::output;
@@ -487,6 +490,29 @@ TEST(BuildMaterial, KeepsEveryMessageInOneLine) {
         const std::string error = buildError(body);
         EXPECT_EQ(error.find_first_of("\r\n"), std::string::npos) << error;
     }
+}
+
+TEST(PropertyContent, IsEqualInAllItHolds) {
+    const PropertyContent content = {PropertyType::Colour, "text", 7, {1.0F, 2.0F, 3.0F}};
+    EXPECT_TRUE(content == (PropertyContent{PropertyType::Colour, "text", 7, {1.0F, 2.0F, 3.0F}}));
+    for (const PropertyContent& other : {PropertyContent{PropertyType::Float, "text", 7, {1.0F, 2.0F, 3.0F}},
+                                         {PropertyType::Colour, "other", 7, {1.0F, 2.0F, 3.0F}},
+                                         {PropertyType::Colour, "text", 8, {1.0F, 2.0F, 3.0F}},
+                                         {PropertyType::Colour, "text", 7, {1.0F, 2.0F, 4.0F}}}) {
+        EXPECT_FALSE(content == other);
+    }
+}
+
+TEST(OnBehalfOf, NamesTheNodeOfAllButWantOfMemory) {
+    const Material material = built(node("a", "CoreMaths"));
+    const auto errorOf = [&](const auto& exception) {
+        return hostErrorOf(
+            [&] { onBehalfOf(material, material.items.front(), 7, [&] { throw exception; }); });
+    };
+    EXPECT_EQ(errorOf(std::runtime_error("broken")), "sample.xml:7: error: node \"a\" (\"Maths\"): broken");
+    EXPECT_EQ(errorOf(7), "sample.xml:7: error: node \"a\" (\"Maths\"): it failed with something that is no "
+                          "exception");
+    EXPECT_THROW(errorOf(std::bad_alloc()), std::bad_alloc);
 }
 
 TEST(Material, MayHaveItemsWithoutNodes) {

@@ -242,6 +242,31 @@ TEST(SummariseNode, NamesThePluginWhoseNodeFails) {
                 {"node type \"Nothing\": cannot create \"Nothing\" node"});
 }
 
+TEST(SummariseNode, GivesNoValueOfNoKind) {
+    PluginSet plugins;
+    plugins.add(testPlugin("hostile_nodes"));
+    EXPECT_EQ(propertyOf(summariseNode(plugins, "OddKind"), "Odd").initial, PropertyValue(std::string()));
+}
+
+TEST(Summaries, AreEqualInAllTheyHold) {
+    const NodeTypeSummary type = {"T", "Type", "Core", true, "a.so"};
+    EXPECT_TRUE(type == (NodeTypeSummary{"T", "Type", "Core", true, "a.so"}));
+    for (const NodeTypeSummary& other : {NodeTypeSummary{"U", "Type", "Core", true, "a.so"},
+                                         {"T", "Other", "Core", true, "a.so"},
+                                         {"T", "Type", "Studio", true, "a.so"},
+                                         {"T", "Type", "Core", false, "a.so"},
+                                         {"T", "Type", "Core", true, "b.so"}}) {
+        EXPECT_FALSE(type == other);
+    }
+    const PortSummary port = fixedPort("in", "label", 2);
+    EXPECT_TRUE(port == fixedPort("in", "label", 2));
+    for (const PortSummary& other :
+         {fixedPort("out", "label", 2), fixedPort("in", "other", 2), fixedPort("in", "label", 3),
+          freePort("in", "label"), PortSummary{"in", "label", 2, false}}) {
+        EXPECT_FALSE(port == other);
+    }
+}
+
 TEST(PropertyKindName, IsThatOfDocuments) {
     const struct {
         PropertyType kind;

@@ -1,140 +1,49 @@
 // What generator nodes of every kind of parameter become, from the nodes' code to the printed programs.
 
-#include "tests/host/host_checks.h"
+#include "tests/host/code_sample.h"
 
-#include "shadergraph/shadergraph.h"
+#include "nodemodel/shader_error.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace patina {
 namespace {
 
+using testing::CodeNode;
+using testing::emitColour;
+using testing::emitFunction;
 using testing::expectError;
+using testing::float1;
+using testing::float2;
+using testing::float3;
+using testing::float4;
+using testing::Handle;
 using testing::hostErrorOf;
+using testing::interfaceOf;
 using testing::noError;
+using testing::reader;
+using testing::registerOf;
+using testing::Sample;
+using testing::submit;
+using testing::writer;
 
-using Handle = std::shared_ptr<GeneratorNode>;
-
-constexpr ShaderType float1 = {ComponentType::Float, 1, 1, 1};
-constexpr ShaderType float2 = {ComponentType::Float, 2, 1, 1};
-constexpr ShaderType float3 = {ComponentType::Float, 3, 1, 1};
-constexpr ShaderType float4 = {ComponentType::Float, 4, 1, 1};
-
-/// A node whose code is the test's; its output "result" has three components.
-class CodeNode : public MaterialNode {
-public:
-    using Code =
-        std::function<Handle(GraphGenerator&)>; ///< gives the node with the port "result", or nothing
-
-    explicit CodeNode(Code code) : MaterialNode("Code"), code_(std::move(code)) {
-        outputs.emplace_back("result");
-        outputs.back().setComponentCount(3);
-        outputs.back().setPrecision(2);
-    }
-    void generateCode(GraphGenerator& generator) override {
-        if (const Handle node = code_(generator)) {
-            attachLinks(generator, node);
-        }
-    }
-
-private:
-    Code code_;
-};
-
-/// A material of nodes "a", "b" and so on, in lines from 10, whose last one's "result" is the colour.
-class Sample {
-public:
-    explicit Sample(const std::vector<CodeNode::Code>& codes) {
-        material_.file = "sample.xml";
-        material_.line = 1;
-        material_.name = "Sample";
-        for (const CodeNode::Code& code : codes) {
-            const std::size_t index = material_.items.size();
-            MaterialItem item;
-            item.id = std::string(1, static_cast<char>('a' + index));
-            item.node = std::make_shared<CodeNode>(code);
-            item.line = static_cast<int>(10 + index);
-            material_.items.push_back(item);
-            material_.downstream.push_back(index);
-        }
-        MaterialOutput output;
-        output.name = "colour";
-        output.source = material_.items.size() - 1;
-        output.record = std::make_shared<NodeConnection>();
-        output.record->sourcePort = "result";
-        material_.items.back().node->outputLinks.push_back(output.record);
-        material_.outputs.push_back(output);
-    }
-
-    ExportedMaterial shader() {
-        ExportOptions options;
-        options.print.framework = false;
-        return testing::exportedFrom(material_, options);
-    }
-    std::string error() {
-        return hostErrorOf([&] { shader(); });
-    }
-
-private:
-    Material material_;
-};
-
-/// A function of inputs "in0", "in1" and so on, submitted and fed by the "read" ports of others.
-Handle emitFunction(GraphGenerator& generator, const std::vector<Handle>& inputs, const ShaderType& output,
-                    ExecutionLevel level = ExecutionLevel::Automatic, const std::string& name = "f") {
-    FunctionBuilder builder;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        builder.addInput(inputs[i]->type, "value" + std::to_string(i));
-    }
-    builder.addOutput(output, "result");
-    builder.appendCode("\tresult = 0.5;\n");
-    const Handle function = builder.makeNode(level, name);
-    generator.addNode(function);
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        generator.connect(inputs[i], "read", function, "value" + std::to_string(i));
-    }
-    return function;
-}
-
-Handle submit(GraphGenerator& generator, const Handle& node) {
-    generator.addNode(node);
-    return node;
-}
-
-Handle interfaceOf(const std::string& name, const ShaderType& type) {
-    return makeParameterNode(NodeKind::InterfaceParameter, name, type);
-}
-
-Handle registerOf(std::int32_t index, std::int32_t number, const ShaderType& type,
-                  const std::string& name = {}) {
-    return makeParameterNode(NodeKind::RegisterParameter, name, type, 0, {index, number});
-}
-
-/// Reads a parameter and makes the colour of it.
-CodeNode::Code reader(const std::function<Handle()>& make, ExecutionLevel level = ExecutionLevel::Automatic) {
-    return [=](GraphGenerator& generator) {
-        return emitFunction(generator, {submit(generator, make())}, float3, level);
-    };
-}
-
-/// Writes a constant of that type to a parameter.
-CodeNode::Code writer(const std::function<Handle()>& make, const ShaderType& type,
-                      ExecutionLevel level = ExecutionLevel::Automatic) {
-    return [=](GraphGenerator& generator) {
-        const Handle value = emitFunction(generator, {}, type, level, "source");
-        generator.connect(value, "result", submit(generator, make()), "write");
-        return Handle();
-    };
-}
-
-/// A constant colour.
-Handle emitColour(GraphGenerator& generator) { return emitFunction(generator, {}, float3); }
+using Texts = std::vector<std::string>;
 
 const auto lamp = [] { return interfaceOf("lamp", float3); };
+
+/// A function from "value" to "result", which nothing feeds yet.
+Handle emitStep(GraphGenerator& generator, const std::string& name) {
+    FunctionBuilder builder;
+    builder.addInput(float3, "value");
+    builder.addOutput(float3, "result");
+    builder.appendCode("\tresult = value;\n");
+    return submit(generator, builder.makeNode(ExecutionLevel::Automatic, name));
+}
 
 /// What stands in a program from `main` on.
 std::string mainOf(const OutputFile& program) {
@@ -142,10 +51,48 @@ std::string mainOf(const OutputFile& program) {
 }
 
 TEST(Parameters, AreOfTypesThatThereAre) {
-    constexpr ShaderType nameless = {static_cast<ComponentType>(12), 1, 1, 1};
-    const auto uniform = [=] { return makeUniformParameter("Odd", nameless); };
-    testing::expectErrorAt(Sample({reader(uniform)}).error(), 10,
-                           {"node \"a\"", "component type", "author of its plug-in"});
+    for (const std::int32_t code : {-1, 12}) {
+        const ShaderType nameless = {static_cast<ComponentType>(code), 1, 1, 1};
+        const auto uniform = [=] { return makeUniformParameter("Odd", nameless); };
+        const std::string expected = "sample.xml:10: error: node \"a\" (\"Code\"): a value of its code has a "
+                                     "component type that there is "
+                                     "none of; report this to the author of its plug-in";
+        EXPECT_EQ(Sample({reader(uniform)}).error(), expected) << code;
+        EXPECT_EQ(Sample({reader(uniform)}).errors(), Texts{expected}) << code;
+    }
+}
+
+TEST(Parameters, OfTypesThatThereAreNotExcuseWhatTheCodeLacks) {
+    const auto brokenBeside = [](const CodeNode::Code& code) {
+        return [=](GraphGenerator& generator) {
+            submit(generator, makeUniformParameter("Odd", {static_cast<ComponentType>(12), 1, 1, 1}));
+            return code(generator);
+        };
+    };
+    const auto unfed = [](GraphGenerator& generator) { return emitStep(generator, "f"); };
+    for (const CodeNode::Code& code : {CodeNode::Code(unfed), reader(lamp)}) {
+        EXPECT_EQ(Sample({code}).errors().size(), 1U);
+        EXPECT_EQ(
+            Sample({brokenBeside(code)}).errors(),
+            Texts{
+                "sample.xml:10: error: node \"a\" (\"Code\"): a value of its code has a component type that "
+                "there is none of; report this to the author of its plug-in"});
+    }
+}
+
+TEST(Parameters, AreOfKindsThatThereAre) {
+    for (const std::int32_t code : {-1, 6}) {
+        const auto odd = [=](GraphGenerator& generator) {
+            const Handle node = emitColour(generator);
+            node->kind = static_cast<NodeKind>(code);
+            return node;
+        };
+        const std::string expected = "sample.xml:10: error: node \"a\" (\"Code\"): a node of its code is of "
+                                     "a kind that there is none of; "
+                                     "report this to the author of its plug-in";
+        EXPECT_EQ(Sample({odd}).error(), expected) << code;
+        EXPECT_EQ(Sample({odd}).errors(), Texts{expected}) << code;
+    }
 }
 
 TEST(InterfaceParameters, PassWhatIsWrittenToThem) {
@@ -183,8 +130,25 @@ TEST(InterfaceParameters, ConvertWhatIsWrittenToThem) {
 }
 
 TEST(InterfaceParameters, NeedOneWriter) {
-    expectError(Sample({reader(lamp)}).error(), "sample.xml:10",
-                {"node \"a\" (\"Code\")", "interface parameter \"lamp\" (float3,flags=0)", "no node writes"});
+    const std::string expected =
+        "sample.xml:10: error: node \"a\" (\"Code\"): this reads interface parameter \"lamp\" "
+        "(float3,flags=0), and no node writes it; add one that does";
+    EXPECT_EQ(Sample({reader(lamp)}).error(), expected);
+    EXPECT_EQ(Sample({reader(lamp)}).errors(), Texts{expected});
+    // whose code was to write it, perhaps
+    const auto broken = [](GraphGenerator&) -> Handle { throw ShaderError("out of order"); };
+    EXPECT_EQ(Sample({broken, reader(lamp)}).errors(),
+              Texts{"sample.xml:10: error: node \"a\" (\"Code\"): out of order"});
+    // and whose value is converted
+    const auto widened = [](GraphGenerator& generator) {
+        const Handle narrow = submit(generator, interfaceOf("lamp", float1));
+        const Handle step = emitStep(generator, "f");
+        generator.graph->connect(narrow, "read", step, "value"); // the graph itself takes every edge
+        return step;
+    };
+    EXPECT_EQ(Sample({widened}).errors(),
+              Texts{"sample.xml:10: error: node \"a\" (\"Code\"): this reads interface parameter \"lamp\" "
+                    "(float,flags=0), and no node writes it; add one that does"});
     expectError(
         Sample({writer(lamp, float3), writer(lamp, float3), reader(lamp)}).error(), "sample.xml:11",
         {"node \"b\" (\"Code\")", "interface parameter \"lamp\" (float3,flags=0)", "node \"a\" (\"Code\")"});
@@ -204,8 +168,9 @@ TEST(InterfaceParameters, MayNotFeedThemselves) {
 TEST(InterfaceParameters, NameAllThatFeedThemselves) {
     const auto passed = [](const char* from, const char* to) {
         return [=](GraphGenerator& generator) {
+            const Handle other = submit(generator, makeUniformParameter("other", float3));
             const Handle value =
-                emitFunction(generator, {submit(generator, interfaceOf(from, float3))}, float3);
+                emitFunction(generator, {other, submit(generator, interfaceOf(from, float3))}, float3);
             generator.connect(value, "result", submit(generator, interfaceOf(to, float3)), "write");
             return value;
         };
@@ -458,6 +423,34 @@ TEST(RegisterParameters, AreReadInTheirStage) {
 )");
 }
 
+TEST(RegisterParameters, OfConstantsAndSamplersAreUniforms) {
+    const auto readers = [](ExecutionLevel level, const std::vector<Handle>& registers) {
+        return Sample({[=](GraphGenerator& generator) {
+                   for (const Handle& entry : registers) {
+                       generator.addNode(entry);
+                   }
+                   return emitFunction(generator, registers, float3, level);
+               }})
+            .shader();
+    };
+    constexpr ShaderType sampler = {ComponentType::Sampler2D, 1, 1, 1};
+    const std::string vertex =
+        readers(ExecutionLevel::Vertex, {registerOf(registers::vertexConstant, 12, float1, "strength"),
+                                         registerOf(registers::vertexConstant, 12, float1),
+                                         registerOf(registers::vertexConstant, 13, float2),
+                                         registerOf(registers::vertexSampler, 1, sampler, "heights")})
+            .vertexProgram.content;
+    EXPECT_NE(vertex.find("\n\nuniform float strength : register( c12 );\n"
+                          "uniform float2 register_c13_ : register( c13 );\n"
+                          "uniform sampler2D heights : TEXUNIT1;\n\n"),
+              std::string::npos)
+        << vertex;
+    const std::string fragment =
+        readers(ExecutionLevel::Fragment, {registerOf(registers::fragmentSampler, 3, sampler, "paint")})
+            .fragmentProgram.content;
+    EXPECT_NE(fragment.find("\n\nuniform sampler2D paint : TEXUNIT3;\n\n"), std::string::npos) << fragment;
+}
+
 TEST(RegisterParameters, AreWrittenWithoutAnyOtherReader) {
     const ExportedMaterial shader =
         Sample({writer([] { return registerOf(17, 0, float1, "depth"); }, float1),
@@ -695,50 +688,135 @@ TEST(InnerEdges, OfTypesThatDoNotConvertAreRefused) {
         generator.graph->connect(pair, "read", last, "value");
         return last;
     };
-    expectError(
-        Sample({wrong}).error(), "sample.xml:10",
-        {"node \"a\" (\"Code\")", "uniform parameter \"pair\" (float2)", "function \"last\" (1/1/*)"});
+    const std::string expected =
+        "sample.xml:10: error: node \"a\" (\"Code\"), uniform parameter \"pair\" (float2), to \"value\" of "
+        "function \"last\" (1/1/*): cannot convert float2 to float3";
+    EXPECT_EQ(Sample({wrong}).error(), expected);
+    EXPECT_EQ(Sample({wrong}).errors(), Texts{expected}) << "nothing is missing because of it";
+}
+
+/// A function of one input, to which the code brings a uniform parameter by edges of those ports.
+CodeNode::Code joinedBy(const std::vector<std::pair<std::string, std::string>>& edges) {
+    return [=](GraphGenerator& generator) {
+        const Handle uniform = submit(generator, makeUniformParameter("u", float3));
+        const Handle function = emitStep(generator, "f");
+        for (const auto& [from, to] : edges) {
+            generator.graph->connect(uniform, from, function, to);
+        }
+        return function;
+    };
+}
+
+TEST(InnerEdges, OfPortsThatThereAreNotJoinNothing) {
+    const std::string unfed =
+        "sample.xml:10: error: node \"a\" (\"Code\"): nothing feeds \"value\" of function "
+        "\"f\" (1/1/*); report this to the author of its plug-in";
+    EXPECT_EQ(Sample({joinedBy({{"nope", "value"}})}).error(), unfed);
+    EXPECT_EQ(Sample({joinedBy({{"read", "nope"}})}).error(), unfed);
+    EXPECT_EQ(Sample({joinedBy({{"read", "nope"}, {"nope", "value"}, {"read", "value"}})}).error(), noError);
+}
+
+TEST(InnerEdges, MayNotLeadInACircle) {
+    const auto join = [](GraphGenerator& generator, const Handle& left, const Handle& right) {
+        generator.connect(left, "result", right, "value");
+        generator.connect(right, "result", left, "value");
+    };
+    const auto ofOneNode = [&](GraphGenerator& generator) {
+        const Handle last = emitStep(generator, "last");
+        join(generator, emitStep(generator, "first"), last);
+        return last;
+    };
+    EXPECT_EQ(
+        Sample({ofOneNode}).error(),
+        "sample.xml:10: error: node \"a\" (\"Code\"): the code of this node depends on itself; report this "
+        "to the author of its plug-in");
+    Handle first;
+    const auto emitFirst = [&](GraphGenerator& generator) { return first = emitStep(generator, "first"); };
+    const auto joinToFirst = [&](GraphGenerator& generator) {
+        const Handle last = emitStep(generator, "last");
+        join(generator, first, last);
+        return last;
+    };
+    EXPECT_EQ(Sample({emitFirst, joinToFirst}).error(),
+              "sample.xml:10: error: node \"a\" (\"Code\"): this needs its own value, through node \"b\" "
+              "(\"Code\"); take one of them out of the cycle");
+}
+
+TEST(Outputs, NeedTheCodeThatGivesThem) {
+    const std::string expected =
+        ": error: node \"a\" (\"Code\"): the code of this node does not provide the port "
+        "\"result\"; report this to the author of its plug-in";
+    const auto nothing = [](GraphGenerator&) { return Handle(); };
+    EXPECT_EQ(Sample({nothing}).error(), "sample.xml" + expected);
+    const auto notSubmitted = [](GraphGenerator&) { return makeUniformParameter("u", float3); };
+    EXPECT_EQ(Sample({notSubmitted}).error(), "sample.xml" + expected);
+    Sample connected({nothing, [](GraphGenerator& generator) { return emitStep(generator, "f"); }});
+    connected.connect(0, 1, "value");
+    EXPECT_EQ(connected.error(), "sample.xml:20" + expected) << "where only the reader links it";
+}
+
+TEST(Outputs, AreNumbersOfOneRow) {
+    const struct {
+        ShaderType type;
+        const char* name;
+    } rows[] = {
+        {{ComponentType::Sampler2D, 1, 1, 1}, "sampler2D"},
+        {{ComponentType::Void, 1, 1, 1}, "void"},
+        {{ComponentType::Float, 3, 3, 1}, "float3x3"},
+        {{ComponentType::Float, 3, 1, 2}, "float3[2]"},
+    };
+    for (const auto& row : rows) {
+        const auto odd = [&](GraphGenerator& generator) { return emitFunction(generator, {}, row.type); };
+        const std::string given = std::string(", and node \"a\" (\"Code\") gives \"result\" as ") + row.name;
+        EXPECT_EQ(Sample({odd}).error(),
+                  "sample.xml: error: output \"colour\" takes three components or one" + given);
+        EXPECT_EQ(Sample({odd}).error(true),
+                  "sample.xml: error: output \"colour\" takes one to four components" + given);
+    }
+    for (const ComponentType component :
+         {ComponentType::Float, ComponentType::Half, ComponentType::Fixed, ComponentType::Int}) {
+        const auto number = [&](GraphGenerator& generator) {
+            return emitFunction(generator, {}, {component, 3, 1, 1});
+        };
+        EXPECT_EQ(Sample({number}).error(), noError);
+    }
+}
+
+TEST(Outputs, ThatAreFixedAreLitAsHalf) {
+    const auto emitter = [](ComponentType component) {
+        return [=](GraphGenerator& generator) { return emitFunction(generator, {}, {component, 3, 1, 1}); };
+    };
+    for (const auto& [component, expected] : {std::pair{ComponentType::Fixed, "half3 in_emissive"},
+                                              {ComponentType::Half, "half3 in_emissive"},
+                                              {ComponentType::Int, "float3 in_emissive"}}) {
+        Sample sample({emitter(component), emitter(ComponentType::Half)});
+        sample.addOutput("emissive", 0);
+        const std::string program = sample.shader().fragmentProgram.content;
+        EXPECT_NE(program.find(expected), std::string::npos) << program;
+    }
 }
 
 TEST(InnerEdges, OfAnInputThatIsConnectedAreRefused) {
-    class FedNode : public MaterialNode {
-    public:
-        FedNode() : MaterialNode("Fed") {
-            inputs.emplace_back("value0");
-            outputs.emplace_back("result");
-            outputs.back().setComponentCount(3);
-        }
-        void generateCode(GraphGenerator& generator) override {
-            const Handle inner = submit(generator, makeUniformParameter("inner", float3));
-            attachLinks(generator, emitFunction(generator, {inner}, float3));
-        }
-    };
-    Material material;
-    material.file = "sample.xml";
-    const auto add = [&](const std::string& id, std::shared_ptr<MaterialNode> node) {
-        MaterialItem item;
-        item.id = id;
-        item.node = std::move(node);
-        item.line = static_cast<int>(10 + material.items.size());
-        material.downstream.push_back(material.items.size());
-        material.items.push_back(item);
-    };
-    add("a", std::make_shared<CodeNode>(emitColour));
-    add("b", std::make_shared<FedNode>());
-    MaterialConnection connection;
-    connection.source = 0;
-    connection.destination = 1;
-    connection.line = 20;
-    connection.record = std::make_shared<NodeConnection>();
-    connection.record->sourcePort = "result";
-    connection.record->destinationPort = "value0";
-    material.items[0].node->outputLinks.push_back(connection.record);
-    material.items[1].node->inputLinks.push_back(connection.record);
-    material.connections.push_back(connection);
-    EXPECT_EQ(
-        hostErrorOf([&] { joinGraph(material, generateGraph(material)); }),
-        "sample.xml:20: error: node \"b\" (\"Fed\"), input \"value0\": this connection feeds \"value0\" of "
-        "function \"f\" (1/1/*), and so does the code of node \"b\" (\"Fed\"); only one of them can");
+    Sample sample({emitColour, [](GraphGenerator& generator) {
+                       const Handle inner = submit(generator, makeUniformParameter("inner", float3));
+                       return emitFunction(generator, {inner}, float3);
+                   }});
+    sample.connect(0, 1, "value0");
+    EXPECT_EQ(sample.error(),
+              "sample.xml:20: error: node \"b\" (\"Code\"), input \"value0\": this connection feeds "
+              "\"value0\" of function \"f\" (1/1/*), and so does the code of node \"b\" (\"Code\"); only one "
+              "of them can");
+}
+
+TEST(InnerEdges, MayEndWhereAConnectionEndsThatIsLinkedTwice) {
+    std::shared_ptr<NodeConnection> connection;
+    Sample sample({emitColour, [&](GraphGenerator& generator) {
+                       const Handle function = emitStep(generator, "f");
+                       generator.linkInputPort(connection, function, "value");
+                       return function;
+                   }});
+    connection = sample.connect(0, 1, "value");
+    EXPECT_EQ(sample.error(), noError) << "it feeds what it fed before";
 }
 
 TEST(PrintOptions, AnnotationsNameTheTypes) {
@@ -759,6 +837,15 @@ TEST(PrintOptions, AnnotationsNameTheTypes) {
 	colour = float4( t_out_colour, 1.0 );
 }
 )");
+}
+
+TEST(PrintOptions, AnnotationsOfFunctionsWithoutInputsNameWhatTheyGive) {
+    Material material =
+        testing::built(testing::maths("m", "Invert") + testing::output("colour", "m", "out_value"));
+    ExportOptions options;
+    options.print.annotate = true;
+    const std::string text = mainOf(testing::exportedFrom(material, options).fragmentProgram);
+    EXPECT_NE(text.find("\t// node \"m\" (\"Maths\"): -> half out_value\n"), std::string::npos) << text;
 }
 
 TEST(PrintOptions, TheFrameworkIsLeftOut) {

@@ -2,6 +2,7 @@
 
 #include "host/checks/check_context.h"
 #include "host/dynamic_library.h"
+#include "nodemodel/shader_error.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 #include <filesystem>
 #include <regex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -333,6 +335,12 @@ TEST(PluginChecks, ShowTheFirstDifferenceOfTwoStates) {
               "\n: other: b became x\n: longer: nothing became b\n: shorter: b became nothing");
 }
 
+TEST(PluginChecks, TakeOnlyShaderErrorForARefusal) {
+    EXPECT_TRUE(detail::isRefused([] { throw ShaderError("no"); }));
+    EXPECT_FALSE(detail::isRefused([] {}));
+    EXPECT_THROW(detail::isRefused([] { throw std::runtime_error("broken"); }), std::runtime_error);
+}
+
 TEST(PluginChecks, SeeTheValuesOfPropertiesOfEveryKind) {
     PlainNode node;
     node.properties->items.clear();
@@ -346,6 +354,7 @@ TEST(PluginChecks, SeeTheValuesOfPropertiesOfEveryKind) {
     fresh("float")->setFloat(0.5F);
     fresh("string")->setString("text");
     fresh("colour")->setColour(0.0F, 0.5F, 1.0F);
+    fresh("odd")->kind = static_cast<PropertyType>(99);
     const auto choice = fresh("enum");
     choice->addEnumValue("One");
     choice->editable = false;
@@ -358,7 +367,7 @@ TEST(PluginChecks, SeeTheValuesOfPropertiesOfEveryKind) {
     EXPECT_EQ(detail::propertyState(node),
               (Texts{"property \"bool\" with value 1", "property \"integer\" with value -7",
                      "property \"float\" with value 0.5", "property \"string\" with value \"text\"",
-                     "property \"colour\" with value 0, 0.5, 1",
+                     "property \"colour\" with value 0, 0.5, 1", "property \"odd\" with value \"\"",
                      "property \"enum\" with value \"One\", not editable",
                      "property \"none\" with value no node, not visible",
                      "property \"other\" with value node \"Plain\" (Plain)"}));

@@ -329,10 +329,12 @@ CgPrograms programsWithRegisters() {
     fragmentInputs.push_back(flow.function(ExecutionLevel::Vertex, vertexInputs));
     fragmentInputs.push_back(flow.uniform("Paint", typeOf(ComponentType::Sampler2D, 1)));
     const StagedShader stages = flow.place(flow.function(ExecutionLevel::Fragment, fragmentInputs));
-    const ShaderNames names = nameShader(flow.material, flow.flow, stages);
-    const RegisterAssignment registers = assignRegisters(flow.material, flow.flow, stages);
-    const PrintOptions options;
-    const AssembledShader shader = {flow.material, flow.flow, stages, names, registers, options};
+    const AssembledShader shader = {flow.material,
+                                    flow.flow,
+                                    stages,
+                                    nameShader(flow.material, flow.flow, stages),
+                                    assignRegisters(flow.material, flow.flow, stages),
+                                    {}};
     return {printVertexProgram(shader), printFragmentProgram(shader)};
 }
 

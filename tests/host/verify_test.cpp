@@ -49,9 +49,9 @@ std::string verdictOn(const std::string& code, const std::string& input = "in_va
 }
 
 TEST(VerifyCode, RefusesConstantsThatAreNoNumbers) {
-    for (const char* code :
-         {"\tfloat x = float( inf );\n", "\tfloat x = float( -inf );\n", "\tfloat x = -inf;\n",
-          "\tfloat2 x = float2( 1, inf );\n", "\treturn inf;\n", "inf", "\tx = 1.0*inf/2.0;\n"}) {
+    for (const char* code : {"\tfloat x = float( inf );\n", "\tfloat x = float( -inf );\n",
+                             "\tfloat x = -inf;\n", "\tfloat2 x = float2( 1, inf );\n", "\treturn inf;\n",
+                             "inf", "\tx = 1.0*inf/2.0;\n", "/*/ */ inf", "/**/ inf", "/* */*/ inf"}) {
         expectError(verdictOn(code), "flow.xml:7", {"node \"a\" (\"Item\")", "\"inf\"", "zero"});
     }
     for (const char* code : {"\tfloat x = float( nan );\n", "\tfloat x = float( -nan );\n"}) {
@@ -63,7 +63,7 @@ TEST(VerifyCode, LeavesEverythingElseAlone) {
     for (const char* code :
          {"", "\tfloat x = information;\n", "\tfloat inf2 = 1.0;\n", "\tfloat _inf = 1.0;\n",
           "\tfloat inf = 1.0;\n\tx = inf;\n", "\tx = 1.0; // never inf\n", "\tx = 1.0; /* ( inf ) */\n",
-          "\tx = v.inf;\n", "/* unfinished inf", "// inf"}) {
+          "\tx = v.inf;\n", "/* unfinished inf", "// inf", "/*/ inf */", "/*/ inf"}) {
         EXPECT_EQ(verdictOn(code), noError) << code;
     }
     EXPECT_EQ(verdictOn("\tx = inf;\n", "inf"), noError);

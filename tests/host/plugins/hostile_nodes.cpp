@@ -217,6 +217,14 @@ public:
     }
 };
 
+/// Has a property of a kind that there is none of.
+class OddKindNode : public OutputNode {
+public:
+    explicit OddKindNode(const std::string& type) : OutputNode(type) {
+        addProperty("Odd", "Odd: of no kind.")->kind = static_cast<PropertyType>(99);
+    }
+};
+
 /// Takes one update and no more.
 class TiredNode : public OutputNode {
 public:
@@ -281,6 +289,7 @@ constexpr Type types[] = {
     {"ThrowingConstructor", create<ThrowingConstructorNode>},
     {"Nothing", createNothing},
     {"LooseInputs", create<LooseInputsNode>},
+    {"OddKind", create<OddKindNode>},
     {"Tired", create<TiredNode>},
     {"HungryCode", create<HungryCodeNode>},
     {"HungryLoad", create<HungryLoadNode>},

@@ -59,8 +59,8 @@ std::vector<WrongCode> nestedCodes(const std::string& type, int brackets, int si
         {type + "Brackets", begin + repeated("(", brackets - 1) + "1" + repeated(")", brackets - 1) + ";\n"},
         {type + "Blocks", begin + "1;\n" + repeated("{", brackets - 1) + repeated("}", brackets - 1)},
         {type + "Signs", begin + repeated("- ", signs - 5) + "1; // " + repeated("(", 1000) + "\n"},
-        {type + "Loops",
-         begin + "1;\n" + repeated("for ( part = 1; part > 1; part = 1 ) ", loops) + "part = 1;\n"},
+        {type + "Loops", begin + "1;\n\twhile ( part > 2 ) " +
+                             repeated("for ( part = 1; part > 1; part = 1 ) ", loops - 1) + "part = 1;\n"},
         {type + "Alternatives", begin + "1;\n\tif ( part > 1 ) part = 1;\n" +
                                     repeated("else if ( part > 2 ) part = 2;\n", alternatives)},
     };
@@ -73,6 +73,8 @@ std::vector<WrongCode> makeWrongCodes() {
         {"RenamesTheFramework", "\tout_colour = value;\n#define QelShade Nothing\n"},
         {"OpenBrace", "\tout_colour = value; // }\n\t{\n"},
         {"ClosedBrace", "\tout_colour = value;\n\t}\n"},
+        {"ReversedBraces", "\tout_colour = value;\n\t} }\n\t{ {\n"},
+        {"ClosedBracket", "\tout_colour = value );\n"},
         {"Comments", "\tout_colour = value; // {\n\t/* } */\n"},
         {"MovesLines", "#line 5000\n\tout_colour = value * nowhere;\n"},
     };
