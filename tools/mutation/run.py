@@ -9,6 +9,7 @@ from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
 
 MEMORY = 4 << 30   # bytes that a test may address; a mutant may ask for any
+GRACE = 3.0         # seconds beyond ten times what tests take without a mutant
 QUICK = 0.1         # seconds; tests that take longer are run after the others
 
 
@@ -32,6 +33,7 @@ class Runner:
     def __init__(self, tree, jobs):
         self.tree = tree
         self.jobs = jobs
+        self.late = []  # a name for each run that did not come to an end in time
         self.scratch = queue.SimpleQueue()
         self.directories = [tempfile.TemporaryDirectory(prefix="mutation-") for _ in range(jobs)]
         for directory in self.directories:
@@ -49,6 +51,7 @@ class Runner:
                 try:
                     return process.wait(seconds) == 0
                 except subprocess.TimeoutExpired:
+                    self.late.append(program.name)
                     process.kill()
                     return False
         finally:
@@ -106,5 +109,5 @@ class Runner:
 
     def pass_with(self, mutant, program, tests):
         arguments = ["--gtest_fail_fast", "--gtest_filter=" + ":".join(test.name for test in tests)]
-        seconds = 1 + 10 * min(program.seconds, sum(test.seconds for test in tests))
+        seconds = GRACE + 10 * min(program.seconds, sum(test.seconds for test in tests))
         return not tests or self.execute(program, arguments, seconds, {"PATINA_MUTANT": str(mutant.number)})
