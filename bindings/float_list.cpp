@@ -22,8 +22,8 @@ bool isHexDigit(char letter) { return isDigit(letter) || (letter >= 'a' && lette
 
 /// A number without sign and prefix, in lower case.
 struct Mantissa {
-    std::string_view text; ///< digits and point, and the exponent when it is complete
-    std::size_t digits = 0;
+    std::string_view text; ///< digits, point and exponent
+    bool hasDigits = false;
     std::int64_t magnitude = 0; ///< the number is just below 10, or 2, to this power
 };
 
@@ -37,7 +37,7 @@ std::int64_t exponentValue(std::string_view digits) {
     return value;
 }
 
-/// Scans the longest number at the start of `text`; an exponent letter without digits behind it is left out.
+/// Scans the longest number at the start of `text`. An exponent may lack its digits: no conversion takes it.
 Mantissa scanMantissa(std::string_view text, bool hexadecimal) {
     Mantissa mantissa;
     std::int64_t integerDigits = 0; // from the first significant digit to the point
@@ -50,7 +50,7 @@ Mantissa scanMantissa(std::string_view text, bool hexadecimal) {
         if (letter == '.' && !behindPoint) {
             behindPoint = true;
         } else if (hexadecimal ? isHexDigit(letter) : isDigit(letter)) {
-            ++mantissa.digits;
+            mantissa.hasDigits = true;
             significant = significant || letter != '0';
             if (significant && !behindPoint) {
                 ++integerDigits;
@@ -64,7 +64,7 @@ Mantissa scanMantissa(std::string_view text, bool hexadecimal) {
     if (significant) {
         mantissa.magnitude = (integerDigits > 0 ? integerDigits : -leadingZeros) * (hexadecimal ? 4 : 1);
     }
-    if (mantissa.digits > 0 && end < text.size() && text[end] == (hexadecimal ? 'p' : 'e')) {
+    if (end < text.size() && text[end] == (hexadecimal ? 'p' : 'e')) {
         std::size_t first = end + 1;
         const bool negative = first < text.size() && text[first] == '-';
         if (negative || (first < text.size() && text[first] == '+')) {
@@ -74,13 +74,11 @@ Mantissa scanMantissa(std::string_view text, bool hexadecimal) {
         while (last < text.size() && isDigit(text[last])) {
             ++last;
         }
-        if (last > first) {
-            const std::int64_t exponent = exponentValue(text.substr(first, last - first));
-            if (significant) {
-                mantissa.magnitude += negative ? -exponent : exponent;
-            }
-            end = last;
+        const std::int64_t exponent = exponentValue(text.substr(first, last - first));
+        if (significant) {
+            mantissa.magnitude += negative ? -exponent : exponent;
         }
+        end = last;
     }
     mantissa.text = text.substr(0, end);
     return mantissa;
@@ -116,20 +114,19 @@ std::optional<float> parseUnsigned(std::string_view text) {
     if (text.starts_with("0x")) {
         const std::string_view digits = text.substr(2);
         const Mantissa mantissa = scanMantissa(digits, true);
-        if (mantissa.digits > 0) {
+        if (mantissa.hasDigits) {
             return convert(mantissa, true);
         }
         // a bare prefix is no number, but a point behind it leaves the zero to be read
         return digits.starts_with('.') ? std::optional<float>(0.0F) : std::nullopt;
     }
     const Mantissa mantissa = scanMantissa(text, false);
-    return mantissa.digits > 0 ? std::optional<float>(convert(mantissa, false)) : std::nullopt;
+    return mantissa.hasDigits ? std::optional<float>(convert(mantissa, false)) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<float> parseLeadingFloat(std::string_view text) {
-    text = text.substr(0, text.find('\0'));
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {

@@ -15,7 +15,7 @@ constexpr int significantDigits = 6;
 /// Appends a number that needs no exponent, in a fraction of the time. Gives false, and appends nothing, for
 /// all others.
 bool appendShortFloat(std::string& text, float value) {
-    constexpr std::array<double, 11> powers = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
+    constexpr std::array<double, 10> powers = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
     constexpr double smallest = 1e5; // with all significant digits before the point
     constexpr std::uint32_t beyond = 1000000;
     if (value == 0.0F && !std::signbit(value)) {

@@ -113,7 +113,6 @@ std::shared_ptr<GeneratorNode> detail::makeFunctionNode(const std::vector<Functi
                                                         ExecutionLevel level, const std::string& name,
                                                         std::string code) {
     auto node = std::make_shared<GeneratorNode>();
-    node->kind = NodeKind::Function;
     node->name = name;
     node->level = level;
     node->code = std::move(code);

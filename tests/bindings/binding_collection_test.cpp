@@ -11,6 +11,7 @@ namespace {
 TEST(AddToBindingCollection, AppendsInOrder) {
     BindingCollection collection;
     EXPECT_TRUE(collection.bindings.empty());
+    EXPECT_FALSE(collection.sorted);
     const auto first = createBinding(BindingKind::Float, "z", 1);
     const auto second = createBinding(BindingKind::Texture, "a", 1);
     const auto third = createBinding(BindingKind::Float, "m", 4);

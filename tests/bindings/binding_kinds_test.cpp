@@ -64,6 +64,17 @@ TEST(BindingKinds, HaveTheirDatasetModifiers) {
     }
 }
 
+TEST(BindingKinds, StartWithTheirDefaultsInThePlainClassToo) {
+    for (const KindRow& row : kindRows) {
+        SCOPED_TRACE(row.name);
+        const Binding binding(row.kind, "b", 1);
+        EXPECT_EQ(binding.uiType, row.uiType);
+        EXPECT_EQ(binding.streamType, row.streamType);
+        EXPECT_EQ(binding.datasetModifiers, row.datasetModifiers);
+        EXPECT_EQ(detail::bindingKindDefaults(row.kind).streamNormalise, row.streamNormalise);
+    }
+}
+
 TEST(CreateBinding, MakesTheClassOfTheKindWithTheKindsDefaults) {
     for (const KindRow& row : kindRows) {
         SCOPED_TRACE(row.name);
@@ -245,6 +256,10 @@ constexpr StreamTypeRow streamTypeRows[] = {
     {" short", " short", " short"},
     {"shorts", "shorts", "shorts"},
 };
+
+TEST(LowerCase, ChangesTheTwentySixLettersAlone) {
+    EXPECT_EQ(detail::lowerCase("@AMZ[ `amz{ 09 \xC3\x84"), "@amz[ `amz{ 09 \xC3\x84");
+}
 
 TEST(StreamTypeFor, GivesTheCodeOfAWord) {
     for (const StreamTypeRow& row : streamTypeRows) {

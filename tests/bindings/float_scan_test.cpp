@@ -41,7 +41,7 @@ TEST(ParseLeadingFloat, ReadsBlanksAsScanfDoes) {
 TEST(ParseLeadingFloat, ReadsSignsAndPointsAsScanfDoes) {
     expectReadAsScanfReads(wordsOf(R"(
         + - +1 -1 ++1 --1 +-1 -+1 . -. +. .. 1. -1. +1. .5 -.5 +.5 1..2 1.2.3 .5.5 ..5 -..5 5,5 ,5 1'000 1_000
-        00 007 -0 +0 -0.0 -.0 0. -0. 1-2 1+2 $1 #1 a1 e5 .e5 -e5 +.e1 1x 1f 1.5f 1.f 1l 1.5px
+        00 007 -0 +0 -0.0 -.0 0. -0. 1-2 1+2 $1 #1 : / :1 /1 1: 1/ -: 0x: 0x/ 0x@ 0x` 0xg a1 e5 .e5 -e5 +.e1 1x 1f 1.5f 1.f 1l 1.5px
     )"));
 }
 
@@ -64,7 +64,7 @@ TEST(ParseLeadingFloat, ReadsLongDecimalShapesAsScanfDoes) {
         "0." + zeros400 + zeros400 + zeros400 + "1e1201", "1" + zeros400 + zeros400 + zeros400 + "e-1200",
         "1" + zeros400, "-1" + zeros400, "1" + zeros400 + "e-400", "1" + zeros400 + "e-430", "1" + zeros400 + "e-500",
         zeros400, zeros400 + "1", "-" + zeros400 + "." + zeros400, nines400, nines400 + "e-400",
-        nines400 + "." + nines400 + "e-362", "1e" + zeros400 + "5", "1e-" + zeros400 + "5",
+        nines400 + "." + nines400 + "e-362", nines400 + "x-999", nines400 + "e1\x80\x80", "1e" + zeros400 + "5", "1e-" + zeros400 + "5",
     });
 }
 

@@ -254,6 +254,17 @@ TEST(ConstantBindings, AreNotMadeOfNoComponents) {
     EXPECT_TRUE(bindingsOf(node).empty());
 }
 
+TEST(ConstantBindings, HaveNoAlphaOnceItIsOffEvenWhileThePortIsThere) {
+    ConstantNode node;
+    property(node, "Alpha").setBool(true);
+    node.updateFromProperties(nullptr);
+    node.outputPort("alpha").connected = true;
+    property(node, "Alpha").setBool(false);
+    const auto bindings = bindingsOf(node);
+    ASSERT_EQ(bindings.size(), 1U);
+    EXPECT_EQ(bindings[0]->componentCount(), 3U);
+}
+
 TEST(ConstantBindings, HaveNoAlphaBeforeTheNodeHasThePort) {
     ConstantNode node;
     property(node, "Alpha").setBool(true);

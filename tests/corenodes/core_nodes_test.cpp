@@ -1,3 +1,4 @@
+#include "corenodes/core_node_support.h"
 #include "corenodes/corenodes.h"
 #include "tests/corenodes/node_checks.h"
 #include "tests/support/messages.h"
@@ -50,6 +51,14 @@ TEST(CoreNodes, StartWithoutResolutionAndLinks) {
         EXPECT_TRUE(row.node->inputLinks.empty());
         EXPECT_TRUE(row.node->outputLinks.empty());
     }
+}
+
+TEST(CoreNodes, KnowWhichOutputsAreConnected) {
+    VertexColourNode node;
+    EXPECT_FALSE(isOutputConnected(node, "out_colour"));
+    node.outputPort("out_colour").connected = true;
+    EXPECT_TRUE(isOutputConnected(node, "out_colour"));
+    EXPECT_FALSE(isOutputConnected(node, "out_alpha"));
 }
 
 TEST(CoreNodes, ReportUnknownPorts) {

@@ -57,6 +57,7 @@ TEST(UvBindings, NameTheUvSet) {
     EXPECT_EQ(dynamic_cast<TextureBinding*>(&binding), nullptr);
     EXPECT_EQ(binding.kind, BindingKind::Uv);
     EXPECT_EQ(binding.name, "map1");
+    EXPECT_EQ(binding.componentCount(), 1U);
     EXPECT_EQ(binding.uiType, UiType::UvSet);
     EXPECT_EQ(binding.streamType, "f32");
     EXPECT_EQ(binding.datasetModifiers, "oneminus|v");

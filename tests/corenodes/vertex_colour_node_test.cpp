@@ -133,6 +133,7 @@ TEST(VertexColourBindings, NameTheColourSet) {
         EXPECT_EQ(dynamic_cast<TextureBinding*>(&binding), nullptr);
         EXPECT_EQ(binding.kind, BindingKind::Colour);
         EXPECT_EQ(binding.name, "colourSet1");
+        EXPECT_EQ(binding.componentCount(), 1U);
         EXPECT_EQ(binding.uiType, UiType::VtxColourSet);
         EXPECT_EQ(binding.streamType, "u8n");
         EXPECT_EQ(binding.datasetModifiers, "");

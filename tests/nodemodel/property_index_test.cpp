@@ -107,6 +107,15 @@ TEST(PropertyIndex, FindsExactNamesOnly) {
     EXPECT_FALSE(PropertyIndex().contains(""));
 }
 
+TEST(PropertyIndex, SaysWhichNameThereIsNot) {
+    try {
+        (void)indexOf({"Alpha"}).at("alpha");
+        FAIL() << "found";
+    } catch (const std::out_of_range& error) {
+        EXPECT_STREQ(error.what(), "there is no property \"alpha\"");
+    }
+}
+
 TEST(PropertyIndex, ANameIsTakenOnce) {
     PropertyIndex index;
     const auto first = makeProperty("Name");

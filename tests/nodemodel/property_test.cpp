@@ -59,7 +59,7 @@ const Kind kinds[] = {
      [](Property& p) { readColour(p); }, "cannot read colour value from non-colour property \"Gloss\""},
     {PropertyType::Enum, [](Property& p) { p.addEnumValue("a"); }, [](Property& p) { (void)p.getEnum(); },
      "cannot read enum value from non-enum property \"Gloss\""},
-    {PropertyType::Node, [](Property& p) { p.addNodeTypename("a"); }, [](Property& p) { (void)p.getNode(); },
+    {PropertyType::Node, [](Property& p) { p.addNodeTypename("b"); }, [](Property& p) { (void)p.getNode(); },
      "cannot read node value from non-node property \"Gloss\""},
 };
 
@@ -97,6 +97,19 @@ TEST(Property, EachKindIsReadByItsOwnGetterOnly) {
             const std::string expected = made.type == asked.type ? "(no ShaderError)" : asked.wrongKind;
             EXPECT_EQ(shaderErrorOf([&] { asked.read(*property); }), expected);
             EXPECT_EQ(stateOf(*property), before);
+        }
+    }
+}
+
+TEST(Property, EverySetterMakesItOfItsOwnKindWhateverItWas) {
+    for (const Kind& before : kinds) {
+        for (const Kind& made : kinds) {
+            if (before.type != made.type) {
+                const auto property = makeProperty("Gloss");
+                before.become(*property);
+                made.become(*property);
+                EXPECT_EQ(property->kind, made.type);
+            }
         }
     }
 }

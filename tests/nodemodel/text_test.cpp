@@ -43,6 +43,10 @@ constexpr FloatText floatTexts[] = {
     {-999999.5F, "-1e+06"},
     {9.9999995F, "10"},
     {0.99999997F, "1"},
+    // just below the middle between two texts
+    {0.0100001497F, "0.0100001"},
+    {0.001000055F, "0.00100005"},
+    {0.0001000915F, "0.000100091"},
     {std::numeric_limits<float>::infinity(), "inf"},
     {-std::numeric_limits<float>::infinity(), "-inf"},
     {std::numeric_limits<float>::quiet_NaN(), "nan"},

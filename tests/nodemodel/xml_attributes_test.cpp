@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace patina {
 
@@ -48,6 +49,21 @@ TEST(XmlAttributes, AreWrittenAndRead) {
     writeAttribute(document.root(), "tag", "Diffuse");
     EXPECT_EQ(document.text(), "<binding tag=\"Diffuse\"/>");
     EXPECT_EQ(readAttribute(document.root(), "tag"), "Diffuse");
+}
+
+xmlFreeFunc libraryFree = nullptr;
+int freed = 0;
+
+TEST(XmlAttributes, FreeTheCopyThatTheyReadFrom) {
+    const Document document("<binding tag=\"Diffuse\"/>");
+    libraryFree = std::exchange(xmlFree, [](void* text) {
+        ++freed;
+        libraryFree(text);
+    });
+    const std::string read = readAttribute(document.root(), "tag");
+    xmlFree = libraryFree;
+    EXPECT_EQ(read, "Diffuse");
+    EXPECT_EQ(freed, 1);
 }
 
 TEST(XmlAttributes, ASecondWriteReplacesTheFirst) {

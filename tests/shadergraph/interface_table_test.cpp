@@ -52,6 +52,8 @@ private:
 
 using Diary = std::vector<std::string>;
 
+TEST(InterfaceKey, HasNoFlagsUnlessTheyAreGiven) { EXPECT_EQ(InterfaceKey{"uv"}.flags, 0); }
+
 TEST(InterfaceKey, IsOrderedByNameByteByByteThenBySignedFlags) {
     const InterfaceKey ascending[] = {
         {"", smallest},

@@ -113,6 +113,8 @@ constexpr ShapeRow shapes[] = {
     {{ComponentType::Float, 1, 1, 8}, "float[8]", "float value[8]"},
     {{ComponentType::Float, 4, 1, 8}, "float4[8]", "float4 value[8]"},
     {{ComponentType::Float, 4, 1, 2}, "float4[2]", "float4 value[2]"},
+    {{ComponentType::Float, 1, 1, 9}, "float[9]", "float value[9]"},
+    {{ComponentType::Float, 1, 1, 10}, "float[10]", "float value[10]"},
     {{ComponentType::Half, 4, 3, 16}, "half3x4[16]", "half3x4 value[16]"},
     {{ComponentType::Sampler2D, 1, 1, 4}, "sampler2D[4]", "sampler2D value[4]"},
     // sizes that are no sizes print like 1
