@@ -6,6 +6,7 @@
 #include "plugin/plugin.h"
 #include "shadergraph/shadergraph.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -29,8 +30,9 @@ public:
     }
 
     void updateFromProperties(void* /*hostContext*/) override {
-        inputs.front().setComponentCount(componentCount_->getInteger());
-        outputs.front().setComponentCount(componentCount_->getInteger());
+        const auto count = static_cast<std::uint32_t>(componentCount_->getInteger());
+        inputs.front().setComponentCount(count);
+        outputs.front().setComponentCount(count);
     }
 
     void generateCode(GraphGenerator& generator) override {
