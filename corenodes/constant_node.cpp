@@ -56,8 +56,10 @@ ConstantNode::ConstantNode() : MaterialNode(staticTypeName(), ownProperties.layo
     setName("Constant");
     setBodyColour(0.8F, 1.0F, 0.8F);
 
-    takeOwnProperties(*this, {&constantType_, &componentCount_, &defaultColour_, &minScalar_, &maxScalar_,
-                              &defaultScalar_, &alpha_, &defaultAlpha_, &lock_, &basicColour_});
+    const std::initializer_list<std::shared_ptr<Property>*> handles = {
+        &constantType_,  &componentCount_, &defaultColour_, &minScalar_, &maxScalar_,
+        &defaultScalar_, &alpha_,          &defaultAlpha_,  &lock_,      &basicColour_};
+    takeOwnProperties(*this, handles);
     setEnumValues(*constantType_, {colourType, scalarType, componentType, vectorType});
     componentCount_->setInteger(4);
     defaultColour_->setColour(0.0F, 0.0F, 0.0F);
