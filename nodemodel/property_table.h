@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <span>
 #include <string_view>
 
@@ -72,16 +73,16 @@ consteval auto declareProperties(const std::array<PropertyDeclaration, Own>& own
     const auto first = std::copy(detail::standardDeclarations.begin(), detail::standardDeclarations.end(),
                                  table.declarations.begin());
     std::copy(own.begin(), own.end(), first);
-    for (std::size_t i = 0; i < table.order.size(); ++i) {
-        table.order[i] = static_cast<std::uint32_t>(i);
-    }
+    std::iota(table.order.begin(), table.order.end(), std::uint32_t{0});
     std::sort(table.order.begin(), table.order.end(), [&](std::uint32_t left, std::uint32_t right) {
         return table.declarations[left].name < table.declarations[right].name;
     });
-    for (std::size_t i = 1; i < table.order.size(); ++i) {
-        if (table.declarations[table.order[i - 1]].name == table.declarations[table.order[i]].name) {
-            throw "two properties have one name"; // ends the compilation
-        }
+    const auto taken = std::adjacent_find(
+        table.order.begin(), table.order.end(), [&](std::uint32_t left, std::uint32_t right) {
+            return table.declarations[left].name == table.declarations[right].name;
+        });
+    if (taken != table.order.end()) {
+        throw "two properties have one name"; // ends the compilation
     }
     return table;
 }

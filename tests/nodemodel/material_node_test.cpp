@@ -55,6 +55,29 @@ const StandardProperty standardProperties[] = {
      true, true, 2, &MaterialNode::helpUrlProperty},
 };
 
+/// A node as plug-ins write them, which adds its properties one by one.
+class AddingNode final : public MaterialNode {
+public:
+    AddingNode() : MaterialNode("TestAdding") {
+        width = addProperty("Width", "Width: how wide.");
+        again = shaderErrorOf([this] { addProperty("Width", "Width: once more."); });
+    }
+    void generateCode(GraphGenerator& /*generator*/) override {}
+
+    std::shared_ptr<Property> width;
+    std::string again;
+};
+
+TEST(MaterialNode, AddsPropertiesBehindTheStandardOnes) {
+    const AddingNode node;
+    ASSERT_EQ(node.properties->items.size(), std::size(standardProperties) + 1);
+    EXPECT_EQ(node.properties->items.back(), node.width);
+    EXPECT_EQ(node.properties->find("Width"), node.width);
+    EXPECT_EQ(node.width->name, "Width");
+    EXPECT_EQ(node.width->help, "Width: how wide.");
+    EXPECT_EQ(node.again, "property with name \"Width\" already exists");
+}
+
 TEST(MaterialNode, HasTheEightStandardProperties) {
     const PlainNode node;
     ASSERT_EQ(node.properties->items.size(), std::size(standardProperties));

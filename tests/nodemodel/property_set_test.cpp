@@ -83,7 +83,7 @@ TEST(PropertySet, RefusesATakenName) {
 }
 
 // in no order, and one name that begins as another does
-constexpr auto table = declareProperties({
+const auto table = declareProperties({
     {"Width", "Width: how wide."},
     {"Alpha", ""},
     {"Nam", "Nam: less than Name."},

@@ -48,7 +48,7 @@ class Mutant:
 
 @dataclass
 class Constexpr:
-    """A constexpr that keeps what it introduces from being evaluated at run time."""
+    """A constexpr or consteval that keeps what it introduces from being evaluated at run time."""
     start: int
     name: str
     replacement: str
@@ -128,7 +128,7 @@ class Finder:
 
     def note_constexpr(self, cursor, replacement, is_variable):
         start = cursor.extent.start.offset
-        found = re.search(r"\bconstexpr\b", self.source.text[start:cursor.location.offset])
+        found = re.search(r"\bconst(?:expr|eval)\b", self.source.text[start:cursor.location.offset])
         if found:
             self.source.constexprs.append(
                 Constexpr(start + found.start(), cursor.spelling, replacement, is_variable))
