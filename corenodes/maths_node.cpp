@@ -106,7 +106,7 @@ constexpr std::array<InputDefault, 11> inputDefaults = {{
      "Default Scale: the default value for the port \"scale\" when no edge is connected.", 1.0F},
 }};
 
-constexpr auto ownProperties = declareProperties([] {
+constexpr std::array<PropertyDeclaration, 2 + inputDefaults.size()> ownDeclarations() {
     std::array<PropertyDeclaration, 2 + inputDefaults.size()> declarations = {};
     declarations.front() = {"Function", "Function: the type of mathematical function to perform."};
     for (std::size_t i = 0; i < inputDefaults.size(); ++i) {
@@ -118,7 +118,9 @@ constexpr auto ownProperties = declareProperties([] {
         "example to force some uv arithmetic to be done per-vertex (possibly using more "
         "interpolants to do so). Usually this should be left at \"Automatic\"."};
     return declarations;
-}());
+}
+
+constexpr auto ownProperties = declareProperties(ownDeclarations());
 
 /// The index of the property that feeds an input, or the number of them when there is none.
 std::size_t defaultIndexOf(std::string_view portName) {
