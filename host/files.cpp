@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <ctime>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -17,7 +16,6 @@
 #if defined(_WIN32)
 #include <io.h>
 #else
-#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -60,42 +58,11 @@ std::filesystem::path hiddenName(const std::filesystem::path& target, int attemp
 
 constexpr int nameAttempts = 1000;
 
-/// Whether a temporary file was left behind by a process that was killed: none takes a day to write one.
-/// Since then its directory has changed, by the same clock. When a file was linked counts, not when it was
-/// written.
-bool isLeftBehind([[maybe_unused]] const std::filesystem::path& file) {
-#if defined(_WIN32)
-    return false;
-#else
-    constexpr double longest = 24.0 * 60 * 60;
-    struct stat entry = {}; // stays as it is where the file has gone meanwhile
-    struct stat directory = {};
-    lstat(file.c_str(), &entry);
-    stat((file.parent_path() / ".").c_str(), &directory);
-    return S_ISREG(entry.st_mode) && std::difftime(directory.st_mtime, entry.st_ctime) > longest;
-#endif
-}
-
 void removeIfNamed(const std::filesystem::path& file) {
     if (!file.empty()) {
         std::error_code ignored;
         std::filesystem::remove(file, ignored);
     }
-}
-
-/// Makes a new file, also in the place of one that was left behind. Null, with the reason, when it cannot.
-FileHandle makeFile(const std::filesystem::path& name, std::error_code& error) {
-    const auto make = [&] {
-        FileHandle file(std::fopen(name.string().c_str(), "wbx"));
-        error = file ? std::error_code() : lastError();
-        return file;
-    };
-    FileHandle file = make();
-    if (error == std::errc::file_exists && isLeftBehind(name)) {
-        removeIfNamed(name);
-        file = make();
-    }
-    return file;
 }
 
 /// Waits until the disk has all that was written. Gives whether it has.
@@ -179,13 +146,16 @@ public:
 private:
     /// Makes a file of a name that nobody else uses, so that exports side by side do not meet.
     FileHandle open() {
-        std::error_code error = std::make_error_code(std::errc::file_exists);
-        for (int attempt = 0; error == std::errc::file_exists && attempt < nameAttempts; ++attempt) {
+        for (int attempt = 0; attempt < nameAttempts; ++attempt) {
             temporary_ = hiddenName(target_, attempt);
-            if (FileHandle file = makeFile(temporary_, error)) {
+            if (FileHandle file{std::fopen(temporary_.string().c_str(), "wbx")}) {
                 return file;
             }
+            if (errno != EEXIST) {
+                break;
+            }
         }
+        const std::error_code error = lastError();
         temporary_.clear();
         throwFileError(target_, cannotWrite, error);
     }

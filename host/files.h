@@ -30,9 +30,9 @@ struct OutputFile {
 /// the earlier one; of a symbolic link, it is the target that is replaced. When one cannot take its place,
 /// those before it give theirs back. Throws HostError then, and when an earlier file is write-protected or no
 /// regular file; no file has changed. A process that is killed meanwhile leaves each file as it was or as it
-/// shall be, and may leave temporary ones, ".patina-0.tmp" and the like; one that is a day old goes when its
-/// name is needed. What is written can be made again, and need not outlive a crash of the system: nothing
-/// waits for the disk.
+/// shall be, and may leave temporary ones, ".patina-0.tmp" and the like, which nothing here removes: another
+/// process may be writing them. What is written can be made again, and need not outlive a crash of the
+/// system: nothing waits for the disk.
 std::size_t writeFiles(const std::filesystem::path& directory, const std::vector<OutputFile>& files);
 
 /// Writes one file, which is somebody's work. It is complete under a temporary name beside the earlier one,
