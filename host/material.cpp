@@ -78,9 +78,19 @@ private:
                                      joinText({"no plug-in offers the type \"", saved.type, "\" of node \"",
                                                saved.id, "\"; a placeholder stands in for it"})});
             }
-            indexById_.emplace(saved.id, material_.items.size());
-            material_.items.push_back(std::move(item));
+            enter(std::move(item));
         }
+    }
+
+    void enter(MaterialItem item) {
+        const auto [entry, isNew] = indexById_.emplace(item.id, material_.items.size());
+        if (!isNew) {
+            item.faulty = true;
+            attempt(errors_, [&] {
+                fail(item.line, {"there is another node with the id \"", item.id, "\""});
+            });
+        }
+        material_.items.push_back(std::move(item));
     }
 
     std::shared_ptr<MaterialNode> createNode(const MaterialItem& item, const DocumentNode& saved) const {
@@ -196,9 +206,8 @@ private:
         };
         const std::shared_ptr<PropertySet> set = makeSavedSet(saved.type, saved.version);
         for (const DocumentProperty& property : saved.properties) {
-            if (item.placeholder) {
-                addUnderstood(*set, saved, property, item, nodeOfId);
-            } else if (!attempt(errors_, [&] { addSaved(*set, saved, property, item, nodeOfId); })) {
+            const auto add = item.placeholder ? &MaterialBuilder::addUnderstood : &MaterialBuilder::addSaved;
+            if (!attempt(errors_, [&] { (this->*add)(*set, saved, property, item, nodeOfId); })) {
                 item.faulty = true;
             }
         }
@@ -242,6 +251,14 @@ private:
         }
     }
 
+    /// No file says so, as reading it refuses that; a document that a program made may.
+    void requireSetOnce(const PropertySet& set, const DocumentNode& node,
+                        const DocumentProperty& saved) const {
+        if (set.byName.count(saved.name) != 0) {
+            fail(saved.line, {"node \"", node.id, "\": property \"", saved.name, "\" is set twice"});
+        }
+    }
+
     void addSaved(PropertySet& set, const DocumentNode& node, const DocumentProperty& saved,
                   const MaterialItem& item, const NodeOfId& nodeOfId) {
         if (saved.name == typePropertyName) {
@@ -251,6 +268,7 @@ private:
             }
             return;
         }
+        requireSetOnce(set, node, saved);
         if (item.node->properties->byName.count(saved.name) == 0) {
             warnings_.push_back({{document_.file, saved.line},
                                  joinText({"node \"", node.id, "\": type \"", node.type,
@@ -262,12 +280,13 @@ private:
     /// A placeholder has but the properties of every node. Whatever else is saved, or of another form, means
     /// something to the missing type only; the document keeps it.
     void addUnderstood(PropertySet& set, const DocumentNode& node, const DocumentProperty& saved,
-                       const MaterialItem& item, const NodeOfId& nodeOfId) const {
+                       const MaterialItem& item, const NodeOfId& nodeOfId) {
         const auto target = item.node->properties->byName.find(saved.name);
         const bool isUnderstood = saved.name != typePropertyName &&
                                   target != item.node->properties->byName.end() &&
                                   target->second->kind == saved.kind;
         if (isUnderstood) {
+            requireSetOnce(set, node, saved);
             Errors ignored;
             attempt(&ignored, [&] { set.add(savedProperty(document_.file, node.id, saved, nodeOfId)); });
         }
@@ -286,7 +305,8 @@ private:
         for (const DocumentProperty& property : saved.properties) {
             const auto value = set.byName.find(property.name);
             const auto target = own.byName.find(property.name);
-            if (property.name == typePropertyName || value == set.byName.end()) {
+            if (property.name == typePropertyName || value == set.byName.end() ||
+                rest->byName.count(property.name) != 0) {
                 continue;
             }
             try {

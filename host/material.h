@@ -90,12 +90,13 @@ struct Material {
 /// and connects them. A node of an unknown type becomes a placeholder, with a warning; the document keeps all
 /// that is saved of it.
 ///
-/// Throws HostError, naming line and node, for a value that does not parse, an unknown id or port, an input
-/// that is connected twice, a cycle of connections or of references, and whatever a node refuses. With
-/// `errors`, goes on without what is wrong and puts them there; only a placeholder that no plug-in offers
-/// ends it then. Such a material is for looking at: its document keeps what it goes without, nodes that bear
-/// errors are marked, and further items and connections stand in for what is missing, so that nothing later
-/// takes its absence for an error too. What a document has left out is seen to with `errors` only.
+/// Throws HostError, naming line and node, for two nodes with one id, a property that is set twice, a value
+/// that does not parse, an unknown id or port, an input that is connected twice, a cycle of connections or of
+/// references, and whatever a node refuses. With `errors`, goes on without what is wrong and puts them there;
+/// only a placeholder that no plug-in offers ends it then. Such a material is for looking at: its document
+/// keeps what it goes without, nodes that bear errors are marked, and further items and connections stand in
+/// for what is missing, so that nothing later takes its absence for an error too. What a document has left
+/// out is seen to with `errors` only.
 ///
 /// A placeholder takes what it understands of the saved properties, and no value makes it fail.
 Material buildMaterial(MaterialDocument document, const PluginSet& plugins, Warnings& warnings,

@@ -194,15 +194,19 @@ TEST(BuildMaterial, ChecksASavedType) {
 }
 
 /// What a building that goes on after errors finds, as lines.
-std::vector<std::string> buildErrors(const std::string& body, Material& material) {
+std::vector<std::string> buildErrors(const MaterialDocument& document, Material& material) {
     Warnings warnings;
     Errors errors;
-    material = buildMaterial(testing::parsed(body), testing::corePlugins(), warnings, &errors);
+    material = buildMaterial(document, testing::corePlugins(), warnings, &errors);
     std::vector<std::string> lines;
     for (const HostError& error : errors) {
         lines.emplace_back(error.what());
     }
     return lines;
+}
+
+std::vector<std::string> buildErrors(const std::string& body, Material& material) {
+    return buildErrors(testing::parsed(body), material);
 }
 
 TEST(BuildMaterial, ReportsEveryRefusedPropertyAndLoadsTheRest) {
@@ -238,6 +242,61 @@ TEST(BuildMaterial, PointsAtTheRefusedPropertyBehindOneThatDoesNotParse) {
             "a float can hold",
             "sample.xml:4: error: node \"m\" (\"Maths\"): cannot copy property \"Function\" as enum "
             "\"Cross\" is not a known enum value"}));
+}
+
+// Files are refused when they are read; these are of documents that programs make.
+
+MaterialDocument documentOf(const DocumentNode& node, const DocumentNode& other) {
+    MaterialDocument document;
+    document.file = testing::sampleFile;
+    document.name = "Sample";
+    document.nodes = {node, other};
+    return document;
+}
+
+DocumentNode nodeAt(int line, const char* id, const char* type) {
+    DocumentNode made;
+    made.line = line;
+    made.id = id;
+    made.type = type;
+    return made;
+}
+
+TEST(BuildMaterial, RefusesAPropertyThatIsSetTwice) {
+    for (const char* type : {"CoreMaths", "CoreDefault", "Unknown"}) {
+        SCOPED_TRACE(type);
+        DocumentNode node = nodeAt(2, "a", type);
+        node.properties = {{"Name", PropertyType::String, "Rim", 3},
+                           {"Name", PropertyType::String, "Edge", 4}};
+        const MaterialDocument document = documentOf(node, nodeAt(5, "b", "CoreUv"));
+        Warnings warnings;
+        const char* expected = "sample.xml:4: error: node \"a\": property \"Name\" is set twice";
+        EXPECT_EQ(hostErrorOf([&] { buildMaterial(document, testing::corePlugins(), warnings); }), expected);
+        Material material;
+        EXPECT_EQ(buildErrors(document, material), std::vector<std::string>{expected});
+    }
+}
+
+TEST(BuildMaterial, ReportsAPropertyThatIsSetTwiceOnceBesideARefusedOne) {
+    DocumentNode node = nodeAt(2, "a", "CoreMaths");
+    node.properties = {{"Name", PropertyType::String, "Rim", 3},
+                       {"Name", PropertyType::String, "Edge", 4},
+                       {"PositionX", PropertyType::Integer, "7", 5}};
+    Material material;
+    EXPECT_EQ(buildErrors(documentOf(node, nodeAt(6, "b", "CoreUv")), material),
+              (std::vector<std::string>{
+                  "sample.xml:4: error: node \"a\": property \"Name\" is set twice",
+                  "sample.xml:5: error: node \"a\" (\"Rim\"): cannot copy property \"PositionX\" from "
+                  "property with non-matching type"}));
+}
+
+TEST(BuildMaterial, RefusesNodesOfOneId) {
+    const MaterialDocument document = documentOf(nodeAt(2, "a", "CoreMaths"), nodeAt(3, "a", "CoreUv"));
+    Warnings warnings;
+    const char* expected = "sample.xml:3: error: there is another node with the id \"a\"";
+    EXPECT_EQ(hostErrorOf([&] { buildMaterial(document, testing::corePlugins(), warnings); }), expected);
+    Material material;
+    EXPECT_EQ(buildErrors(document, material), std::vector<std::string>{expected});
 }
 
 TEST(BuildMaterial, ReportsANewerPropertySetOnce) {
