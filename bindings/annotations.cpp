@@ -85,6 +85,7 @@ void Binding::readAnnotations(xmlNode* element) {
     std::string typeWord = defaults.streamType;
     bool normalise = defaults.streamNormalise;
     if (hasAttribute(element, "stream_type")) {
+        // "X11Y11Z10n" stays in lower case: it is then no default of any kind, and is written so again
         typeWord = lowerCase(readAttribute(element, "stream_type"));
     }
     if (hasAttribute(element, "stream_normalize")) {

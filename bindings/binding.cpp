@@ -44,6 +44,7 @@ FloatBinding::FloatBinding(BindingKind bindingKind, const std::string& bindingNa
 std::uint32_t FloatBinding::componentCount() const { return static_cast<std::uint32_t>(components.size()); }
 
 void FloatBinding::setComponentCount(std::uint32_t count) {
+    // the count that Binding stores is deliberately left as it was
     const Component last = components.empty() ? Component{} : components.back();
     components.resize(count, last);
 }

@@ -130,11 +130,11 @@ std::size_t defaultIndexOf(std::string_view portName) {
 }
 
 /// Rounding runs per fragment unless the artist says otherwise: interpolating rounded values would undo it.
-bool isRounding(const std::string& function) {
+bool isRounding(std::string_view function) {
     return function == "Ceil" || function == "Floor" || function == "Frac";
 }
 
-ExecutionLevel executionLevelFor(const std::string& level, const std::string& function) {
+ExecutionLevel executionLevelFor(std::string_view level, std::string_view function) {
     if (level == "Vertex") {
         return ExecutionLevel::Vertex;
     }
@@ -200,12 +200,12 @@ void MathsNode::generateCode(GraphGenerator& generator) {
     declareInputs(builder, *this, [this](const Port& input) { return defaultFor(input); });
     declareOutputs(builder, *this);
     const MathsFunction& selected = function();
-    if (function_->getEnum() == "Invert") {
+    if (selected.name == "Invert") {
         builder.declareConstant(resolvedType(*this), "in_ref", 1.0F);
     }
     builder.appendCode(selected.code);
-    emitFunction(generator, *this, builder,
-                 executionLevelFor(executionLevel_->getEnum(), function_->getEnum()), "mathsCode");
+    emitFunction(generator, *this, builder, executionLevelFor(executionLevel_->getEnum(), selected.name),
+                 "mathsCode");
 }
 
 } // namespace patina

@@ -2,6 +2,7 @@
 
 #include "host/framework.h"
 #include "nodemodel/text.h"
+#include "shadergraph/generator_node.h"
 
 #include <algorithm>
 #include <array>
@@ -285,6 +286,9 @@ void makeCgName(std::string& name, std::initializer_list<std::string_view> piece
     name.clear();
     for (const std::string_view piece : pieces) {
         name += piece;
+    }
+    if (isValidVariableName(name) && name.find("__") == std::string::npos) {
+        return; // as most are
     }
     std::size_t length = 0;
     for (const char letter : name) {

@@ -233,14 +233,22 @@ private:
                     "\"; report this to the author of its plug-in"});
     }
 
-    ValueSource producerOf(const std::shared_ptr<NodeConnection>& record, std::size_t source,
-                           int line) const {
+    /// Without an end at either side when no code realises the connection.
+    const PortLink& linkOf(const std::shared_ptr<NodeConnection>& record) const {
         const auto link = graph_.generator.portLinks.find(record);
-        const bool isLinked = link != graph_.generator.portLinks.end() && link->second.producer.node;
-        const PortLinkEnd end = isLinked ? link->second.producer : PortLinkEnd{nullptr, record->sourcePort};
-        return endOf(
-            end, [](const GeneratorNode& node) -> const auto& { return node.outputs; },
-            material_.items[source], line);
+        return link == graph_.generator.portLinks.end() ? unlinked_ : link->second;
+    }
+
+    ValueSource producerOf(const PortLink& link, const std::shared_ptr<NodeConnection>& record,
+                           std::size_t source, int line) const {
+        const auto outputsOf = [](const GeneratorNode& node) -> const auto& { return node.outputs; };
+        const MaterialItem& item = material_.items[source];
+        return link.producer.node ? endOf(link.producer, outputsOf, item, line)
+                                  : endOf({nullptr, record->sourcePort}, outputsOf, item, line);
+    }
+
+    ValueSource producerOf(const MaterialOutput& output) const {
+        return producerOf(linkOf(output.record), output.record, output.source, output.line);
     }
 
     void joinConnections() {
@@ -254,11 +262,7 @@ private:
 
     /// Their lack of a source follows from an error that is reported.
     void excuseConsumers(const MaterialConnection& connection) {
-        const auto link = graph_.generator.portLinks.find(connection.record);
-        if (link == graph_.generator.portLinks.end()) {
-            return;
-        }
-        for (const PortLinkEnd& end : link->second.consumers) {
+        for (const PortLinkEnd& end : linkOf(connection.record).consumers) {
             attempt(&ignored_, [&] {
                 const ValueSource consumer = consumerOf(end, connection);
                 excused_.insert({consumer.node, consumer.port});
@@ -273,8 +277,9 @@ private:
     }
 
     void joinConnection(const MaterialConnection& connection) {
-        const ValueSource producer = producerOf(connection.record, connection.source, connection.line);
-        for (const PortLinkEnd& end : graph_.generator.portLinks.at(connection.record).consumers) {
+        const PortLink& link = linkOf(connection.record);
+        const ValueSource producer = producerOf(link, connection.record, connection.source, connection.line);
+        for (const PortLinkEnd& end : link.consumers) {
             const ValueSource consumer = consumerOf(end, connection);
             // by value: a conversion adds a node
             const std::shared_ptr<GeneratorNode> reader = flow_.nodes[consumer.node].generated;
@@ -326,7 +331,7 @@ private:
     }
 
     ValueSource selectOutput(const MaterialOutput& output, const OutputRule& rule) const {
-        const ValueSource source = producerOf(output.record, output.source, output.line);
+        const ValueSource source = producerOf(output);
         const ShaderType& type = flow_.port(source).type;
         const bool isNumeric =
             type.componentType >= ComponentType::Float && type.componentType <= ComponentType::Int;
@@ -350,7 +355,7 @@ private:
             attempt(errorsBetween(output.source, output.source), [&] { selectNamed(output); });
             // what an output that is refused should have shown is looked at all the same
             attempt(&ignored_, [&] {
-                roots_.push_back(producerOf(output.record, output.source, output.line));
+                roots_.push_back(producerOf(output));
                 hasColourRoot_ = hasColourRoot_ || output.name == colourName;
             });
         }
@@ -660,6 +665,7 @@ private:
 
     const Material& material_;
     const GeneratedGraph& graph_;
+    const PortLink unlinked_;
     Errors* errors_;
     ColourWidth colourWidth_;
     Errors ignored_; ///< only follow from errors that were reported
@@ -682,7 +688,9 @@ private:
 } // namespace
 
 std::vector<std::size_t> firstOfEachFunction(const std::vector<DataflowNode>& nodes) {
-    std::unordered_map<const GeneratorNode*, std::size_t, FunctionHash, SameFunction> firstNodes;
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::unordered_map<const GeneratorNode*, std::size_t, FunctionHash, SameFunction> firstNodes(
+        &memory);
     std::vector<std::size_t> functions(nodes.size());
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         const bool isFunction = nodes[i].generated->kind == NodeKind::Function;

@@ -212,7 +212,7 @@ void settle(Material& material, std::size_t index) {
         item.node->updateFromProperties(nullptr);
         for (const std::shared_ptr<Property>& property : *item.node->properties) {
             const auto earlier = given.find(property->name);
-            if (earlier != given.end() && earlier->second != valueOf(*property)) {
+            if (earlier != given.end() && !hasValue(*property, earlier->second)) {
                 saveProperty(material.document.nodes[index], property->name, property->kind,
                              propertyText(*property, {}));
             }

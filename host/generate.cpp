@@ -49,12 +49,22 @@ void requireTypes(const Graph& graph, std::size_t firstNode) {
     }
 }
 
+/// For one generated node of each item, and all connections, so that the tables hardly grow.
+void makeRoom(GeneratedGraph& result, const Material& material) {
+    const std::size_t count = material.items.size();
+    result.owners.reserve(count);
+    result.generator.nodeMap.reserve(count);
+    result.generator.portLinks.reserve(material.connections.size() + material.outputs.size());
+    result.generator.graph->nodes.reserve(count);
+}
+
 } // namespace
 
 GeneratedGraph generateGraph(const Material& material, Errors* errors) {
     GeneratedGraph result;
     result.generator.graph->interfaceProviders.push_back(makeFrameworkValues());
     result.incomplete.resize(material.items.size(), false);
+    makeRoom(result, material);
     const auto generate = [&](std::size_t index) {
         const MaterialItem& item = material.items[index];
         const Graph& graph = *result.generator.graph;

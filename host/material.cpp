@@ -251,10 +251,13 @@ private:
         }
     }
 
-    /// No file says so, as reading it refuses that; a document that a program made may.
-    void requireSetOnce(const PropertySet& set, const DocumentNode& node,
-                        const DocumentProperty& saved) const {
-        if (set.byName.count(saved.name) != 0) {
+    /// Refuses a second property of a name. No file has one, as reading it refuses that; a document that a
+    /// program made may.
+    void addOnce(PropertySet& set, const DocumentNode& node, const DocumentProperty& saved,
+                 const std::shared_ptr<Property>& property) const {
+        try {
+            set.add(property);
+        } catch (const ShaderError&) { // GCOVR_EXCL_BR_LINE: what add throws, but for want of memory
             fail(saved.line, {"node \"", node.id, "\": property \"", saved.name, "\" is set twice"});
         }
     }
@@ -268,13 +271,12 @@ private:
             }
             return;
         }
-        requireSetOnce(set, node, saved);
         if (item.node->properties->byName.count(saved.name) == 0) {
             warnings_.push_back({{document_.file, saved.line},
                                  joinText({"node \"", node.id, "\": type \"", node.type,
                                            "\" has no property \"", saved.name, "\"; it is ignored"})});
         }
-        set.add(savedProperty(document_.file, node.id, saved, nodeOfId));
+        addOnce(set, node, saved, savedProperty(document_.file, node.id, saved, nodeOfId));
     }
 
     /// A placeholder has but the properties of every node. Whatever else is saved, or of another form, means
@@ -286,9 +288,12 @@ private:
                                   target != item.node->properties->byName.end() &&
                                   target->second->kind == saved.kind;
         if (isUnderstood) {
-            requireSetOnce(set, node, saved);
+            std::shared_ptr<Property> property;
             Errors ignored;
-            attempt(&ignored, [&] { set.add(savedProperty(document_.file, node.id, saved, nodeOfId)); });
+            if (attempt(&ignored,
+                        [&] { property = savedProperty(document_.file, node.id, saved, nodeOfId); })) {
+                addOnce(set, node, saved, property);
+            }
         }
     }
 

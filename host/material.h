@@ -21,8 +21,6 @@ struct PropertyContent {
     std::string text;
     std::int32_t integer = 0;
     std::array<float, 3> floats = {};
-
-    friend bool operator==(const PropertyContent& left, const PropertyContent& right) = default;
 };
 
 /// A property that a node's update gave another value than the document does.

@@ -51,6 +51,11 @@ PropertyContent detail::valueOf(const Property& property) {
     return {property.kind, property.stringValue, property.intValue, property.floatValues};
 }
 
+bool detail::hasValue(const Property& property, const PropertyContent& value) {
+    return property.kind == value.kind && property.stringValue == value.text &&
+           property.intValue == value.integer && property.floatValues == value.floats;
+}
+
 void detail::setValue(Property& property, const PropertyContent& value) {
     property.kind = value.kind;
     property.stringValue = value.text;
@@ -78,7 +83,7 @@ void detail::updateItem(const Material& material, MaterialItem& item) {
     onBehalfOf(material, item, item.line, [&] { item.node->updateFromProperties(nullptr); });
     item.overridden.clear();
     for (std::size_t i = 0; i < std::min(given.size(), set.items.size()); ++i) {
-        if (given[i] != valueOf(*set.items[i])) {
+        if (!hasValue(*set.items[i], given[i])) {
             item.overridden.push_back({set.items[i]->name, std::move(given[i])});
         }
     }

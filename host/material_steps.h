@@ -18,6 +18,7 @@ inline constexpr const char* placeholderType = "CoreDefault";
 inline constexpr const char* typePropertyName = "Type";
 
 PropertyContent valueOf(const Property& property);
+bool hasValue(const Property& property, const PropertyContent& value);
 void setValue(Property& property, const PropertyContent& value);
 
 /// A set with the type and nothing else, as a saved set begins.

@@ -7,7 +7,8 @@
 namespace patina {
 
 // Attribute access for saved values. Texts are UTF-8; the element stays the caller's.
-// Threads: one thread per document at a time.
+// Threads: one thread per document at a time. Writing throws std::bad_alloc when the text does not get in
+// whole for want of memory.
 
 /// Sets an attribute, replacing one of the same name. Nothing is written when `element` is null or no
 /// element.

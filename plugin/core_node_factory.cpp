@@ -67,7 +67,7 @@ CoreNodeFactory::CoreNodeFactory() {
 }
 
 std::shared_ptr<MaterialNode> CoreNodeFactory::createNode(const std::string& typeName) {
-    for (const NodeType& type : nodeTypes) {
+    for (const NodeType& type : nodeTypes) { // those that artists cannot create too
         if (typeName == type.typeName) {
             return type.create();
         }

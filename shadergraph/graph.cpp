@@ -3,6 +3,8 @@
 #include "nodemodel/shader_error.h"
 #include "nodemodel/text.h"
 
+#include <cstddef>
+
 namespace patina {
 
 using namespace detail;
@@ -30,9 +32,11 @@ Graph::~Graph() = default;
 
 void Graph::insertNode(const std::shared_ptr<GeneratorNode>& node) {
     if (node->kind == NodeKind::InterfaceParameter) {
-        registerInterface(node);
+        registerInterface(node); // and stays registered when the node is refused below
     }
-    if (!nodeSet.insert(node).second) {
+    const std::size_t count = nodeSet.size();
+    nodeSet.insert(nodeSet.end(), node); // new nodes often lie behind the earlier ones
+    if (nodeSet.size() == count) {
         throw ShaderError("node for addition already exists in graph");
     }
     nodes.push_back(node);
@@ -60,7 +64,7 @@ void Graph::addEdge(const std::shared_ptr<GeneratorEdge>& edge) {
         throw ShaderError("head node on edge for addition does not exist in graph");
     }
     edgeSet.insert(edge);
-    edges.push_back(edge);
+    edges.push_back(edge); // and stays in the graph when an end refuses it below
     enterEdge(tail->outEdges, edge, "out-edge entry for addition already exists on node");
     enterEdge(head->inEdges, edge, "in-edge entry for addition already exists on node");
 }

@@ -6,8 +6,8 @@
 #include <map>
 #include <memory>
 #include <memory_resource>
+#include <set>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace patina {
@@ -62,8 +62,8 @@ public:
 
     std::vector<std::shared_ptr<GeneratorNode>> nodes; ///< in the order of insertion
     std::vector<std::shared_ptr<GeneratorEdge>> edges; ///< in the order of insertion
-    std::pmr::unordered_set<std::shared_ptr<GeneratorNode>> nodeSet;
-    std::pmr::unordered_set<std::shared_ptr<GeneratorEdge>> edgeSet;
+    std::pmr::set<std::shared_ptr<GeneratorNode>> nodeSet; ///< the same, in the order of their addresses
+    std::pmr::set<std::shared_ptr<GeneratorEdge>> edgeSet; ///< the same, in the order of their addresses
     std::map<InterfaceKey, std::shared_ptr<GeneratorNode>> interfaces;
     std::vector<std::shared_ptr<InterfaceProvider>> interfaceProviders; ///< asked in order
 

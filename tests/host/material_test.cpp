@@ -1,3 +1,5 @@
+#include "host/material_steps.h"
+
 #include "tests/host/host_checks.h"
 
 #include "tests/support/comma_locale.h"
@@ -551,14 +553,18 @@ TEST(BuildMaterial, KeepsEveryMessageInOneLine) {
     }
 }
 
-TEST(PropertyContent, IsEqualInAllItHolds) {
-    const PropertyContent content = {PropertyType::Colour, "text", 7, {1.0F, 2.0F, 3.0F}};
-    EXPECT_TRUE(content == (PropertyContent{PropertyType::Colour, "text", 7, {1.0F, 2.0F, 3.0F}}));
+TEST(PropertyContent, IsComparedInAllItHolds) {
+    const auto property = makeProperty("Any");
+    property->kind = PropertyType::Colour;
+    property->stringValue = "text";
+    property->intValue = 7;
+    property->floatValues = {1.0F, 2.0F, 3.0F};
+    EXPECT_TRUE(detail::hasValue(*property, {PropertyType::Colour, "text", 7, {1.0F, 2.0F, 3.0F}}));
     for (const PropertyContent& other : {PropertyContent{PropertyType::Float, "text", 7, {1.0F, 2.0F, 3.0F}},
                                          {PropertyType::Colour, "other", 7, {1.0F, 2.0F, 3.0F}},
                                          {PropertyType::Colour, "text", 8, {1.0F, 2.0F, 3.0F}},
                                          {PropertyType::Colour, "text", 7, {1.0F, 2.0F, 4.0F}}}) {
-        EXPECT_FALSE(content == other);
+        EXPECT_FALSE(detail::hasValue(*property, other));
     }
 }
 

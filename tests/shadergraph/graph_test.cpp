@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <string>
@@ -88,6 +89,7 @@ TEST(InsertNode, KeepsNodesOfEveryKindInOrder) {
         graph.insertNode(node);
     }
     EXPECT_EQ(graph.nodes, inserted);
+    EXPECT_TRUE(std::is_sorted(graph.nodeSet.begin(), graph.nodeSet.end()));
     EXPECT_EQ(std::set(graph.nodeSet.begin(), graph.nodeSet.end()),
               std::set(inserted.begin(), inserted.end()));
     // only the interface parameter has an entry

@@ -65,9 +65,11 @@ public:
         EXPECT_EQ(std::set(graph.nodes.begin(), graph.nodes.end()),
                   std::set(graph.nodeSet.begin(), graph.nodeSet.end()));
         EXPECT_EQ(graph.nodeSet.size(), graph.nodes.size());
+        EXPECT_TRUE(std::is_sorted(graph.nodeSet.begin(), graph.nodeSet.end()));
         EXPECT_EQ(std::set(graph.edges.begin(), graph.edges.end()),
                   std::set(graph.edgeSet.begin(), graph.edgeSet.end()));
         EXPECT_EQ(graph.edgeSet.size(), graph.edges.size());
+        EXPECT_TRUE(std::is_sorted(graph.edgeSet.begin(), graph.edgeSet.end()));
         EXPECT_EQ(generator_.nodeMap.size(), submitted_.size());
         for (const auto& [node, graphNode] : generator_.nodeMap) {
             EXPECT_EQ(graph.nodeSet.count(graphNode), 1U);
