@@ -60,8 +60,8 @@ public:
     Graph& operator=(const Graph&) = delete;
     ~Graph();
 
-    std::vector<std::shared_ptr<GeneratorNode>> nodes; ///< in the order of insertion
-    std::vector<std::shared_ptr<GeneratorEdge>> edges; ///< in the order of insertion
+    std::vector<std::shared_ptr<GeneratorNode>> nodes;     ///< in the order of insertion
+    std::vector<std::shared_ptr<GeneratorEdge>> edges;     ///< in the order of insertion
     std::pmr::set<std::shared_ptr<GeneratorNode>> nodeSet; ///< the same, in the order of their addresses
     std::pmr::set<std::shared_ptr<GeneratorEdge>> edgeSet; ///< the same, in the order of their addresses
     std::map<InterfaceKey, std::shared_ptr<GeneratorNode>> interfaces;

@@ -113,6 +113,24 @@ TEST(Reference, AnimatedUvByHand) {
     EXPECT_EQ(at("out_blend")[0].value, 0.25);
 }
 
+TEST(Reference, AnimatedUvOffsetsByHand) {
+    Graph graph;
+    const PortOf frame = graph.addInput(InputKind::Varying, 1);
+    const std::size_t node = graph.add("CoreAnimatedUv", {choice("Mode", "Advanced")});
+    graph.connect(frame, node, "in_frame");
+    const auto at = [&](const std::string& port, std::size_t component) {
+        graph.shown = {node, port};
+        return Reference(graph).evaluate({{"In0", {2.25F, 0, 0, 0}}})[component].value;
+    };
+    EXPECT_EQ(at("out_offset1", 0), 2);
+    EXPECT_EQ(at("out_offset1", 1), 0);
+    EXPECT_EQ(at("out_offset2", 0), 3);
+    EXPECT_EQ(at("out_offset2", 1), 0);
+    EXPECT_EQ(at("out_scale", 0), 0.25);
+    EXPECT_EQ(at("out_scale", 1), 0.25);
+    EXPECT_EQ(at("out_blend", 0), 0.25);
+}
+
 TEST(Reference, TheSrgbCurveByHand) {
     const Arithmetic arithmetic(floatFormat);
     const auto linear = [&](double value) { return linearFromSrgb(arithmetic, {value, 0}).value; };
