@@ -219,18 +219,22 @@ private:
         noteRead(converted);
     }
 
+    [[noreturn]] void failAtPort(const MaterialItem& item, std::string_view port, int line) const {
+        fail(line, {nodeTitle(item), ": the code of this node does not provide the port \"", port,
+                    "\"; report this to the author of its plug-in"});
+    }
+
     /// The port that a link record names.
     template <typename Ports>
     ValueSource endOf(const PortLinkEnd& end, const Ports& portsOf, const MaterialItem& item,
                       int line) const {
         const auto generated = graph_.generator.nodeMap.find(end.node);
-        if (end.node && generated != graph_.generator.nodeMap.end()) {
+        if (generated != graph_.generator.nodeMap.end()) {
             if (const auto port = findPort(portsOf(*generated->second), end.port)) {
                 return {indexByNode_.at(generated->second.get()), *port};
             }
         }
-        fail(line, {nodeTitle(item), ": the code of this node does not provide the port \"", end.port,
-                    "\"; report this to the author of its plug-in"});
+        failAtPort(item, end.port, line);
     }
 
     /// Without an end at either side when no code realises the connection.
@@ -241,10 +245,12 @@ private:
 
     ValueSource producerOf(const PortLink& link, const std::shared_ptr<NodeConnection>& record,
                            std::size_t source, int line) const {
-        const auto outputsOf = [](const GeneratorNode& node) -> const auto& { return node.outputs; };
         const MaterialItem& item = material_.items[source];
-        return link.producer.node ? endOf(link.producer, outputsOf, item, line)
-                                  : endOf({nullptr, record->sourcePort}, outputsOf, item, line);
+        if (!link.producer.node) {
+            failAtPort(item, record->sourcePort, line);
+        }
+        return endOf(
+            link.producer, [](const GeneratorNode& node) -> const auto& { return node.outputs; }, item, line);
     }
 
     ValueSource producerOf(const MaterialOutput& output) const {

@@ -206,10 +206,14 @@ private:
         };
         const std::shared_ptr<PropertySet> set = makeSavedSet(saved.type, saved.version);
         for (const DocumentProperty& property : saved.properties) {
-            const auto add = item.placeholder ? &MaterialBuilder::addUnderstood : &MaterialBuilder::addSaved;
-            if (!attempt(errors_, [&] { (this->*add)(*set, saved, property, item, nodeOfId); })) {
-                item.faulty = true;
-            }
+            const bool isAdded = attempt(errors_, [&] {
+                if (item.placeholder) {
+                    addUnderstood(*set, saved, property, item, nodeOfId);
+                } else {
+                    addSaved(*set, saved, property, item, nodeOfId);
+                }
+            });
+            item.faulty = item.faulty || !isAdded;
         }
         load(item, saved, set);
     }

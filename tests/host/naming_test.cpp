@@ -178,9 +178,9 @@ TEST(CgNames, AreMadeOfAnyText) {
         const char* text;
         const char* name;
     } rows[] = {
-        {"paint", "paint"}, {"a_b", "a_b"},    {"a b", "a_b"},     {"1st", "_1st"},
-        {"", "_"},          {"\xC3\xA4", "_"}, {"a-b.c", "a_b_c"}, {"A1", "A1"},
-        {"a{b", "a_b"},     {"a[b", "a_b"},    {"a:b", "a_b"},     {"zZ9", "zZ9"},
+        {"paint", "paint"}, {"a_b", "a_b"},     {"a b", "a_b"},  {"1st", "_1st"}, {"", "_"},
+        {"\xC3\xA4", "_"},  {"a-b.c", "a_b_c"}, {"A1", "A1"},    {"a{b", "a_b"},  {"a[b", "a_b"},
+        {"a:b", "a_b"},     {"zZ9", "zZ9"},     {"a__b", "a_b"}, {"__a", "_a"},   {"_a_", "_a_"},
     };
     for (const auto& [text, name] : rows) {
         EXPECT_EQ(toCgName(text), name) << text;
