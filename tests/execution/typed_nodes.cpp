@@ -2,9 +2,10 @@
 // take the type that their readers need, so that some conversions never stand between two of them.
 
 #include "nodemodel/nodemodel.h"
-#include "nodemodel/shader_error.h"
 #include "plugin/plugin.h"
 #include "shadergraph/shadergraph.h"
+
+#include "tests/support/table_factory.h"
 
 #include <cstdint>
 #include <memory>
@@ -58,20 +59,10 @@ private:
     std::shared_ptr<Property> componentCount_;
 };
 
-class Factory : public NodeFactory {
-public:
-    Factory() { nodeLibrary.emplace_back(typedCopy); }
-
-    std::shared_ptr<MaterialNode> createNode(const std::string& name) override {
-        if (name != typedCopy) {
-            throw ShaderError("cannot create \"" + name + "\" node");
-        }
-        return std::make_shared<TypedCopyNode>();
-    }
-};
+constexpr testing::OfferedType types[] = {{typedCopy, testing::createPlain<TypedCopyNode>}};
 
 } // namespace
 
 std::uint32_t GetMaterialLibVersion() { return patina::materialLibVersion; }
 
-patina::NodeFactory* CreateNodeFactory() { return new Factory(); }
+patina::NodeFactory* CreateNodeFactory() { return new patina::testing::TableFactory(types); }

@@ -5,6 +5,8 @@
 #include "plugin/plugin.h"
 #include "shadergraph/shadergraph.h"
 
+#include "tests/support/table_factory.h"
+
 #include <exception>
 #include <new>
 #include <string>
@@ -264,12 +266,7 @@ std::shared_ptr<MaterialNode> create(const std::string& type) {
 
 std::shared_ptr<MaterialNode> createNothing(const std::string& /*type*/) { return nullptr; }
 
-struct Type {
-    const char* name;
-    std::shared_ptr<MaterialNode> (*create)(const std::string& type);
-};
-
-constexpr Type types[] = {
+constexpr testing::OfferedType types[] = {
     {"Plain", create<OutputNode>},
     {"Interface", create<InterfaceNode>},
     {"Interpolant", create<InterpolantNode>},
@@ -296,26 +293,8 @@ constexpr Type types[] = {
     {"HungryConstructor", create<HungryConstructorNode>},
 };
 
-class Factory : public NodeFactory {
-public:
-    Factory() {
-        for (const Type& type : types) {
-            nodeLibrary.emplace_back(type.name);
-        }
-    }
-
-    std::shared_ptr<MaterialNode> createNode(const std::string& typeName) override {
-        for (const Type& type : types) {
-            if (typeName == type.name) {
-                return type.create(typeName);
-            }
-        }
-        throw ShaderError("cannot create \"" + typeName + "\" node");
-    }
-};
-
 } // namespace
 
 std::uint32_t GetMaterialLibVersion() { return materialLibVersion; }
 
-patina::NodeFactory* CreateNodeFactory() { return new Factory(); }
+patina::NodeFactory* CreateNodeFactory() { return new patina::testing::TableFactory(types); }

@@ -4,6 +4,8 @@
 #include "nodemodel/shader_error.h"
 #include "plugin/plugin.h"
 
+#include "tests/support/table_factory.h"
+
 #include <memory>
 #include <string>
 
@@ -46,20 +48,10 @@ private:
     std::shared_ptr<Property> other_;
 };
 
-class Factory : public NodeFactory {
-public:
-    Factory() { nodeLibrary.emplace_back("ShiftyNode"); }
-
-    std::shared_ptr<MaterialNode> createNode(const std::string& typeName) override {
-        if (typeName != "ShiftyNode") {
-            throw ShaderError("cannot create \"" + typeName + "\" node");
-        }
-        return std::make_shared<ShiftyNode>();
-    }
-};
+constexpr testing::OfferedType types[] = {{"ShiftyNode", testing::createPlain<ShiftyNode>}};
 
 } // namespace
 
 std::uint32_t GetMaterialLibVersion() { return patina::materialLibVersion; }
 
-patina::NodeFactory* CreateNodeFactory() { return new Factory(); }
+patina::NodeFactory* CreateNodeFactory() { return new patina::testing::TableFactory(types); }
