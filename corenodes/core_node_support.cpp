@@ -45,19 +45,6 @@ bool isOutputConnected(const MaterialNode& node, const std::string& portName) {
     return node.findOutputPortIndex(portName) >= 0 && node.outputPort(portName).connected;
 }
 
-void declareInputs(FunctionBuilder& builder, const MaterialNode& node,
-                   const std::function<float(const Port&)>& defaultFor) {
-    constexpr std::size_t commonCodeLength = 127;
-    builder.reserve(node.inputs.size() + node.outputs.size(), commonCodeLength);
-    for (const Port& input : node.inputs) {
-        if (input.connected) {
-            builder.addInputPort(input);
-        } else {
-            builder.declarePortConstant(input, defaultFor(input));
-        }
-    }
-}
-
 void declareInputs(FunctionBuilder& builder, const MaterialNode& node) {
     declareInputs(builder, node, [](const Port& /*input*/) { return 0.0F; });
 }

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -69,8 +68,17 @@ bool isOutputConnected(const MaterialNode& node, const std::string& portName);
 
 /// Makes a function input of every connected input, and of every other one a constant that `defaultFor`
 /// supplies.
-void declareInputs(FunctionBuilder& builder, const MaterialNode& node,
-                   const std::function<float(const Port&)>& defaultFor);
+template <typename DefaultFor>
+void declareInputs(FunctionBuilder& builder, const MaterialNode& node, const DefaultFor& defaultFor) {
+    builder.reserve(node.inputs.size() + node.outputs.size());
+    for (const Port& input : node.inputs) {
+        if (input.connected) {
+            builder.addInputPort(input);
+        } else {
+            builder.declarePortConstant(input, defaultFor(input));
+        }
+    }
+}
 
 /// The same with zero for every input that is not connected.
 void declareInputs(FunctionBuilder& builder, const MaterialNode& node);

@@ -17,7 +17,7 @@ struct MathsFunction {
     std::string_view name;
     std::array<PortDeclaration, 5> inputs; ///< ends at the first without a name
     PortDeclaration output;
-    const char* code;
+    std::string_view code;
 };
 
 namespace {

@@ -8,8 +8,6 @@
 #include <set>
 #include <span>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace patina {
@@ -35,22 +33,25 @@ constexpr StageTable fragmentStage = {"Fragment", &StagedShader::fragment,
 class ProgramPrinter {
 public:
     ProgramPrinter(const AssembledShader& shader, const StageTable& table, CodeMap* map)
-        : shader_(shader), table_(table), stage_(shader.stages.*table.stage), map_(map) {}
+        : shader_(shader), table_(table), stage_(shader.stages.*table.stage), map_(map) {
+        constexpr std::size_t commonCallLength = 96;
+        text_.reserve(stage_.functions.size() * commonCallLength);
+    }
 
-    void printHeader() { append({"// ", table_.title, " program. Written by patina.\n"}); }
+    void printHeader() { text_.append("// ", table_.title, " program. Written by patina.\n"); }
 
     void printFramework(std::string_view text) {
         if (shader_.options.framework) {
-            append({"\n", text});
+            text_.append("\n", text);
         }
     }
 
     void printUniforms() {
         const char* separator = "\n";
         for (const PlacedParameter& uniform : shader_.registers.*table_.uniforms) {
-            text_ += separator;
+            text_.append(separator);
             const std::size_t begin = text_.size();
-            append({"uniform ", placedDeclaration(uniform), ";\n"});
+            text_.append("uniform ", placedDeclaration(uniform), ";\n");
             mapCode(begin, uniform.node, "its uniform", shader_.flow.nodes[uniform.node].generated->name);
             separator = "";
         }
@@ -61,7 +62,7 @@ public:
         std::set<std::string_view> printed;
         for (const std::size_t index : stage_.registerInputs) {
             if (isUniformRegister(index) && printed.insert(registerName(index)).second) {
-                append({printed.size() == 1 ? "\n" : "", "uniform ", registerParameter(index), ";\n"});
+                text_.append(printed.size() == 1 ? "\n" : "", "uniform ", registerParameter(index), ";\n");
             }
         }
     }
@@ -83,31 +84,27 @@ public:
 
     void writeRegisters() {
         for (const std::size_t index : stage_.registerOutputs) {
-            statement({registerName(index), " = ", valueName(shader_.flow.nodes[index].inputs.front())});
+            statement(registerName(index), " = ", valueName(shader_.flow.nodes[index].inputs.front()));
         }
     }
 
     void printFunctions() {
-        const std::unordered_map<std::size_t, Users> users = usersByFunction();
-        std::unordered_set<std::size_t> printed;
-        for (const std::size_t index : stage_.functions) {
-            const std::size_t function = shader_.flow.functions[index];
-            if (isCalled(index) && printed.insert(function).second) {
-                printUsers(users.at(function));
-                const std::size_t begin = text_.size();
-                printFunction(shader_.names.functions[index], *shader_.flow.nodes[index].generated);
-                mapCode(begin, index, "its function", shader_.names.functions[index]);
-            }
+        for (const Users& users : usersByFunction()) {
+            printUsers(users);
+            const std::size_t index = users.first.front();
+            const std::size_t begin = text_.size();
+            printFunction(shader_.names.functions[index], *shader_.flow.nodes[index].generated);
+            mapCode(begin, index, "its function", shader_.names.functions[index]);
         }
     }
 
     /// `void main( ... ) {`, given the parameters.
     void beginMain(const std::vector<std::string>& parameters) {
-        text_ += "\nvoid main(";
+        text_.append("\nvoid main(");
         for (std::size_t i = 0; i < parameters.size(); ++i) {
-            append({i == 0 ? "\n\t" : ",\n\t", parameters[i]});
+            text_.append(i == 0 ? "\n\t" : ",\n\t", parameters[i]);
         }
-        text_ += " )\n{\n";
+        text_.append(" )\n{\n");
     }
 
     void printCalls() {
@@ -118,15 +115,14 @@ public:
         }
     }
 
-    void statement(std::initializer_list<std::string_view> pieces) {
-        text_ += "\t";
-        append(pieces);
-        text_ += ";\n";
+    template <typename... Pieces>
+    void statement(const Pieces&... pieces) {
+        text_.append("\t", pieces..., ";\n");
     }
 
     std::string finish() {
-        text_ += "}\n";
-        return std::move(text_);
+        text_.append("}\n");
+        return text_.take();
     }
 
     /// `type name : SEMANTIC` of an interpolant register.
@@ -168,16 +164,14 @@ public:
     }
 
 private:
-    void append(std::initializer_list<std::string_view> pieces) { appendText(text_, pieces); }
-
     /// Notes whose the text from `begin` is.
     void mapCode(std::size_t begin, std::size_t node, std::string_view noun, std::string_view name) {
         if (map_ == nullptr) {
             return;
         }
         const auto lineEnds = [&](std::size_t from, std::size_t to) {
-            return static_cast<int>(std::count(text_.begin() + static_cast<std::ptrdiff_t>(from),
-                                               text_.begin() + static_cast<std::ptrdiff_t>(to), '\n'));
+            const std::string_view part = text_.view().substr(from, to - from);
+            return static_cast<int>(std::count(part.begin(), part.end(), '\n'));
         };
         const int firstLine = countedLines_ + lineEnds(countedSize_, begin) + 1;
         countedLines_ = firstLine + lineEnds(begin, text_.size()) - 1;
@@ -211,45 +205,54 @@ private:
         return shader_.flow.nodes[index].generated->kind == NodeKind::Function;
     }
 
-    std::unordered_map<std::size_t, Users> usersByFunction() const {
-        std::unordered_map<std::size_t, Users> usersByFunction;
+    /// In the order in which the functions are called first.
+    std::vector<Users> usersByFunction() const {
+        std::vector<Users> allUsers;
+        std::vector<std::size_t> placeOf(shader_.flow.nodes.size()); // behind that of the users
         for (const std::size_t index : stage_.functions) {
-            Users& users = usersByFunction[shader_.flow.functions[index]];
+            if (!isCalled(index)) {
+                continue;
+            }
+            std::size_t& place = placeOf[shader_.flow.functions[index]];
+            if (place == 0) {
+                allUsers.emplace_back();
+                place = allUsers.size();
+            }
+            Users& users = allUsers[place - 1];
             if (users.count++ < namedUsers) {
                 users.first.push_back(index);
             }
         }
-        return usersByFunction;
+        return allUsers;
     }
 
     /// A comment that names the first nodes whose code this is.
     void printUsers(const Users& users) {
-        text_ += "\n// ";
+        text_.append("\n// ");
         const char* separator = "";
         for (const std::size_t index : users.first) {
-            append({separator, oneLine(ownerTitle(shader_.material, shader_.flow.nodes[index]))});
+            text_.append(separator, oneLine(ownerTitle(shader_.material, shader_.flow.nodes[index])));
             separator = ", ";
         }
         if (users.count > users.first.size()) {
-            append({" and ", std::to_string(users.count - users.first.size()), " more"});
+            text_.append(" and ", std::to_string(users.count - users.first.size()), " more");
         }
-        text_ += "\n";
+        text_.append("\n");
     }
 
     void printFunction(std::string_view name, const GeneratorNode& function) {
-        append({"void ", name, "("});
+        text_.append("void ", name, "(");
         const char* separator = " ";
         for (const GeneratorPort& input : function.inputs) {
-            text_ += separator;
-            appendDeclaration(text_, input.type, input.name);
+            appendDeclaration(text_, input.type, input.name, separator);
             separator = ", ";
         }
         for (const GeneratorPort& output : function.outputs) {
-            append({separator, "out "});
-            appendDeclaration(text_, output.type, output.name);
+            text_.append(separator);
+            appendDeclaration(text_, output.type, output.name, "out ");
             separator = ", ";
         }
-        append({" )\n{\n", function.code, "}\n"});
+        text_.append(" )\n{\n", function.code, "}\n");
     }
 
     void printCall(std::size_t index) {
@@ -260,50 +263,45 @@ private:
         const GeneratorNode& generated = *node.generated;
         const std::span<const std::string_view> values = shader_.names.values(index);
         if (generated.kind == NodeKind::InterpolantParameter) {
-            text_ += '\t';
-            appendDeclaration(text_, generated.type, values.front());
-            append({" = ", valueName(node.inputs.front()), ";\n"});
+            appendDeclaration(text_, generated.type, values.front(), "\t", " = ");
+            text_.append(valueName(node.inputs.front()), ";\n");
             return;
         }
         for (std::size_t port = 0; port < values.size(); ++port) {
-            text_ += '\t';
-            appendDeclaration(text_, generated.outputs[port].type, values[port]);
-            text_ += ";\n";
+            appendDeclaration(text_, generated.outputs[port].type, values[port], "\t", ";\n");
         }
-        append({"\t", shader_.names.functions[index], "("});
+        text_.append("\t", shader_.names.functions[index], "(");
         const char* separator = " ";
         for (const ValueSource& input : node.inputs) {
-            text_ += separator;
-            text_ += valueName(input);
+            text_.append(separator, valueName(input));
             separator = ", ";
         }
         for (const std::string_view output : values) {
-            text_ += separator;
-            text_ += output;
+            text_.append(separator, output);
             separator = ", ";
         }
-        text_ += " );\n";
+        text_.append(" );\n");
     }
 
     /// A comment with the node and the types of its ports.
     void printTypes(const DataflowNode& node) {
-        append({"\t// ", oneLine(ownerTitle(shader_.material, node)), ": "});
+        text_.append("\t// ", oneLine(ownerTitle(shader_.material, node)), ": ");
         printPorts(node.generated->inputs);
-        text_ += node.generated->inputs.empty() ? "-> " : " -> ";
+        text_.append(node.generated->inputs.empty() ? "-> " : " -> ");
         printPorts(node.generated->outputs);
-        text_ += "\n";
+        text_.append("\n");
     }
 
     void printPorts(const std::vector<GeneratorPort>& ports) {
         for (std::size_t i = 0; i < ports.size(); ++i) {
-            append({i == 0 ? "" : ", ", declaration(ports[i].type, ports[i].name)});
+            text_.append(i == 0 ? "" : ", ", declaration(ports[i].type, ports[i].name));
         }
     }
 
     const AssembledShader& shader_;
     const StageTable& table_;
     const ShaderStage& stage_;
-    std::string text_;
+    TextBuilder text_;
     CodeMap* map_;
     std::size_t countedSize_ = 0; ///< of the text whose lines are counted
     int countedLines_ = 0;
@@ -336,11 +334,10 @@ std::string printVertexProgram(const AssembledShader& shader, CodeMap* map) {
     }
     appendAll(parameters, printer.registerParameters());
     printer.beginMain(parameters);
-    printer.statement({shader.names.clipPosition, " = QelTransformPosition( ", shader.names.position, " )"});
+    printer.statement(shader.names.clipPosition, " = QelTransformPosition( ", shader.names.position, " )");
     printer.printCalls();
     for (const Interpolant& interpolant : shader.stages.interpolants) {
-        printer.statement(
-            {printer.interpolantPlace(interpolant), " = ", printer.valueName(interpolant.value)});
+        printer.statement(printer.interpolantPlace(interpolant), " = ", printer.valueName(interpolant.value));
     }
     printer.writeRegisters();
     return printer.finish();
@@ -365,11 +362,11 @@ std::string printFragmentProgram(const AssembledShader& shader, CodeMap* map) {
     printer.beginMain(parameters);
     for (const Interpolant& interpolant : shader.stages.interpolants) {
         const ShaderType& type = shader.flow.port(interpolant.value).type;
-        printer.statement({declaration(type, printer.valueName(interpolant.value)), " = ",
-                           printer.interpolantPlace(interpolant)});
+        printer.statement(declaration(type, printer.valueName(interpolant.value)), " = ",
+                          printer.interpolantPlace(interpolant));
     }
     printer.printCalls();
-    printer.statement({shader.names.colour, " = ", printer.colourAndAlpha()});
+    printer.statement(shader.names.colour, " = ", printer.colourAndAlpha());
     printer.writeRegisters();
     return printer.finish();
 }

@@ -16,14 +16,8 @@ ShaderType detail::portType(const Port& port) {
             static_cast<std::int32_t>(port.getComponentCount()), 1, 1};
 }
 
-void detail::appendSplat(std::string& text, std::int32_t columns) {
-    text.append(static_cast<std::size_t>(std::max(columns, 0)), 'x');
-}
-
 std::string detail::splat(std::int32_t columns) {
-    std::string text;
-    appendSplat(text, columns);
-    return text;
+    return std::string(static_cast<std::size_t>(std::max(columns, 0)), 'x');
 }
 
 void FunctionBuilder::addParameter(std::int32_t direction, const ShaderType& type, const std::string& name) {
@@ -52,39 +46,31 @@ void FunctionBuilder::addInputPort(const Port& port) { addInput(portType(port), 
 
 void FunctionBuilder::addOutputPort(const Port& port) { addOutput(portType(port), port.name); }
 
-void FunctionBuilder::appendCode(std::string_view text) { body_ += text; }
+void FunctionBuilder::appendCode(std::string_view text) { body_.append(text); }
 
 void FunctionBuilder::declareConstant(const ShaderType& type, const std::string& name, float value) {
-    body_ += '\t';
-    appendDeclaration(body_, type, name);
-    body_ += " = ";
+    appendDeclaration(body_, type, name, "\t", " = ");
     if (type.componentType != ComponentType::Float && type.componentType != ComponentType::Half) {
         throw ShaderError(joinText({"cannot determine zero type for ", typeText(type)}));
     }
+    body_.append(componentTypeView(type), "( ");
+    body_.appendFloat(value);
     // a scalar gets its one-component swizzle too
-    appendComponentType(body_, type);
-    body_ += "( ";
-    appendFloat(body_, value);
-    body_ += " ).";
-    appendSplat(body_, type.columns);
-    body_ += ";\n";
+    body_.append(" ).", splat(type.columns), ";\n");
 }
 
 void FunctionBuilder::declarePortConstant(const Port& port, float value) {
     declareConstant(portType(port), port.name, value);
 }
 
-void FunctionBuilder::reserve(std::size_t parameterCount, std::size_t codeLength) {
-    function_.parameters.reserve(parameterCount);
-    body_.reserve(codeLength);
-}
+void FunctionBuilder::reserve(std::size_t parameterCount) { function_.parameters.reserve(parameterCount); }
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::makeNode(ExecutionLevel level, const std::string& name) {
-    return makeFunctionNode(function_.parameters, level, name, body_);
+    return makeFunctionNode(function_.parameters, level, name, std::string(body_.view()));
 }
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::finish(ExecutionLevel level, const std::string& name) {
-    return makeFunctionNode(function_.parameters, level, name, std::move(body_));
+    return makeFunctionNode(function_.parameters, level, name, body_.take());
 }
 
 } // namespace patina

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodemodel/port.h"
+#include "nodemodel/text.h"
 #include "shadergraph/generator_node.h"
 
 #include <cstddef>
@@ -18,7 +19,6 @@ ShaderType portType(const Port& port);
 
 /// A swizzle that repeats the first component: "xxx" for 3 columns.
 std::string splat(std::int32_t columns);
-void appendSplat(std::string& text, std::int32_t columns);
 
 } // namespace detail
 
@@ -47,8 +47,8 @@ public:
     void declarePortConstant(const Port& port, float value);
     /// @}
 
-    /// Makes room for a function of about that size, beyond which it may still grow.
-    void reserve(std::size_t parameterCount, std::size_t codeLength);
+    /// Makes room for that many parameters, beyond which it may still grow.
+    void reserve(std::size_t parameterCount);
 
     /// A new function node of what has been collected; the builder may go on.
     std::shared_ptr<GeneratorNode> makeNode(ExecutionLevel level, const std::string& name);
@@ -63,7 +63,7 @@ private:
     void addParameter(std::int32_t direction, const ShaderType& type, const std::string& name);
 
     ShaderFunction function_;
-    std::string body_;
+    detail::TextBuilder body_;
 };
 
 } // namespace patina

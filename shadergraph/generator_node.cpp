@@ -185,7 +185,12 @@ const GeneratorPort& outputPort(const GeneratorNode& node, const std::string& na
 }
 
 bool isValidVariableName(std::string_view name) {
-    return !name.empty() && !isDigit(name.front()) && std::all_of(name.begin(), name.end(), isNameCharacter);
+    for (const char letter : name) {
+        if (!isNameCharacter(letter)) {
+            return false;
+        }
+    }
+    return !name.empty() && !isDigit(name.front());
 }
 
 } // namespace patina

@@ -50,7 +50,9 @@ void GraphGenerator::connect(const std::shared_ptr<GeneratorNode>& tail, const s
 
 void GraphGenerator::linkOutputPort(const std::shared_ptr<NodeConnection>& connection,
                                     const std::shared_ptr<GeneratorNode>& node, const std::string& portName) {
-    portLinks[connection].producer = {node, portName};
+    PortLinkEnd& producer = portLinks[connection].producer;
+    producer.node = node;
+    producer.port = portName;
 }
 
 void GraphGenerator::linkInputPort(const std::shared_ptr<NodeConnection>& connection,

@@ -20,56 +20,32 @@ constexpr std::array<std::string_view, 12> componentTypeNames = {
     "bool",    "sampler1D", "sampler2D", "sampler3D", "samplerCUBE", "samplerRECT",
 };
 
-void appendNumber(std::string& text, std::int32_t number) {
-    if (number >= 0 && number <= 9) {
-        text += static_cast<char>('0' + number);
-    } else {
-        text += std::to_string(number);
-    }
-}
-
-/// The type text without its array size.
 void appendElementType(std::string& text, const ShaderType& type) {
-    appendComponentType(text, type);
+    text += componentTypeView(type);
     if (type.rows >= 2) {
-        appendNumber(text, type.rows);
-        text += 'x';
-        appendNumber(text, type.columns);
+        appendText(text, {std::to_string(type.rows), "x", std::to_string(type.columns)});
     } else if (type.columns >= 2) {
-        appendNumber(text, type.columns);
+        text += std::to_string(type.columns);
     }
 }
 
 void appendArraySize(std::string& text, const ShaderType& type) {
     if (type.arraySize >= 2) {
-        text += '[';
-        appendNumber(text, type.arraySize);
-        text += ']';
+        appendText(text, {"[", std::to_string(type.arraySize), "]"});
     }
 }
 
 } // namespace
 
-void detail::appendComponentType(std::string& text, const ShaderType& type) {
+std::string_view detail::componentTypeView(const ShaderType& type) {
     const auto code = static_cast<std::size_t>(type.componentType);
     if (code >= componentTypeNames.size()) {
         throw ShaderError("unknown component type");
     }
-    text += componentTypeNames[code];
+    return componentTypeNames[code];
 }
 
-void detail::appendDeclaration(std::string& text, const ShaderType& type, std::string_view name) {
-    appendElementType(text, type);
-    text += ' ';
-    text += name;
-    appendArraySize(text, type);
-}
-
-std::string componentTypeName(const ShaderType& type) {
-    std::string text;
-    appendComponentType(text, type);
-    return text;
-}
+std::string componentTypeName(const ShaderType& type) { return std::string(componentTypeView(type)); }
 
 std::string detail::typeText(const ShaderType& type) {
     std::string text;
@@ -82,7 +58,9 @@ std::ostream& operator<<(std::ostream& stream, const ShaderType& type) { return 
 
 std::string declaration(const ShaderType& type, std::string_view name) {
     std::string text;
-    appendDeclaration(text, type, name);
+    appendElementType(text, type);
+    appendText(text, {" ", name});
+    appendArraySize(text, type);
     return text;
 }
 

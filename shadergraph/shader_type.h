@@ -1,5 +1,9 @@
 #pragma once
 
+#include "nodemodel/text.h"
+
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -52,11 +56,38 @@ namespace detail {
 /// What the operator prints.
 std::string typeText(const ShaderType& type);
 
-/// Appends what componentTypeName and declaration give.
-/// @{
-void appendComponentType(std::string& text, const ShaderType& type);
-void appendDeclaration(std::string& text, const ShaderType& type, std::string_view name);
-/// @}
+/// What componentTypeName gives, in a text that lasts.
+std::string_view componentTypeView(const ShaderType& type);
+
+/// Of scalars and vectors, by ComponentType from Float to Bool and by columns from 1.
+inline constexpr std::array<std::array<std::string_view, 4>, 5> vectorTypeTexts = {{
+    {"float", "float2", "float3", "float4"},
+    {"half", "half2", "half3", "half4"},
+    {"fixed", "fixed2", "fixed3", "fixed4"},
+    {"int", "int2", "int3", "int4"},
+    {"bool", "bool2", "bool3", "bool4"},
+}};
+
+/// The text of a single value of one of those types, as most are; empty for all others.
+inline std::string_view vectorTypeText(const ShaderType& type) {
+    constexpr auto firstType = static_cast<std::size_t>(ComponentType::Float);
+    const std::size_t row = static_cast<std::size_t>(type.componentType) - firstType;
+    const std::size_t column = static_cast<std::size_t>(type.columns) - 1;
+    const bool isVector = type.rows <= 1 && type.arraySize <= 1 && row < vectorTypeTexts.size() &&
+                          column < vectorTypeTexts.front().size();
+    return isVector ? vectorTypeTexts[row][column] : std::string_view();
+}
+
+/// Appends what `declaration` gives, between two other texts.
+inline void appendDeclaration(TextBuilder& text, const ShaderType& type, std::string_view name,
+                              std::string_view before = "", std::string_view after = "") {
+    if (const std::string_view vector = vectorTypeText(type); !vector.empty()) {
+        text.append(before, vector, " ", name, after);
+    } else {
+        text.append(before);
+        text.append(declaration(type, name), after);
+    }
+}
 
 } // namespace detail
 

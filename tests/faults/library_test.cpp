@@ -118,18 +118,19 @@ TEST(PropertyWithoutMemory, KeepsItsEnumValues) {
     }
 }
 
-TEST(FunctionBuilderWithRoom, TakesParametersAndCodeWithoutAllocating) {
+TEST(FunctionBuilderWithRoom, TakesParametersAndShortCodeWithoutAllocating) {
     FunctionBuilder builder;
-    builder.reserve(2, 200);
+    builder.reserve(2);
     const ShaderType type = {ComponentType::Float, 3, 1, 1};
     EXPECT_TRUE(isDoneWith(0, [&] {
-        builder.addInput(type, "in_value");
+        builder.addInput(type, "in_value1");
         builder.addOutput(type, "out_value");
-        for (int line = 0; line < 8; ++line) {
-            builder.appendCode("\tout_value = in_value;\n");
-        }
+        builder.declareConstant(type, "in_value2", 0.125F);
+        builder.appendCode("\tout_value = in_value1 * in_value2;\n");
     }));
     EXPECT_EQ(builder.function().parameters.size(), 2U);
+    EXPECT_EQ(builder.finish(ExecutionLevel::Automatic, "f")->code,
+              "\tfloat3 in_value2 = float( 0.125 ).xxx;\n\tout_value = in_value1 * in_value2;\n");
 }
 
 TEST(JoinTextInOneGo, AllocatesOnce) {

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <limits>
+#include <string>
+#include <string_view>
 
 namespace patina {
 
@@ -70,6 +73,60 @@ TEST(FormatFloat, IgnoresTheLocaleOfTheProcess) {
 TEST(JoinText, PutsThePiecesOneAfterAnother) {
     EXPECT_EQ(joinText({}), "");
     EXPECT_EQ(joinText({"cannot create \"", "CoreFancy", "\" node"}), "cannot create \"CoreFancy\" node");
+}
+
+TEST(TextBuilder, PutsPiecesOfAnyLengthOneAfterAnother) {
+    const std::string name = "name";
+    for (const std::size_t length : {0U, 1U, 119U, 120U, 121U, 128U, 129U, 1000U}) {
+        const std::string piece(length, 'x');
+        TextBuilder text;
+        text.append("float", " ", name, std::string_view(";\n"));
+        text.append(piece);
+        text.append("a", piece, "b");
+        EXPECT_EQ(text.size(), 14 + 2 * length);
+        const std::string expected = "float name;\n" + piece + "a" + piece + "b";
+        EXPECT_EQ(text.view(), expected);
+        text.append("!");
+        EXPECT_EQ(text.view(), expected + "!");
+        EXPECT_EQ(text.take(), expected + "!");
+        EXPECT_EQ(text.size(), 0U);
+        text.append("again");
+        EXPECT_EQ(text.take(), "again");
+    }
+}
+
+TEST(TextBuilder, GrowsPieceByPiece) {
+    TextBuilder text;
+    text.reserve(100);
+    std::string expected;
+    for (int i = 0; i < 1000; ++i) {
+        text.append("ab");
+        expected += "ab";
+        EXPECT_EQ(text.size(), expected.size());
+    }
+    EXPECT_EQ(text.take(), expected);
+}
+
+TEST(TextBuilder, StartsAnew) {
+    TextBuilder text;
+    for (const std::size_t length : {5U, 500U}) {
+        text.append(std::string(length, 'x'), "y");
+        text.clear();
+        EXPECT_EQ(text.size(), 0U);
+        EXPECT_EQ(text.view(), "");
+        text.append("b");
+        EXPECT_EQ(text.view(), "b");
+    }
+}
+
+TEST(TextBuilder, AppendsNumbersWhereverItStands) {
+    for (std::size_t length = 100; length <= 130; ++length) {
+        TextBuilder text;
+        text.append(std::string(length, 'x'));
+        text.appendFloat(-1.17549435e-38F);
+        text.appendFloat(0.5F);
+        EXPECT_EQ(text.take(), std::string(length, 'x') + "-1.17549e-380.5");
+    }
 }
 
 } // namespace

@@ -243,7 +243,7 @@ TEST(FunctionBuilder, KeepsItsOwnFunctionUnnamed) {
 
 TEST(Finish, GivesWhatMakeNodeGives) {
     FunctionBuilder builder;
-    builder.reserve(2, 100);
+    builder.reserve(2);
     builder.addInput({ComponentType::Half, 3, 1, 1}, "in_value");
     builder.addOutput({ComponentType::Float, 1, 1, 1}, "out_value");
     builder.appendCode("\tout_value = in_value.x;\n");
