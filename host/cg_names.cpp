@@ -2,10 +2,11 @@
 
 #include "host/framework.h"
 #include "nodemodel/text.h"
-#include "shadergraph/generator_node.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <iterator>
 
 namespace patina {
 
@@ -246,27 +247,62 @@ bool isSamplingFunction(std::string_view name) {
            });
 }
 
-/// By the code of a character, whether it stays in a name.
-constexpr std::array<bool, 256> nameCharacters = [] {
-    std::array<bool, 256> table = {};
+/// What a character may be to a name.
+enum class NameCharacter : unsigned char { None, Underscore, Other };
+
+/// By the code of a character.
+constexpr std::array<NameCharacter, 256> nameCharacters = [] {
+    std::array<NameCharacter, 256> table = {};
     for (const char letter :
          std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789")) {
-        table[static_cast<unsigned char>(letter)] = true;
+        table[static_cast<unsigned char>(letter)] = NameCharacter::Other;
     }
+    table['_'] = NameCharacter::Underscore;
     return table;
 }();
 
-bool isNameCharacter(char letter) { return nameCharacters[static_cast<unsigned char>(letter)]; }
+NameCharacter nameCharacter(char letter) { return nameCharacters[static_cast<unsigned char>(letter)]; }
 
-/// Cg's words and functions, and the framework's names.
+/// Cg's words and functions, and the framework's names, sorted.
+constexpr auto reservedWords = [] {
+    std::array<std::string_view, std::size(keywords) + std::size(standardFunctions) + frameworkNames.size()>
+        all;
+    auto end = std::copy(std::begin(keywords), std::end(keywords), all.begin());
+    end = std::copy(std::begin(standardFunctions), std::end(standardFunctions), end);
+    std::copy(frameworkNames.begin(), frameworkNames.end(), end);
+    std::sort(all.begin(), all.end());
+    return all;
+}();
+
+constexpr std::size_t longestWord = 31;
+
+/// By the code of a first letter, a bit for each length of a reserved word that begins with it: most names
+/// need not be looked for.
+constexpr std::array<std::uint32_t, 256> reservedLengths = [] {
+    std::array<std::uint32_t, 256> lengths = {};
+    for (const std::string_view word : reservedWords) {
+        lengths[static_cast<unsigned char>(word.front())] |= std::uint32_t{1} << word.size();
+    }
+    return lengths;
+}();
+
 bool isReservedWord(std::string_view name) {
-    static const std::unordered_set<std::string_view> words = [] {
-        std::unordered_set<std::string_view> all(std::begin(keywords), std::end(keywords));
-        all.insert(std::begin(standardFunctions), std::end(standardFunctions));
-        all.insert(frameworkNames.begin(), frameworkNames.end());
-        return all;
-    }(); // GCOVR_EXCL_BR_LINE: whether another thread makes it at that moment
-    return words.count(name) != 0;
+    return !name.empty() && name.size() <= longestWord &&
+           (reservedLengths[static_cast<unsigned char>(name.front())] >> name.size() & 1) != 0 &&
+           std::binary_search(reservedWords.begin(), reservedWords.end(), name);
+}
+
+/// Whether a text is as toCgName makes it, which most are.
+bool isCgName(std::string_view text) {
+    auto previous = NameCharacter::Other;
+    for (const char letter : text) {
+        const NameCharacter current = nameCharacter(letter);
+        if (current != NameCharacter::Other && (current == NameCharacter::None || current == previous)) {
+            return false;
+        }
+        previous = current;
+    }
+    return !text.empty() && text.front() > '9';
 }
 
 } // namespace
@@ -278,31 +314,20 @@ bool isReservedName(std::string_view name) {
 
 std::string toCgName(std::string_view text) {
     std::string name;
-    makeCgName(name, {text});
-    return name;
-}
-
-void makeCgName(std::string& name, std::initializer_list<std::string_view> pieces) {
-    name.clear();
-    for (const std::string_view piece : pieces) {
-        name += piece;
-    }
-    if (isValidVariableName(name) && name.find("__") == std::string::npos) {
-        return; // as most are
-    }
-    std::size_t length = 0;
-    for (const char letter : name) {
-        if (isNameCharacter(letter)) {
-            name[length++] = letter;
-        } else if (length == 0 || name[length - 1] != '_') {
-            name[length++] = '_';
+    for (const char letter : text) {
+        if (nameCharacter(letter) == NameCharacter::Other) {
+            name += letter;
+        } else if (name.empty() || name.back() != '_') {
+            name += '_';
         }
     }
-    name.resize(length);
     if (name.empty() || name.front() <= '9') { // digits come before all else that is left
         name.insert(name.begin(), '_');
     }
+    return name;
 }
+
+void NameAllocator::reserve(std::size_t count) { taken_.reserve(count); }
 
 std::string_view NameAllocator::keep(std::string_view name) {
     std::pmr::polymorphic_allocator<char> allocator(&memory_);
@@ -313,8 +338,8 @@ std::string_view NameAllocator::keep(std::string_view name) {
 
 std::string_view NameAllocator::take(std::string_view name) { return *taken_.insert(keep(name)).first; }
 
-std::string_view NameAllocator::allocate(std::string_view wanted) {
-    wanted = keep(wanted);
+std::string_view NameAllocator::allocate(std::string_view text) {
+    const std::string_view wanted = isCgName(text) ? keep(text) : keep(toCgName(text));
     if (!isReservedName(wanted) && taken_.insert(wanted).second) {
         return wanted;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <initializer_list>
+#include <cstddef>
 #include <memory_resource>
 #include <string>
 #include <string_view>
@@ -16,7 +16,6 @@ bool isReservedName(std::string_view name);
 /// A text made into a Cg name: every other character than letters and digits becomes "_", and several side by
 /// side become one. [thread-safe]
 std::string toCgName(std::string_view text);
-void makeCgName(std::string& name, std::initializer_list<std::string_view> pieces); ///< of a text in pieces
 
 /// Gives out names that are told apart from one another and from reserved ones.
 /// Threads: one thread at a time. What it gives out lasts as long as it.
@@ -25,9 +24,11 @@ public:
     /// Takes a name as it is, whatever it is, and gives it back.
     std::string_view take(std::string_view name);
 
-    /// The wanted name, or that with the lowest free suffix: "name_2", "name_3". The wanted one is as
-    /// toCgName makes it, so that a suffix can help.
-    std::string_view allocate(std::string_view wanted);
+    /// What toCgName makes of a text, or that with the lowest free suffix: "name_2", "name_3".
+    std::string_view allocate(std::string_view text);
+
+    /// Makes room for that many names, beyond which there may still be more.
+    void reserve(std::size_t count);
 
 private:
     std::string_view keep(std::string_view name);

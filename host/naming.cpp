@@ -20,14 +20,16 @@ public:
         : material_(material), flow_(flow), shader_(shader), errors_(errors) {
         names_.functions.resize(flow.nodes.size());
         names_.firstValues.reserve(flow.nodes.size() + 1);
+        std::size_t valueCount = 0;
         for (const DataflowNode& node : flow.nodes) {
-            names_.firstValues.push_back(names_.allValues.size());
+            names_.firstValues.push_back(valueCount);
             const bool isWritten =
                 node.generated->kind == NodeKind::RegisterParameter && node.generated->outputs.empty();
-            names_.allValues.resize(names_.allValues.size() + node.generated->outputs.size() +
-                                    (isWritten ? 1 : 0));
+            valueCount += node.generated->outputs.size() + (isWritten ? 1 : 0);
         }
-        names_.firstValues.push_back(names_.allValues.size());
+        names_.firstValues.push_back(valueCount);
+        names_.allValues.resize(valueCount);
+        allocator_.reserve(valueCount);
     }
 
     ShaderNames name() {
@@ -101,7 +103,7 @@ private:
             if (first != i) {
                 names_.functions[i] = names_.functions[first];
             } else if (node.kind == NodeKind::Function) {
-                names_.functions[i] = allocator_.allocate(toCgName(node.name));
+                names_.functions[i] = allocator_.allocate(node.name);
             }
         }
     }
@@ -141,14 +143,15 @@ private:
 
     std::string_view nameOutput(const DataflowNode& node, std::size_t port) {
         const GeneratorPort& output = node.generated->outputs[port];
+        wanted_.clear();
         if (!node.conversion) {
-            makeCgName(wanted_, {stemOf(node), "_", output.name});
-            return allocator_.allocate(wanted_);
+            wanted_.append(stemOf(node), "_", output.name);
+            return allocator_.allocate(wanted_.view());
         }
         const bool hasSource = node.inputs[0].node != noSource;
         const std::string_view stem = hasSource ? names_.value(node.inputs[0]) : stemOf(node);
-        makeCgName(wanted_, {stem, "_", typeText(output.type)});
-        return allocator_.allocate(wanted_);
+        wanted_.append(stem, "_", typeText(output.type));
+        return allocator_.allocate(wanted_.view());
     }
 
     /// The name of a register's parameter, which all nodes that read it share.
@@ -157,7 +160,7 @@ private:
         const RegisterEntry& entry = registerEntry(node.registerReference.index);
         std::string_view& name = registerNames_[(entry.stage == 0 ? "vertex " : "fragment ") + text];
         if (name.empty()) {
-            name = allocator_.allocate(toCgName(node.name.empty() ? text : node.name));
+            name = allocator_.allocate(node.name.empty() ? text : node.name);
         }
         return name;
     }
@@ -168,7 +171,7 @@ private:
     Errors* errors_;
     std::unordered_map<std::string_view, std::size_t> parameterByName_;
     std::map<std::string, std::string_view> registerNames_;
-    std::string wanted_; ///< one name after another
+    TextBuilder wanted_; ///< one name after another
     ShaderNames names_;
     NameAllocator& allocator_ = *names_.allocator;
 };

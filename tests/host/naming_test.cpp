@@ -199,6 +199,10 @@ TEST(NameAllocator, TellsNamesApart) {
     EXPECT_EQ(names.allocate("_"), "_");
     EXPECT_EQ(names.allocate("_"), "_2");
     EXPECT_EQ(names.allocate("_"), "_3");
+    EXPECT_EQ(names.allocate("c d"), "c_d") << "made a Cg name";
+    EXPECT_EQ(names.allocate("c__d"), "c_d_2") << "made the same";
+    EXPECT_EQ(names.allocate(""), "_4");
+    EXPECT_EQ(names.allocate("1st"), "_1st");
 }
 
 /// Every line of the text that contains the piece.
