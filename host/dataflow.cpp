@@ -22,13 +22,13 @@ using namespace detail;
 
 namespace {
 
-std::optional<std::size_t> findPort(const std::vector<GeneratorPort>& ports, const std::string& name) {
-    const auto found = std::find_if(ports.begin(), ports.end(),
-                                    [&](const GeneratorPort& port) { return port.name == name; });
-    if (found == ports.end()) {
-        return std::nullopt;
+std::optional<std::size_t> findPort(const std::vector<GeneratorPort>& ports, std::string_view name) {
+    for (std::size_t port = 0; port < ports.size(); ++port) {
+        if (ports[port].name == name) {
+            return port;
+        }
     }
-    return static_cast<std::size_t>(found - ports.begin());
+    return std::nullopt;
 }
 
 /// An output that a material may have, and what it takes.
@@ -66,25 +66,32 @@ bool isFitting(const ShaderType& type, const OutputRule& rule) {
     return (rule.scalar && type.columns == 1) || (rule.vector && type.columns == 3);
 }
 
-/// Tells functions apart that are not the same text in the end; their levels do not matter.
-struct FunctionHash {
-    std::size_t operator()(const GeneratorNode* function) const {
-        const std::hash<std::string_view> hash;
-        std::size_t result = hash(function->code);
-        const auto mix = [&result](std::size_t value) {
-            constexpr std::size_t factor = 31;
-            result = result * factor + value;
-        };
-        mix(hash(function->name));
-        for (const GeneratorPort& output : function->outputs) {
+/// A function, told apart from those that are not the same text in the end; its level does not matter.
+class FunctionText {
+public:
+    explicit FunctionText(const GeneratorNode& function)
+        : function_(function), hash_(std::hash<std::string_view>()(function.code)) {
+        for (const GeneratorPort& output : function.outputs) {
             mix(static_cast<std::size_t>(output.type.componentType));
             mix(static_cast<std::size_t>(output.type.columns));
         }
-        return result;
     }
-};
 
-struct SameFunction {
+    std::size_t hash() const { return hash_; }
+
+    bool operator==(const FunctionText& other) const {
+        return hash_ == other.hash_ && function_.name == other.function_.name &&
+               function_.code == other.function_.code &&
+               arePortsEqual(function_.inputs, other.function_.inputs) &&
+               arePortsEqual(function_.outputs, other.function_.outputs);
+    }
+
+private:
+    void mix(std::size_t value) {
+        constexpr std::size_t factor = 31;
+        hash_ = hash_ * factor + value;
+    }
+
     static bool arePortsEqual(const std::vector<GeneratorPort>& left,
                               const std::vector<GeneratorPort>& right) {
         return std::equal(left.begin(), left.end(), right.begin(), right.end(),
@@ -93,14 +100,12 @@ struct SameFunction {
                           });
     }
 
-    bool operator()(const GeneratorNode* left, const GeneratorNode* right) const {
-        // GCOVR_EXCL_BR_START: other names or code of one hash are not known
-        if (left->name != right->name || left->code != right->code) {
-            return false; // GCOVR_EXCL_LINE: likewise
-        }
-        // GCOVR_EXCL_BR_STOP
-        return arePortsEqual(left->inputs, right->inputs) && arePortsEqual(left->outputs, right->outputs);
-    }
+    const GeneratorNode& function_;
+    std::size_t hash_;
+};
+
+struct FunctionTextHash {
+    std::size_t operator()(const FunctionText& function) const { return function.hash(); }
 };
 
 /// Collects the sources of all inputs.
@@ -108,9 +113,8 @@ class Joiner {
 public:
     Joiner(const Material& material, const GeneratedGraph& graph, Errors* errors, ColourWidth colourWidth)
         : material_(material), graph_(graph), errors_(errors), colourWidth_(colourWidth) {
-        flow_.memory = std::make_shared<std::pmr::monotonic_buffer_resource>();
-        indexByNode_.reserve(graph.generator.graph->nodes.size());
         flow_.nodes.reserve(graph.generator.graph->nodes.size());
+        firstNodes_.resize(material.items.size(), noSource);
     }
 
     Dataflow join() {
@@ -164,10 +168,7 @@ private:
 
     std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
         const std::size_t index = flow_.nodes.size();
-        flow_.nodes.push_back({generated, owner,
-                               std::pmr::vector<ValueSource>(generated->inputs.size(),
-                                                             ValueSource{noSource, 0}, flow_.memory.get()),
-                               false});
+        flow_.nodes.push_back({generated, owner, flow_.makeInputs(generated->inputs.size()), false});
         return index;
     }
 
@@ -175,9 +176,33 @@ private:
     void enterNodes(const std::vector<std::size_t>& owners) {
         const auto& nodes = graph_.generator.graph->nodes;
         for (const std::size_t owner : owners) {
-            const std::shared_ptr<GeneratorNode>& node = nodes[enteredNodes_++];
-            indexByNode_.emplace(node.get(), enter(node, owner));
+            const std::size_t index = enter(nodes[enteredNodes_++], owner);
+            if (owner != frameworkOwner && firstNodes_[owner] == noSource) {
+                firstNodes_[owner] = index;
+            }
         }
+    }
+
+    /// The index of a node that is entered, or noSource.
+    std::size_t indexOf(const GeneratorNode* node) {
+        for (; indexedNodes_ < flow_.nodes.size(); ++indexedNodes_) {
+            indexByNode_.emplace(flow_.nodes[indexedNodes_].generated.get(), indexedNodes_);
+        }
+        const auto found = indexByNode_.find(node);
+        return found == indexByNode_.end() ? noSource : found->second;
+    }
+
+    /// The same of the node that stands for one that the code of an item added: most are among its own few.
+    std::size_t indexOf(const std::shared_ptr<GeneratorNode>& added, std::size_t item) {
+        constexpr std::size_t few = 8;
+        const std::size_t first = firstNodes_[item];
+        for (std::size_t index = first; index < flow_.nodes.size() && index - first < few; ++index) {
+            if (flow_.nodes[index].generated == added) {
+                return index;
+            }
+        }
+        const auto mapped = graph_.generator.nodeMap.find(added);
+        return indexOf(mapped == graph_.generator.nodeMap.end() ? added.get() : mapped->second.get());
     }
 
     /// What node code itself joined, as far as it is not entered yet.
@@ -186,8 +211,11 @@ private:
         while (joinedEdges_ < edges.size()) {
             // by value: a provider may add edges later
             const std::shared_ptr<GeneratorEdge> edge = edges[joinedEdges_++];
-            const std::size_t tail = indexByNode_.at(edge->tail.lock().get());
-            const std::size_t head = indexByNode_.at(edge->head.lock().get());
+            const std::size_t tail = indexOf(edge->tail.lock().get());
+            const std::size_t head = indexOf(edge->head.lock().get());
+            if (tail == noSource || head == noSource) {
+                continue;
+            }
             const auto output = findPort(flow_.nodes[tail].generated->outputs, edge->tailPort);
             const auto input = findPort(flow_.nodes[head].generated->inputs, edge->headPort);
             if (!output || !input) {
@@ -201,19 +229,18 @@ private:
     }
 
     void feed(std::size_t head, std::size_t input, const ValueSource& value) {
-        // by value: a conversion adds a node
-        const std::shared_ptr<GeneratorNode> generated = flow_.nodes[head].generated;
+        const GeneratorNode& generated = *flow_.nodes[head].generated;
         const ValueSource earlier = flow_.nodes[head].inputs[input];
         if (earlier.node != noSource) {
             fail(lineOf(value.node),
-                 {titleOf(value.node), ": this feeds \"", generated->inputs[input].name, "\" of ",
-                  describe(*generated), ", and so does ", titleOf(earlier.node), "; only one of them can"});
+                 {titleOf(value.node), ": this feeds \"", generated.inputs[input].name, "\" of ",
+                  describe(generated), ", and so does ", titleOf(earlier.node), "; only one of them can"});
         }
         const ValueSource converted =
-            convert(value, generated->inputs[input].type, [&](std::string_view reason) {
+            convert(value, generated.inputs[input].type, [&](std::string_view reason) {
                 fail(lineOf(value.node),
                      {titleOf(value.node), ", ", describe(*flow_.nodes[value.node].generated), ", to \"",
-                      generated->inputs[input].name, "\" of ", describe(*generated), ": ", reason});
+                      generated.inputs[input].name, "\" of ", describe(generated), ": ", reason});
             });
         flow_.nodes[head].inputs[input] = converted;
         noteRead(converted);
@@ -225,16 +252,15 @@ private:
     }
 
     /// The port that a link record names.
-    template <typename Ports>
-    ValueSource endOf(const PortLinkEnd& end, const Ports& portsOf, const MaterialItem& item,
-                      int line) const {
-        const auto generated = graph_.generator.nodeMap.find(end.node);
-        if (generated != graph_.generator.nodeMap.end()) {
-            if (const auto port = findPort(portsOf(*generated->second), end.port)) {
-                return {indexByNode_.at(generated->second.get()), *port};
+    ValueSource endOf(const PortLinkEnd& end, std::vector<GeneratorPort> GeneratorNode::*ports,
+                      std::size_t item, int line) {
+        const std::size_t node = indexOf(end.node, item);
+        if (node != noSource) {
+            if (const auto port = findPort((*flow_.nodes[node].generated).*ports, end.port)) {
+                return {node, *port};
             }
         }
-        failAtPort(item, end.port, line);
+        failAtPort(material_.items[item], end.port, line);
     }
 
     /// Without an end at either side when no code realises the connection.
@@ -244,16 +270,14 @@ private:
     }
 
     ValueSource producerOf(const PortLink& link, const std::shared_ptr<NodeConnection>& record,
-                           std::size_t source, int line) const {
-        const MaterialItem& item = material_.items[source];
+                           std::size_t source, int line) {
         if (!link.producer.node) {
-            failAtPort(item, record->sourcePort, line);
+            failAtPort(material_.items[source], record->sourcePort, line);
         }
-        return endOf(
-            link.producer, [](const GeneratorNode& node) -> const auto& { return node.outputs; }, item, line);
+        return endOf(link.producer, &GeneratorNode::outputs, source, line);
     }
 
-    ValueSource producerOf(const MaterialOutput& output) const {
+    ValueSource producerOf(const MaterialOutput& output) {
         return producerOf(linkOf(output.record), output.record, output.source, output.line);
     }
 
@@ -276,10 +300,8 @@ private:
         }
     }
 
-    ValueSource consumerOf(const PortLinkEnd& end, const MaterialConnection& connection) const {
-        return endOf(
-            end, [](const GeneratorNode& node) -> const auto& { return node.inputs; },
-            material_.items[connection.destination], connection.line);
+    ValueSource consumerOf(const PortLinkEnd& end, const MaterialConnection& connection) {
+        return endOf(end, &GeneratorNode::inputs, connection.destination, connection.line);
     }
 
     void joinConnection(const MaterialConnection& connection) {
@@ -287,9 +309,8 @@ private:
         const ValueSource producer = producerOf(link, connection.record, connection.source, connection.line);
         for (const PortLinkEnd& end : link.consumers) {
             const ValueSource consumer = consumerOf(end, connection);
-            // by value: a conversion adds a node
-            const std::shared_ptr<GeneratorNode> reader = flow_.nodes[consumer.node].generated;
-            const GeneratorPort& input = reader->inputs[consumer.port];
+            const GeneratorNode& reader = *flow_.nodes[consumer.node].generated;
+            const GeneratorPort& input = reader.inputs[consumer.port];
             const ValueSource value = convert(producer, input.type, [&](std::string_view reason) {
                 fail(connection.line, {nodeTitle(material_.items[connection.source]), ", output \"",
                                        connection.record->sourcePort, "\", to ",
@@ -300,7 +321,7 @@ private:
             if (source.node != noSource && source != value) {
                 fail(connection.line, {nodeTitle(material_.items[connection.destination]), ", input \"",
                                        connection.record->destinationPort, "\": this connection feeds \"",
-                                       input.name, "\" of ", describe(*reader), ", and so does the code of ",
+                                       input.name, "\" of ", describe(reader), ", and so does the code of ",
                                        titleOf(source.node), "; only one of them can"});
             }
             source = value;
@@ -336,7 +357,7 @@ private:
         return conversions_.emplace(key, ValueSource{node, 0}).first->second;
     }
 
-    ValueSource selectOutput(const MaterialOutput& output, const OutputRule& rule) const {
+    ValueSource selectOutput(const MaterialOutput& output, const OutputRule& rule) {
         const ValueSource source = producerOf(output);
         const ShaderType& type = flow_.port(source).type;
         const bool isNumeric =
@@ -430,7 +451,7 @@ private:
         const std::shared_ptr<GeneratorNode> surface = insertSurface(graph, outputs);
         enterNodes(std::vector<std::size_t>(graph.nodes.size() - enteredNodes_, frameworkOwner));
         joinInnerEdges();
-        const std::size_t node = indexByNode_.at(surface.get());
+        const std::size_t node = indexOf(surface.get());
         for (const auto& [output, input] : {std::pair{colourName, surfaceColour},
                                             {normalName, surfaceNormal},
                                             {emissiveName, surfaceEmissive},
@@ -491,11 +512,8 @@ private:
                  {nodeTitle(item), ": this reads ", describe(*wanted), ", for which a provider gives ",
                   describe(*provided), ", which has no value; report this to the author of its plug-in"});
         }
-        const auto [entry, isNew] = indexByNode_.try_emplace(provided.get(), flow_.nodes.size());
-        if (isNew) {
-            enter(provided, owner);
-        }
-        feed(parameter, 0, {entry->second, *output});
+        const std::size_t entered = indexOf(provided.get());
+        feed(parameter, 0, {entered == noSource ? enter(provided, owner) : entered, *output});
     }
 
     bool isInterface(std::size_t node) const {
@@ -539,9 +557,24 @@ private:
         }
     }
 
+    /// Whether every source stands before what reads it.
+    bool isInOrder() const {
+        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+            for (const ValueSource& input : flow_.nodes[i].inputs) {
+                if (input.node >= i && input.node != noSource) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
     /// Moves what the outputs depend on, sources first.
     Dataflow takeNeeded() {
         const std::vector<bool> needed = findNeeded();
+        if (isInOrder() && std::find(needed.begin(), needed.end(), false) == needed.end()) {
+            return std::move(flow_);
+        }
         Dependencies sources(flow_.nodes.size());
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             for (const ValueSource& input : flow_.nodes[i].inputs) {
@@ -686,21 +719,30 @@ private:
     /// By node and input, the first interface parameter through which it is read.
     std::map<std::pair<std::size_t, std::size_t>, std::size_t> passed_;
     std::set<std::size_t> readInterfaces_; ///< nodes
+    std::vector<std::size_t> firstNodes_;  ///< by item, the first that its code gave
     std::pmr::monotonic_buffer_resource memory_;
-    std::pmr::unordered_map<const GeneratorNode*, std::size_t> indexByNode_{&memory_};
+    std::size_t indexedNodes_ = 0;
+    std::pmr::unordered_map<const GeneratorNode*, std::size_t> indexByNode_{&memory_}; ///< of the indexed
     std::map<std::tuple<std::size_t, std::size_t, std::string>, ValueSource> conversions_;
 };
 
 } // namespace
 
+std::span<ValueSource> Dataflow::makeInputs(std::size_t count) {
+    std::pmr::polymorphic_allocator<ValueSource> allocator(memory.get());
+    const std::span<ValueSource> inputs(allocator.allocate(count), count);
+    std::uninitialized_fill(inputs.begin(), inputs.end(), ValueSource{noSource, 0});
+    return inputs;
+}
+
 std::vector<std::size_t> firstOfEachFunction(const std::vector<DataflowNode>& nodes) {
     std::pmr::monotonic_buffer_resource memory;
-    std::pmr::unordered_map<const GeneratorNode*, std::size_t, FunctionHash, SameFunction> firstNodes(
-        &memory);
+    std::pmr::unordered_map<FunctionText, std::size_t, FunctionTextHash> firstNodes(&memory);
     std::vector<std::size_t> functions(nodes.size());
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        const bool isFunction = nodes[i].generated->kind == NodeKind::Function;
-        functions[i] = isFunction ? firstNodes.try_emplace(nodes[i].generated.get(), i).first->second : i;
+        const GeneratorNode& node = *nodes[i].generated;
+        const bool isFunction = node.kind == NodeKind::Function;
+        functions[i] = isFunction ? firstNodes.try_emplace(FunctionText(node), i).first->second : i;
     }
     return functions;
 }

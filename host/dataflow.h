@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <memory_resource>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -30,13 +31,14 @@ inline constexpr std::size_t frameworkOwner = noSource;
 struct DataflowNode {
     std::shared_ptr<GeneratorNode> generated;
     std::size_t owner = 0; ///< the material item whose code it is, or whose value it converts; frameworkOwner
-    std::pmr::vector<ValueSource> inputs;
-    bool conversion = false; ///< put in between two material nodes to convert a value
+    std::span<ValueSource> inputs; ///< in the memory of the dataflow
+    bool conversion = false;       ///< put in between two material nodes to convert a value
 };
 
 /// A material's shader as one graph of functions and parameters in which every input has its source.
 struct Dataflow {
-    std::shared_ptr<std::pmr::monotonic_buffer_resource> memory; ///< of the inputs of joined nodes
+    std::shared_ptr<std::pmr::monotonic_buffer_resource> memory = ///< of the inputs; copies share both
+        std::make_shared<std::pmr::monotonic_buffer_resource>();
     std::vector<DataflowNode> nodes; ///< only what an output needs; every source before what reads it
     ValueSource colour;              ///< three components, or one that is to be splatted; see ColourWidth
     ValueSource alpha;
@@ -47,6 +49,9 @@ struct Dataflow {
     /// By node: the first one with the same function, which is the same but for its level. Other nodes stand
     /// for themselves.
     std::vector<std::size_t> functions;
+
+    /// The inputs of one more node, which lack their sources.
+    std::span<ValueSource> makeInputs(std::size_t count);
 
     const GeneratorPort& port(const ValueSource& source) const {
         return nodes[source.node].generated->outputs[source.port];

@@ -111,7 +111,7 @@ TEST(JoinGraph, ConvertsOncePerValueAndType) {
     EXPECT_EQ(joined.count("swizzleCode"), 3U);
     for (const DataflowNode& entry : joined.flow.nodes) {
         if (entry.generated->name == "promoteAndSplat") {
-            EXPECT_EQ(joined.flow.nodes[entry.inputs.at(0).node].generated->name, "S");
+            EXPECT_EQ(joined.flow.nodes[entry.inputs[0].node].generated->name, "S");
         }
     }
 }

@@ -716,6 +716,30 @@ TEST(InnerEdges, OfPortsThatThereAreNotJoinNothing) {
     EXPECT_EQ(Sample({joinedBy({{"read", "nope"}, {"nope", "value"}, {"read", "value"}})}).error(), noError);
 }
 
+/// A function that the code feeds from a uniform parameter, after an edge to it from another node.
+CodeNode::Code joinedAfter(const std::function<Handle()>& makeTail) {
+    return [=](GraphGenerator& generator) {
+        const Handle uniform = submit(generator, makeUniformParameter("u", float3));
+        const Handle function = emitStep(generator, "f");
+        const auto edge = std::make_shared<GeneratorEdge>();
+        edge->tail = makeTail();
+        edge->tailPort = "read";
+        edge->head = function;
+        edge->headPort = "value";
+        generator.graph->edges.push_back(edge); // past what the graph would refuse
+        generator.graph->edges.push_back(std::make_shared<GeneratorEdge>());
+        generator.graph->edges.back()->tail = uniform;
+        generator.graph->connect(uniform, "read", function, "value");
+        return function;
+    };
+}
+
+TEST(InnerEdges, OfNodesOutsideTheGraphJoinNothing) {
+    const Handle elsewhere = makeUniformParameter("v", float3);
+    EXPECT_EQ(Sample({joinedAfter([=] { return elsewhere; })}).error(), noError);
+    EXPECT_EQ(Sample({joinedAfter([] { return makeUniformParameter("v", float3); })}).error(), noError);
+}
+
 TEST(InnerEdges, MayNotLeadInACircle) {
     const auto join = [](GraphGenerator& generator, const Handle& left, const Handle& right) {
         generator.connect(left, "result", right, "value");
@@ -753,6 +777,39 @@ TEST(Outputs, NeedTheCodeThatGivesThem) {
     Sample connected({nothing, [](GraphGenerator& generator) { return emitStep(generator, "f"); }});
     connected.connect(0, 1, "value");
     EXPECT_EQ(connected.error(), "sample.xml:20" + expected) << "where only the reader links it";
+}
+
+TEST(Outputs, MayComeOfAnyNodeOfTheirCode) {
+    const auto tenSteps = [](GraphGenerator& generator) {
+        Handle last = submit(generator, makeUniformParameter("u", float3));
+        std::string from = "read";
+        for (int i = 0; i < 10; ++i) {
+            const Handle step = emitStep(generator, "step" + std::to_string(i));
+            generator.connect(last, from, step, "value");
+            last = step;
+            from = "result";
+        }
+        return last;
+    };
+    const auto insertedInTheGraph = [](GraphGenerator& generator) {
+        FunctionBuilder builder;
+        builder.addOutput(float3, "result");
+        builder.appendCode("\tresult = float3( 1.0, 0.5, 0.0 );\n");
+        const Handle function = builder.makeNode(ExecutionLevel::Automatic, "f");
+        generator.graph->insertNode(function);
+        return function;
+    };
+    const auto insertedBehindTen = [=](GraphGenerator& generator) {
+        tenSteps(generator);
+        return insertedInTheGraph(generator);
+    };
+    for (const CodeNode::Code& code :
+         {CodeNode::Code(tenSteps), CodeNode::Code(insertedInTheGraph), CodeNode::Code(insertedBehindTen)}) {
+        EXPECT_EQ(Sample({code}).error(), noError);
+    }
+    EXPECT_NE(
+        mainOf(Sample({tenSteps}).shader().fragmentProgram).find("\tstep9( a_result_9, a_result_10 );\n"),
+        std::string::npos);
 }
 
 TEST(Outputs, AreNumbersOfOneRow) {

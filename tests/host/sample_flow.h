@@ -6,6 +6,7 @@
 #include "nodemodel/text.h"
 #include "shadergraph/shadergraph.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -54,7 +55,8 @@ public:
         item.node = std::make_shared<ItemNode>();
         item.line = static_cast<int>(10 + index);
         material.items.push_back(item);
-        flow.nodes.push_back({generated, index, {inputs.begin(), inputs.end()}});
+        flow.nodes.push_back({generated, index, flow.makeInputs(inputs.size())});
+        std::copy(inputs.begin(), inputs.end(), flow.nodes.back().inputs.begin());
         return index;
     }
     StagedShader place(std::size_t colour) {
