@@ -83,22 +83,25 @@ private:
                 positionNames.insert(node.generated->name);
             }
         }
+        shader_.declarations.resize(flow_.nodes.size());
+        std::iota(shader_.declarations.begin(), shader_.declarations.end(), std::size_t{0});
         std::map<std::string, std::size_t> firstByKey;
+        const auto declare = [&](std::size_t index, const std::string& key) {
+            shader_.declarations[index] = firstByKey.try_emplace(key, index).first->second;
+        };
         for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
             const GeneratorNode& node = generated(i);
-            std::string key;
             if (node.kind == NodeKind::VaryingParameter) {
                 const bool isPosition = node.type == positionType && positionNames.count(node.name) != 0;
                 if (isPosition) {
                     shader_.positions.push_back(i);
                 }
-                key = isPosition ? "position" : "varying " + declaration(node.type, node.name);
+                declare(i, isPosition ? "position" : "varying " + declaration(node.type, node.name));
             } else if (node.kind == NodeKind::RegisterParameter && node.inputs.empty()) {
                 const RegisterReference& reference = node.registerReference;
-                key = joinText({"register ", std::to_string(reference.index), " ",
-                                std::to_string(reference.number), " ", typeText(node.type)});
+                declare(i, joinText({"register ", std::to_string(reference.index), " ",
+                                     std::to_string(reference.number), " ", typeText(node.type)}));
             }
-            shader_.declarations.push_back(key.empty() ? i : firstByKey.try_emplace(key, i).first->second);
         }
     }
 
