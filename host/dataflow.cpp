@@ -167,9 +167,8 @@ private:
     int lineOf(std::size_t node) const { return ownerPosition(material_, flow_.nodes[node]).line; }
 
     std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
-        const std::size_t index = flow_.nodes.size();
         flow_.nodes.push_back({generated, owner, flow_.makeInputs(generated->inputs.size()), false});
-        return index;
+        return flow_.nodes.size() - 1;
     }
 
     /// Enters the nodes of the graph that are not yet, as those of these items.

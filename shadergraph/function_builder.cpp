@@ -11,6 +11,13 @@ namespace patina {
 
 using namespace detail;
 
+namespace {
+
+constexpr char inputDirection = 'i';
+constexpr char outputDirection = 'o';
+
+} // namespace
+
 ShaderType detail::portType(const Port& port) {
     return {static_cast<ComponentType>(port.getPrecision()),
             static_cast<std::int32_t>(port.getComponentCount()), 1, 1};
@@ -20,26 +27,45 @@ std::string detail::splat(std::int32_t columns) {
     return std::string(static_cast<std::size_t>(std::max(columns, 0)), 'x');
 }
 
-void FunctionBuilder::addParameter(std::int32_t direction, const ShaderType& type, const std::string& name) {
-    for (const FunctionParameter& parameter : function_.parameters) {
-        if (parameter.name == name) {
-            // a plain string on purpose: handlers of ShaderError must not see this one
-            throw joinText(
-                {"parameter name \"", name, "\" is duplicated in function \"", function_.name, "\""});
+void FunctionBuilder::addParameter(char direction, const ShaderType& type, const std::string& name) {
+    for (const auto* ports : {&inputs_, &outputs_}) {
+        for (const GeneratorPort& port : *ports) {
+            if (port.name == name) {
+                // a plain string on purpose: handlers of ShaderError must not see this one
+                throw joinText({"parameter name \"", name, "\" is duplicated in function \"",
+                                ShaderFunction().name, "\""});
+            }
         }
     }
-    FunctionParameter& parameter = function_.parameters.emplace_back();
-    parameter.direction = direction;
-    parameter.type = type;
-    parameter.name = name;
+    if (directions_.size() == directions_.capacity()) {
+        directions_.reserve(2 * directions_.size()); // so that either list grows or neither
+    }
+    (direction == inputDirection ? inputs_ : outputs_).push_back({name, type});
+    directions_.push_back(direction);
+    if (function_) {
+        listParameters();
+    }
+}
+
+void FunctionBuilder::listParameters() const {
+    std::vector<FunctionParameter>& parameters = function_->parameters;
+    const auto first = directions_.begin() + static_cast<std::ptrdiff_t>(parameters.size());
+    const std::ptrdiff_t listedInputs = std::count(directions_.begin(), first, inputDirection);
+    auto input = inputs_.begin() + listedInputs;
+    auto output = outputs_.begin() + (first - directions_.begin() - listedInputs);
+    for (auto direction = first; direction != directions_.end(); ++direction) {
+        const bool isInput = *direction == inputDirection;
+        const GeneratorPort& port = isInput ? *input++ : *output++;
+        parameters.push_back({isInput ? 0 : 1, port.type, 0, port.name, {}});
+    }
 }
 
 void FunctionBuilder::addInput(const ShaderType& type, const std::string& name) {
-    addParameter(0, type, name);
+    addParameter(inputDirection, type, name);
 }
 
 void FunctionBuilder::addOutput(const ShaderType& type, const std::string& name) {
-    addParameter(1, type, name);
+    addParameter(outputDirection, type, name);
 }
 
 void FunctionBuilder::addInputPort(const Port& port) { addInput(portType(port), port.name); }
@@ -56,21 +82,38 @@ void FunctionBuilder::declareConstant(const ShaderType& type, const std::string&
     body_.append(componentTypeView(type), "( ");
     body_.appendFloat(value);
     // a scalar gets its one-component swizzle too
-    body_.append(" ).", splat(type.columns), ";\n");
+    constexpr std::string_view common = "xxxx";
+    const auto columns = static_cast<std::size_t>(type.columns);
+    if (columns <= common.size()) {
+        body_.append(" ).", common.substr(0, columns), ";\n");
+    } else {
+        body_.append(" ).", splat(type.columns), ";\n");
+    }
 }
 
 void FunctionBuilder::declarePortConstant(const Port& port, float value) {
     declareConstant(portType(port), port.name, value);
 }
 
-void FunctionBuilder::reserve(std::size_t parameterCount) { function_.parameters.reserve(parameterCount); }
+void FunctionBuilder::reserve(std::size_t inputCount, std::size_t outputCount) {
+    inputs_.reserve(inputCount);
+    outputs_.reserve(outputCount);
+}
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::makeNode(ExecutionLevel level, const std::string& name) {
-    return makeFunctionNode(function_.parameters, level, name, std::string(body_.view()));
+    return makeFunctionNode(inputs_, outputs_, level, name, std::string(body_.view()));
 }
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::finish(ExecutionLevel level, const std::string& name) {
-    return makeFunctionNode(function_.parameters, level, name, body_.take());
+    return makeFunctionNode(std::move(inputs_), std::move(outputs_), level, name, body_.take());
+}
+
+const ShaderFunction& FunctionBuilder::function() const {
+    if (!function_) {
+        function_.emplace();
+    }
+    listParameters();
+    return *function_;
 }
 
 } // namespace patina

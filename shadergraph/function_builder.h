@@ -7,8 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace patina {
 
@@ -47,8 +49,8 @@ public:
     void declarePortConstant(const Port& port, float value);
     /// @}
 
-    /// Makes room for that many parameters, beyond which it may still grow.
-    void reserve(std::size_t parameterCount);
+    /// Makes room for that many parameters, beyond which there may still be more.
+    void reserve(std::size_t inputCount, std::size_t outputCount);
 
     /// A new function node of what has been collected; the builder may go on.
     std::shared_ptr<GeneratorNode> makeNode(ExecutionLevel level, const std::string& name);
@@ -56,14 +58,21 @@ public:
     /// The same, after which the builder is good for nothing else.
     std::shared_ptr<GeneratorNode> finish(ExecutionLevel level, const std::string& name);
 
-    /// The function under construction. Its `code` is filled only in the copies that makeNode makes.
-    const ShaderFunction& function() const { return function_; }
+    /// The function under construction: it lives as long as the builder, and shows what is added later too.
+    /// Its `code` is filled only in the nodes that makeNode makes.
+    const ShaderFunction& function() const;
 
 private:
-    void addParameter(std::int32_t direction, const ShaderType& type, const std::string& name);
+    void addParameter(char direction, const ShaderType& type, const std::string& name);
 
-    ShaderFunction function_;
+    /// Those that function_ lacks.
+    void listParameters() const;
+
+    std::vector<GeneratorPort> inputs_;
+    std::vector<GeneratorPort> outputs_;
+    std::string directions_; ///< of the parameters, in order
     detail::TextBuilder body_;
+    mutable std::optional<ShaderFunction> function_; ///< once somebody asked for it
 };
 
 } // namespace patina

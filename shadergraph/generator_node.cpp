@@ -109,28 +109,28 @@ const GeneratorPort& findPort(const GeneratorNode& node, const std::vector<Gener
 
 } // namespace
 
-std::shared_ptr<GeneratorNode> detail::makeFunctionNode(const std::vector<FunctionParameter>& parameters,
+std::shared_ptr<GeneratorNode> detail::makeFunctionNode(std::vector<GeneratorPort> inputs,
+                                                        std::vector<GeneratorPort> outputs,
                                                         ExecutionLevel level, const std::string& name,
                                                         std::string code) {
     auto node = std::make_shared<GeneratorNode>();
     node->name = name;
     node->level = level;
     node->code = std::move(code);
-    const auto outputCount = static_cast<std::size_t>(
-        std::count_if(parameters.begin(), parameters.end(),
-                      [](const auto& parameter) { return parameter.direction == 1; }));
-    node->inputs.reserve(parameters.size() - outputCount);
-    node->outputs.reserve(outputCount);
-    for (const FunctionParameter& parameter : parameters) {
-        auto& ports = parameter.direction == 1 ? node->outputs : node->inputs;
-        ports.push_back({parameter.name, parameter.type});
-    }
+    node->inputs = std::move(inputs);
+    node->outputs = std::move(outputs);
     validate(*node);
     return node;
 }
 
 std::shared_ptr<GeneratorNode> makeFunctionNode(const ShaderFunction& function) {
-    return detail::makeFunctionNode(function.parameters, function.level, function.name, function.code);
+    std::vector<GeneratorPort> inputs;
+    std::vector<GeneratorPort> outputs;
+    for (const FunctionParameter& parameter : function.parameters) {
+        (parameter.direction == 1 ? outputs : inputs).push_back({parameter.name, parameter.type});
+    }
+    return detail::makeFunctionNode(std::move(inputs), std::move(outputs), function.level, function.name,
+                                    function.code);
 }
 
 std::shared_ptr<GeneratorNode> makeParameterNode(NodeKind kind, const std::string& name,
@@ -185,12 +185,7 @@ const GeneratorPort& outputPort(const GeneratorNode& node, const std::string& na
 }
 
 bool isValidVariableName(std::string_view name) {
-    for (const char letter : name) {
-        if (!isNameCharacter(letter)) {
-            return false;
-        }
-    }
-    return !name.empty() && !isDigit(name.front());
+    return !name.empty() && !isDigit(name.front()) && std::all_of(name.begin(), name.end(), isNameCharacter);
 }
 
 } // namespace patina

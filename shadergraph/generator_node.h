@@ -68,10 +68,10 @@ struct GeneratorNode {
 
 namespace detail {
 
-/// What makeFunctionNode makes of a function with these fields.
-std::shared_ptr<GeneratorNode> makeFunctionNode(const std::vector<FunctionParameter>& parameters,
-                                                ExecutionLevel level, const std::string& name,
-                                                std::string code);
+/// A function node of these ports, validated.
+std::shared_ptr<GeneratorNode> makeFunctionNode(std::vector<GeneratorPort> inputs,
+                                                std::vector<GeneratorPort> outputs, ExecutionLevel level,
+                                                const std::string& name, std::string code);
 
 } // namespace detail
 

@@ -39,7 +39,7 @@ std::string plainTextOf(Action&& action) {
 }
 
 void expectParameter(const FunctionParameter& parameter, std::int32_t direction, const ShaderType& type,
-                     const char* name) {
+                     const std::string& name) {
     EXPECT_EQ(parameter.direction, direction);
     EXPECT_EQ(parameter.type, type);
     EXPECT_EQ(parameter.reserved, 0);
@@ -98,6 +98,38 @@ TEST(FunctionBuilder, CollectsParametersInTheOrderAdded) {
     expectParameter(parameters[0], 1, half3Type, "out_b");
     expectParameter(parameters[1], 0, floatType, "in_a");
     expectParameter(parameters[2], 0, float2Type, "in_c");
+}
+
+TEST(FunctionBuilder, ShowsWhatIsAddedLater) {
+    for (const std::size_t addedBefore : {0U, 1U, 5U, 40U}) {
+        FunctionBuilder builder;
+        std::size_t count = 0;
+        const auto addUpTo = [&](std::size_t end) {
+            for (; count < end; ++count) {
+                if (count % 3 == 1) {
+                    builder.addOutput(floatType, "out" + std::to_string(count));
+                } else {
+                    builder.addInput(half3Type, "in" + std::to_string(count));
+                }
+            }
+        };
+        addUpTo(addedBefore);
+        const ShaderFunction& function = builder.function();
+        EXPECT_EQ(function.parameters.size(), addedBefore);
+        addUpTo(40);
+        ASSERT_EQ(function.parameters.size(), 40U);
+        EXPECT_EQ(&builder.function(), &function);
+        for (std::size_t i = 0; i < 40; ++i) {
+            const bool isOutput = i % 3 == 1;
+            expectParameter(function.parameters[i], isOutput ? 1 : 0, isOutput ? floatType : half3Type,
+                            (isOutput ? "out" : "in") + std::to_string(i));
+        }
+        const auto node = builder.makeNode(ExecutionLevel::Automatic, "f");
+        ASSERT_EQ(node->inputs.size(), 27U);
+        ASSERT_EQ(node->outputs.size(), 13U);
+        EXPECT_EQ(node->inputs.back().name, "in39");
+        EXPECT_EQ(node->outputs.back().name, "out37");
+    }
 }
 
 TEST(FunctionBuilder, TakesParametersFromPorts) {
@@ -243,7 +275,7 @@ TEST(FunctionBuilder, KeepsItsOwnFunctionUnnamed) {
 
 TEST(Finish, GivesWhatMakeNodeGives) {
     FunctionBuilder builder;
-    builder.reserve(2);
+    builder.reserve(1, 1);
     builder.addInput({ComponentType::Half, 3, 1, 1}, "in_value");
     builder.addOutput({ComponentType::Float, 1, 1, 1}, "out_value");
     builder.appendCode("\tout_value = in_value.x;\n");
