@@ -16,6 +16,15 @@ namespace {
 constexpr char inputDirection = 'i';
 constexpr char outputDirection = 'o';
 
+bool hasPort(const std::vector<GeneratorPort>& ports, const std::string& name) {
+    for (const GeneratorPort& port : ports) {
+        if (port.name == name) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 ShaderType detail::portType(const Port& port) {
@@ -28,14 +37,10 @@ std::string detail::splat(std::int32_t columns) {
 }
 
 void FunctionBuilder::addParameter(char direction, const ShaderType& type, const std::string& name) {
-    for (const auto* ports : {&inputs_, &outputs_}) {
-        for (const GeneratorPort& port : *ports) {
-            if (port.name == name) {
-                // a plain string on purpose: handlers of ShaderError must not see this one
-                throw joinText({"parameter name \"", name, "\" is duplicated in function \"",
-                                ShaderFunction().name, "\""});
-            }
-        }
+    if (hasPort(inputs_, name) || hasPort(outputs_, name)) {
+        // a plain string on purpose: handlers of ShaderError must not see this one
+        throw joinText(
+            {"parameter name \"", name, "\" is duplicated in function \"", ShaderFunction().name, "\""});
     }
     if (directions_.size() == directions_.capacity()) {
         directions_.reserve(2 * directions_.size()); // so that either list grows or neither
@@ -101,7 +106,8 @@ void FunctionBuilder::reserve(std::size_t inputCount, std::size_t outputCount) {
 }
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::makeNode(ExecutionLevel level, const std::string& name) {
-    return makeFunctionNode(inputs_, outputs_, level, name, std::string(body_.view()));
+    return makeFunctionNode(std::vector(inputs_), std::vector(outputs_), level, name,
+                            std::string(body_.view()));
 }
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::finish(ExecutionLevel level, const std::string& name) {

@@ -109,8 +109,8 @@ const GeneratorPort& findPort(const GeneratorNode& node, const std::vector<Gener
 
 } // namespace
 
-std::shared_ptr<GeneratorNode> detail::makeFunctionNode(std::vector<GeneratorPort> inputs,
-                                                        std::vector<GeneratorPort> outputs,
+std::shared_ptr<GeneratorNode> detail::makeFunctionNode(std::vector<GeneratorPort>&& inputs,
+                                                        std::vector<GeneratorPort>&& outputs,
                                                         ExecutionLevel level, const std::string& name,
                                                         std::string code) {
     auto node = std::make_shared<GeneratorNode>();

@@ -69,8 +69,8 @@ struct GeneratorNode {
 namespace detail {
 
 /// A function node of these ports, validated.
-std::shared_ptr<GeneratorNode> makeFunctionNode(std::vector<GeneratorPort> inputs,
-                                                std::vector<GeneratorPort> outputs, ExecutionLevel level,
+std::shared_ptr<GeneratorNode> makeFunctionNode(std::vector<GeneratorPort>&& inputs,
+                                                std::vector<GeneratorPort>&& outputs, ExecutionLevel level,
                                                 const std::string& name, std::string code);
 
 } // namespace detail

@@ -13,14 +13,20 @@ GraphGenerator::GraphGenerator()
       portLinks(memory_.get()), graph(std::make_shared<Graph>()) {}
 
 void GraphGenerator::addNode(const std::shared_ptr<GeneratorNode>& node) {
-    if (nodeMap.count(node) != 0) {
+    const auto [entry, isNew] = nodeMap.try_emplace(node);
+    if (!isNew) {
         throw ShaderError(joinText({describe(*node), " already added to the graph generator"}));
     }
-    if (node->kind == NodeKind::InterfaceParameter && graph->hasInterfaceNode(node->name, node->flags)) {
-        nodeMap.emplace(node, graph->findInterfaceNode(node->name, node->flags, node->type));
-    } else {
-        graph->insertNode(node);
-        nodeMap.emplace(node, node);
+    try {
+        if (node->kind == NodeKind::InterfaceParameter && graph->hasInterfaceNode(node->name, node->flags)) {
+            entry->second = graph->findInterfaceNode(node->name, node->flags, node->type);
+        } else {
+            graph->insertNode(node);
+            entry->second = node;
+        }
+    } catch (...) {
+        nodeMap.erase(entry);
+        throw;
     }
 }
 
@@ -57,7 +63,9 @@ void GraphGenerator::linkOutputPort(const std::shared_ptr<NodeConnection>& conne
 
 void GraphGenerator::linkInputPort(const std::shared_ptr<NodeConnection>& connection,
                                    const std::shared_ptr<GeneratorNode>& node, const std::string& portName) {
-    portLinks[connection].consumers.push_back({node, portName});
+    PortLinkEnd& consumer = portLinks[connection].consumers.emplace_back();
+    consumer.node = node;
+    consumer.port = portName;
 }
 
 void MaterialNode::attachLinks(GraphGenerator& generator,
