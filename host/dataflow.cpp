@@ -166,20 +166,34 @@ private:
 
     int lineOf(std::size_t node) const { return ownerPosition(material_, flow_.nodes[node]).line; }
 
-    std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
-        flow_.nodes.push_back({generated, owner, flow_.makeInputs(generated->inputs.size()), false});
+    std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner,
+                      std::span<ValueSource> inputs) {
+        flow_.nodes.push_back({generated, owner, inputs, false});
         return flow_.nodes.size() - 1;
+    }
+
+    std::size_t enter(const std::shared_ptr<GeneratorNode>& generated, std::size_t owner) {
+        return enter(generated, owner, flow_.makeInputs(generated->inputs.size()));
     }
 
     /// Enters the nodes of the graph that are not yet, as those of these items.
     void enterNodes(const std::vector<std::size_t>& owners) {
-        const auto& nodes = graph_.generator.graph->nodes;
-        for (const std::size_t owner : owners) {
-            const std::size_t index = enter(nodes[enteredNodes_++], owner);
+        const std::span nodes =
+            std::span(graph_.generator.graph->nodes).subspan(enteredNodes_, owners.size());
+        std::size_t inputCount = 0;
+        for (const std::shared_ptr<GeneratorNode>& node : nodes) {
+            inputCount += node->inputs.size();
+        }
+        std::span<ValueSource> inputs = flow_.makeInputs(inputCount);
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            const std::size_t owner = owners[i];
+            const std::size_t index = enter(nodes[i], owner, inputs.first(nodes[i]->inputs.size()));
+            inputs = inputs.subspan(nodes[i]->inputs.size());
             if (owner != frameworkOwner && firstNodes_[owner] == noSource) {
                 firstNodes_[owner] = index;
             }
         }
+        enteredNodes_ += owners.size();
     }
 
     /// The index of a node that is entered, or noSource.
@@ -469,7 +483,7 @@ private:
     void provideInterfaces() {
         noteRead(flow_.colour);
         noteRead(flow_.alpha);
-        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+        for (std::size_t node = 0; !readInterfaces_.empty() && node < flow_.nodes.size(); ++node) {
             if (readInterfaces_.count(node) != 0 && flow_.nodes[node].inputs.front().node == noSource) {
                 attempt(errors_, [&] { provide(node); });
             }
@@ -532,7 +546,7 @@ private:
     }
 
     void passInterfaces() {
-        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+        for (std::size_t node = 0; !readInterfaces_.empty() && node < flow_.nodes.size(); ++node) {
             for (std::size_t input = 0; !isInterface(node) && input < flow_.nodes[node].inputs.size();
                  ++input) {
                 ValueSource& source = flow_.nodes[node].inputs[input];
@@ -570,8 +584,8 @@ private:
 
     /// Moves what the outputs depend on, sources first.
     Dataflow takeNeeded() {
-        const std::vector<bool> needed = findNeeded();
-        if (isInOrder() && std::find(needed.begin(), needed.end(), false) == needed.end()) {
+        const std::vector<char> needed = findNeeded();
+        if (isInOrder() && std::find(needed.begin(), needed.end(), 0) == needed.end()) {
             return std::move(flow_);
         }
         Dependencies sources(flow_.nodes.size());
@@ -590,7 +604,7 @@ private:
         }
         Dataflow result = withoutSources();
         result.memory = flow_.memory;
-        result.nodes.reserve(static_cast<std::size_t>(std::count(needed.begin(), needed.end(), true)));
+        result.nodes.reserve(static_cast<std::size_t>(std::count(needed.begin(), needed.end(), 1)));
         std::vector<std::size_t> position(flow_.nodes.size(), noSource);
         const auto moved = [&](const ValueSource& source) {
             return source.node == noSource ? source : ValueSource{position[source.node], source.port};
@@ -654,8 +668,8 @@ private:
         return list;
     }
 
-    std::vector<bool> findNeeded() const {
-        std::vector<bool> needed(flow_.nodes.size(), false);
+    std::vector<char> findNeeded() const {
+        std::vector<char> needed(flow_.nodes.size(), 0);
         std::vector<std::size_t> pending = flow_.sinks;
         for (const ValueSource& root : roots_) {
             pending.push_back(root.node);
@@ -666,7 +680,7 @@ private:
             if (needed[node]) {
                 continue;
             }
-            needed[node] = true;
+            needed[node] = 1;
             for (std::size_t input = 0; input < flow_.nodes[node].inputs.size(); ++input) {
                 const bool isFed = attempt(errors_, [&] { requireSource(node, input); });
                 if (isFed && flow_.nodes[node].inputs[input].node != noSource) {

@@ -74,7 +74,9 @@ GeneratedGraph generateGraph(const Material& material, Errors* errors) {
         const bool isGenerated =
             isStandIn(item) || succeeds([&] { item.node->generateCode(result.generator); });
         const bool isTyped = succeeds([&] { requireTypes(graph, result.owners.size()); });
-        result.incomplete[index] = isStandIn(item) || !isGenerated || !isTyped;
+        if (isStandIn(item) || !isGenerated || !isTyped) {
+            result.incomplete[index] = true;
+        }
         result.owners.resize(result.generator.graph->nodes.size(), index);
     };
     // what a missing node type breaks elsewhere would only hide the reason
