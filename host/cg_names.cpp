@@ -247,21 +247,17 @@ bool isSamplingFunction(std::string_view name) {
            });
 }
 
-/// What a character may be to a name.
-enum class NameCharacter : unsigned char { None, Underscore, Other };
-
-/// By the code of a character.
-constexpr std::array<NameCharacter, 256> nameCharacters = [] {
-    std::array<NameCharacter, 256> table = {};
+/// By the code of a character, whether it is a letter or digit.
+constexpr std::array<bool, 256> alphanumerics = [] {
+    std::array<bool, 256> table = {};
     for (const char letter :
          std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789")) {
-        table[static_cast<unsigned char>(letter)] = NameCharacter::Other;
+        table[static_cast<unsigned char>(letter)] = true;
     }
-    table['_'] = NameCharacter::Underscore;
     return table;
 }();
 
-NameCharacter nameCharacter(char letter) { return nameCharacters[static_cast<unsigned char>(letter)]; }
+bool isAlphanumeric(char letter) { return alphanumerics[static_cast<unsigned char>(letter)]; }
 
 /// Cg's words and functions, and the framework's names, sorted.
 constexpr auto reservedWords = [] {
@@ -294,15 +290,18 @@ bool isReservedWord(std::string_view name) {
 
 /// Whether a text is as toCgName makes it, which most are.
 bool isCgName(std::string_view text) {
-    auto previous = NameCharacter::Other;
-    for (const char letter : text) {
-        const NameCharacter current = nameCharacter(letter);
-        if (current != NameCharacter::Other && (current == NameCharacter::None || current == previous)) {
+    if (text.empty() || text.front() <= '9') {
+        return false;
+    }
+    const auto end = text.end();
+    auto other = std::find_if_not(text.begin(), end, isAlphanumeric);
+    while (other != end) {
+        if (*other != '_' || (++other != end && *other == '_')) {
             return false;
         }
-        previous = current;
+        other = std::find_if_not(other, end, isAlphanumeric);
     }
-    return !text.empty() && text.front() > '9';
+    return true;
 }
 
 } // namespace
@@ -315,7 +314,7 @@ bool isReservedName(std::string_view name) {
 std::string toCgName(std::string_view text) {
     std::string name;
     for (const char letter : text) {
-        if (nameCharacter(letter) == NameCharacter::Other) {
+        if (isAlphanumeric(letter)) {
             name += letter;
         } else if (name.empty() || name.back() != '_') {
             name += '_';

@@ -242,7 +242,7 @@ private:
 
     void printFunction(std::string_view name, const GeneratorNode& function) {
         text_.append("void ", name, "(");
-        const char* separator = " ";
+        std::string_view separator = " ";
         for (const GeneratorPort& input : function.inputs) {
             appendDeclaration(text_, input.type, input.name, separator);
             separator = ", ";
@@ -271,7 +271,7 @@ private:
             appendDeclaration(text_, generated.outputs[port].type, values[port], "\t", ";\n");
         }
         text_.append("\t", shader_.names.functions[index], "(");
-        const char* separator = " ";
+        std::string_view separator = " ";
         for (const ValueSource& input : node.inputs) {
             text_.append(separator, valueName(input));
             separator = ", ";

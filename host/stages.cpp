@@ -130,7 +130,7 @@ private:
             return;
         }
         demands_[value.node].byFragment = true;
-        portsByFragment_[demands_[shader_.declarations[value.node]].firstPort + value.port] = true;
+        portsByFragment_[demands_[shader_.declarations[value.node]].firstPort + value.port] = 1;
     }
 
     void demandInputs(std::size_t node, bool byFragment, std::size_t vertexReader) {
@@ -456,7 +456,7 @@ private:
     const Dataflow& flow_;
     Errors* errors_;
     std::vector<Demand> demands_;
-    std::vector<bool> portsByFragment_; ///< by output, whether the fragment program reads it
+    std::vector<char> portsByFragment_; ///< by output, whether the fragment program reads it
     std::vector<ValueSource> crossing_;
     std::set<std::int32_t> claimedInterpolants_; ///< numbers of registers that nodes name themselves
     StagedShader shader_;

@@ -89,7 +89,7 @@ void verifyConstants(const GeneratorNode& function) {
 } // namespace
 
 void verifyCode(const Material& material, const Dataflow& flow, Errors* errors) {
-    std::vector<bool> isFine(flow.nodes.size(), false); // by the first node of each function
+    std::vector<char> isFine(flow.nodes.size(), 0); // by the first node of each function
     for (std::size_t i = 0; i < flow.nodes.size(); ++i) {
         const DataflowNode& node = flow.nodes[i];
         const std::size_t function = flow.functions[i];
