@@ -13,11 +13,19 @@ bool isKnown(const ShaderType& type) {
 
 bool isKnown(NodeKind kind) { return kind >= NodeKind::Function && kind <= NodeKind::InterpolantParameter; }
 
-/// Throws ShaderError for a type or kind that has no name, which no later step could print. Another stands
-/// there then, for what is looked at nevertheless.
+/// Whether a node lacks a port that what passes values on must have.
+bool lacksPorts(const GeneratorNode& node) {
+    const bool isPassing =
+        node.kind == NodeKind::InterfaceParameter || node.kind == NodeKind::InterpolantParameter;
+    return isPassing && (node.inputs.empty() || node.outputs.empty());
+}
+
+/// Throws ShaderError for a type or kind that has no name, which no later step could print, and for missing
+/// ports. Something else stands there then, for what is looked at nevertheless.
 void requireTypes(const Graph& graph, std::size_t firstNode) {
     bool areKnown = true;
     bool areKindsKnown = true;
+    bool arePortsThere = true;
     const auto require = [&](ShaderType& type) {
         if (!isKnown(type)) {
             type = {ComponentType::Float, 1, 1, 1};
@@ -30,11 +38,16 @@ void requireTypes(const Graph& graph, std::size_t firstNode) {
             node.kind = NodeKind::Function;
             areKindsKnown = false;
         }
+        if (lacksPorts(node)) {
+            node.kind = NodeKind::Function;
+            arePortsThere = false;
+        }
         require(node.type);
-        for (auto* ports : {&node.inputs, &node.outputs}) {
-            for (GeneratorPort& port : *ports) {
-                require(port.type);
-            }
+        for (GeneratorPort& input : node.inputs) {
+            require(input.type);
+        }
+        for (GeneratorPort& output : node.outputs) {
+            require(output.type);
         }
     }
     if (!areKnown) {
@@ -46,6 +59,10 @@ void requireTypes(const Graph& graph, std::size_t firstNode) {
         throw ShaderError(
             "a node of its code is of a kind that there is none of; report this to the author of "
             "its plug-in");
+    }
+    if (!arePortsThere) {
+        throw ShaderError("a parameter of its code has not the ports of its kind; report this to the author "
+                          "of its plug-in");
     }
 }
 
