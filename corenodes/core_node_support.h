@@ -70,7 +70,7 @@ bool isOutputConnected(const MaterialNode& node, const std::string& portName);
 /// supplies.
 template <typename DefaultFor>
 void declareInputs(FunctionBuilder& builder, const MaterialNode& node, const DefaultFor& defaultFor) {
-    builder.reserve(node.inputs.size(), node.outputs.size());
+    builder.reservePorts(node.inputs.size(), node.outputs.size());
     for (const Port& input : node.inputs) {
         if (input.connected) {
             builder.addInputPort(input);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int significantDigits = 6;
 
-/// The longest text is like "-1.17549e-38".
+/// With some to spare: the longest text is like "-1.17549e-38".
 constexpr std::size_t longestFloat = 16;
 
 /// Writes a number that needs no exponent, in a fraction of the time. Gives its end, or null for all others.
@@ -103,19 +103,6 @@ void TextBuilder::appendFloat(float value) {
     }
     char* const text = collected_.data() + collectedSize_;
     collectedSize_ += static_cast<std::size_t>(writeFloat(text, value) - text);
-}
-
-std::string_view TextBuilder::view() {
-    if (text_.empty()) {
-        return {collected_.data(), collectedSize_};
-    }
-    flush();
-    return text_;
-}
-
-void TextBuilder::clear() {
-    text_.clear();
-    collectedSize_ = 0;
 }
 
 std::string TextBuilder::take() {

@@ -42,9 +42,18 @@ public:
     std::size_t size() const { return text_.size() + collectedSize_; }
 
     /// Of what there is so far; it lasts until something is appended.
-    std::string_view view();
+    std::string_view view() {
+        if (text_.empty()) {
+            return {collected_.data(), collectedSize_};
+        }
+        flush();
+        return text_;
+    }
 
-    void clear();
+    void clear() {
+        text_.clear();
+        collectedSize_ = 0;
+    }
 
     /// The text, after which the builder is empty.
     std::string take();

@@ -16,13 +16,16 @@ namespace {
 constexpr char inputDirection = 'i';
 constexpr char outputDirection = 'o';
 
-bool hasPort(const std::vector<GeneratorPort>& ports, const std::string& name) {
-    for (const GeneratorPort& port : ports) {
-        if (port.name == name) {
-            return true;
-        }
+FunctionParameter parameterOf(char direction, const GeneratorPort& port) {
+    return {direction == outputDirection ? 1 : 0, port.type, 0, port.name, {}};
+}
+
+/// For one more entry, so that adding it cannot fail.
+template <typename Entries>
+void makeRoom(Entries& entries) {
+    if (entries.size() == entries.capacity()) {
+        entries.reserve(2 * entries.size() + 1);
     }
-    return false;
 }
 
 } // namespace
@@ -37,32 +40,20 @@ std::string detail::splat(std::int32_t columns) {
 }
 
 void FunctionBuilder::addParameter(char direction, const ShaderType& type, const std::string& name) {
-    if (hasPort(inputs_, name) || hasPort(outputs_, name)) {
+    if (findPort(inputs_, name) != inputs_.end() || findPort(outputs_, name) != outputs_.end()) {
         // a plain string on purpose: handlers of ShaderError must not see this one
         throw joinText(
             {"parameter name \"", name, "\" is duplicated in function \"", ShaderFunction().name, "\""});
     }
-    if (directions_.size() == directions_.capacity()) {
-        directions_.reserve(2 * directions_.size()); // so that either list grows or neither
-    }
-    (direction == inputDirection ? inputs_ : outputs_).push_back({name, type});
-    directions_.push_back(direction);
+    std::vector<GeneratorPort>& ports = direction == inputDirection ? inputs_ : outputs_;
+    GeneratorPort port{name, type};
+    makeRoom(ports);
+    makeRoom(directions_);
     if (function_) {
-        listParameters();
+        function_->parameters.push_back(parameterOf(direction, port));
     }
-}
-
-void FunctionBuilder::listParameters() const {
-    std::vector<FunctionParameter>& parameters = function_->parameters;
-    const auto first = directions_.begin() + static_cast<std::ptrdiff_t>(parameters.size());
-    const std::ptrdiff_t listedInputs = std::count(directions_.begin(), first, inputDirection);
-    auto input = inputs_.begin() + listedInputs;
-    auto output = outputs_.begin() + (first - directions_.begin() - listedInputs);
-    for (auto direction = first; direction != directions_.end(); ++direction) {
-        const bool isInput = *direction == inputDirection;
-        const GeneratorPort& port = isInput ? *input++ : *output++;
-        parameters.push_back({isInput ? 0 : 1, port.type, 0, port.name, {}});
-    }
+    ports.push_back(std::move(port));
+    directions_.push_back(direction);
 }
 
 void FunctionBuilder::addInput(const ShaderType& type, const std::string& name) {
@@ -100,7 +91,7 @@ void FunctionBuilder::declarePortConstant(const Port& port, float value) {
     declareConstant(portType(port), port.name, value);
 }
 
-void FunctionBuilder::reserve(std::size_t inputCount, std::size_t outputCount) {
+void FunctionBuilder::reservePorts(std::size_t inputCount, std::size_t outputCount) {
     inputs_.reserve(inputCount);
     outputs_.reserve(outputCount);
 }
@@ -111,14 +102,27 @@ std::shared_ptr<GeneratorNode> FunctionBuilder::makeNode(ExecutionLevel level, c
 }
 
 std::shared_ptr<GeneratorNode> FunctionBuilder::finish(ExecutionLevel level, const std::string& name) {
-    return makeFunctionNode(std::move(inputs_), std::move(outputs_), level, name, body_.take());
+    auto node =
+        makeFunctionNode(std::move(inputs_), std::move(outputs_), level, name, std::string(body_.view()));
+    directions_.clear();
+    body_.clear();
+    if (function_) {
+        function_->parameters.clear();
+    }
+    return node;
 }
 
 const ShaderFunction& FunctionBuilder::function() const {
     if (!function_) {
-        function_.emplace();
+        ShaderFunction function;
+        auto input = inputs_.begin();
+        auto output = outputs_.begin();
+        for (const char direction : directions_) {
+            function.parameters.push_back(
+                parameterOf(direction, direction == inputDirection ? *input++ : *output++));
+        }
+        function_ = std::move(function);
     }
-    listParameters();
     return *function_;
 }
 

@@ -50,12 +50,12 @@ public:
     /// @}
 
     /// Makes room for that many parameters, beyond which there may still be more.
-    void reserve(std::size_t inputCount, std::size_t outputCount);
+    void reservePorts(std::size_t inputCount, std::size_t outputCount);
 
     /// A new function node of what has been collected; the builder may go on.
     std::shared_ptr<GeneratorNode> makeNode(ExecutionLevel level, const std::string& name);
 
-    /// The same, after which the builder is good for nothing else.
+    /// The same, after which the builder is empty; it is as before when this throws.
     std::shared_ptr<GeneratorNode> finish(ExecutionLevel level, const std::string& name);
 
     /// The function under construction: it lives as long as the builder, and shows what is added later too.
@@ -64,9 +64,6 @@ public:
 
 private:
     void addParameter(char direction, const ShaderType& type, const std::string& name);
-
-    /// Those that function_ lacks.
-    void listParameters() const;
 
     std::vector<GeneratorPort> inputs_;
     std::vector<GeneratorPort> outputs_;

@@ -36,19 +36,6 @@ void requireVariableName(const char* role, const std::string& name) {
     }
 }
 
-void validate(const GeneratorNode& node) {
-    if (node.kind == NodeKind::VaryingParameter || node.kind == NodeKind::UniformParameter) {
-        requireVariableName("parameter", node.name);
-    } else if (node.kind == NodeKind::Function) {
-        for (const GeneratorPort& port : node.inputs) {
-            requireVariableName("input port", port.name);
-        }
-        for (const GeneratorPort& port : node.outputs) {
-            requireVariableName("output port", port.name);
-        }
-    }
-}
-
 void addParameterPorts(GeneratorNode& node) {
     const GeneratorPort read{readPortName, node.type};
     const GeneratorPort write{writePortName, node.type};
@@ -97,10 +84,9 @@ std::string describeStageParameter(const char* kindText, const GeneratorNode& no
     return text;
 }
 
-const GeneratorPort& findPort(const GeneratorNode& node, const std::vector<GeneratorPort>& ports,
-                              const char* direction, const std::string& name) {
-    const auto found = std::find_if(ports.begin(), ports.end(),
-                                    [&](const GeneratorPort& port) { return port.name == name; });
+const GeneratorPort& requirePort(const GeneratorNode& node, const std::vector<GeneratorPort>& ports,
+                                 const char* direction, const std::string& name) {
+    const auto found = findPort(ports, name);
     if (found == ports.end()) {
         throw ShaderError(joinText({describe(node), ": ", direction, " port \"", name, "\" does not exist"}));
     }
@@ -113,13 +99,18 @@ std::shared_ptr<GeneratorNode> detail::makeFunctionNode(std::vector<GeneratorPor
                                                         std::vector<GeneratorPort>&& outputs,
                                                         ExecutionLevel level, const std::string& name,
                                                         std::string code) {
+    for (const GeneratorPort& port : inputs) {
+        requireVariableName("input port", port.name);
+    }
+    for (const GeneratorPort& port : outputs) {
+        requireVariableName("output port", port.name);
+    }
     auto node = std::make_shared<GeneratorNode>();
     node->name = name;
     node->level = level;
     node->code = std::move(code);
     node->inputs = std::move(inputs);
     node->outputs = std::move(outputs);
-    validate(*node);
     return node;
 }
 
@@ -143,7 +134,9 @@ std::shared_ptr<GeneratorNode> makeParameterNode(NodeKind kind, const std::strin
     node->flags = flags;
     node->registerReference = reference;
     addParameterPorts(*node);
-    validate(*node);
+    if (kind == NodeKind::VaryingParameter || kind == NodeKind::UniformParameter) {
+        requireVariableName("parameter", name);
+    }
     return node;
 }
 
@@ -177,11 +170,11 @@ std::string describe(const GeneratorNode& node) {
 }
 
 const GeneratorPort& inputPort(const GeneratorNode& node, const std::string& name) {
-    return findPort(node, node.inputs, "input", name);
+    return requirePort(node, node.inputs, "input", name);
 }
 
 const GeneratorPort& outputPort(const GeneratorNode& node, const std::string& name) {
-    return findPort(node, node.outputs, "output", name);
+    return requirePort(node, node.outputs, "output", name);
 }
 
 bool isValidVariableName(std::string_view name) {

@@ -68,7 +68,17 @@ struct GeneratorNode {
 
 namespace detail {
 
-/// A function node of these ports, validated.
+/// The first port of that name, or the end.
+inline std::vector<GeneratorPort>::const_iterator findPort(const std::vector<GeneratorPort>& ports,
+                                                           std::string_view name) {
+    auto port = ports.begin();
+    while (port != ports.end() && port->name != name) {
+        ++port;
+    }
+    return port;
+}
+
+/// A function node of these ports, validated. The ports are as before when this throws.
 std::shared_ptr<GeneratorNode> makeFunctionNode(std::vector<GeneratorPort>&& inputs,
                                                 std::vector<GeneratorPort>&& outputs, ExecutionLevel level,
                                                 const std::string& name, std::string code);

@@ -13,20 +13,14 @@ GraphGenerator::GraphGenerator()
       portLinks(memory_.get()), graph(std::make_shared<Graph>()) {}
 
 void GraphGenerator::addNode(const std::shared_ptr<GeneratorNode>& node) {
-    const auto [entry, isNew] = nodeMap.try_emplace(node);
-    if (!isNew) {
+    if (nodeMap.count(node) != 0) {
         throw ShaderError(joinText({describe(*node), " already added to the graph generator"}));
     }
-    try {
-        if (node->kind == NodeKind::InterfaceParameter && graph->hasInterfaceNode(node->name, node->flags)) {
-            entry->second = graph->findInterfaceNode(node->name, node->flags, node->type);
-        } else {
-            graph->insertNode(node);
-            entry->second = node;
-        }
-    } catch (...) {
-        nodeMap.erase(entry);
-        throw;
+    if (node->kind == NodeKind::InterfaceParameter && graph->hasInterfaceNode(node->name, node->flags)) {
+        nodeMap.emplace(node, graph->findInterfaceNode(node->name, node->flags, node->type));
+    } else {
+        graph->insertNode(node);
+        nodeMap.emplace(node, node);
     }
 }
 
@@ -57,15 +51,13 @@ void GraphGenerator::connect(const std::shared_ptr<GeneratorNode>& tail, const s
 void GraphGenerator::linkOutputPort(const std::shared_ptr<NodeConnection>& connection,
                                     const std::shared_ptr<GeneratorNode>& node, const std::string& portName) {
     PortLinkEnd& producer = portLinks[connection].producer;
+    producer.port = portName; // before its node, to which the name may belong
     producer.node = node;
-    producer.port = portName;
 }
 
 void GraphGenerator::linkInputPort(const std::shared_ptr<NodeConnection>& connection,
                                    const std::shared_ptr<GeneratorNode>& node, const std::string& portName) {
-    PortLinkEnd& consumer = portLinks[connection].consumers.emplace_back();
-    consumer.node = node;
-    consumer.port = portName;
+    portLinks[connection].consumers.push_back({node, portName});
 }
 
 void MaterialNode::attachLinks(GraphGenerator& generator,

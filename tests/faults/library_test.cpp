@@ -120,7 +120,7 @@ TEST(PropertyWithoutMemory, KeepsItsEnumValues) {
 
 TEST(FunctionBuilderWithRoom, TakesParametersAndShortCodeWithoutAllocating) {
     FunctionBuilder builder;
-    builder.reserve(1, 1);
+    builder.reservePorts(1, 1);
     const ShaderType type = {ComponentType::Float, 3, 1, 1};
     EXPECT_TRUE(isDoneWith(0, [&] {
         builder.addInput(type, "in_value1");

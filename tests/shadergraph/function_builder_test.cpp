@@ -275,7 +275,7 @@ TEST(FunctionBuilder, KeepsItsOwnFunctionUnnamed) {
 
 TEST(Finish, GivesWhatMakeNodeGives) {
     FunctionBuilder builder;
-    builder.reserve(1, 1);
+    builder.reservePorts(1, 1);
     builder.addInput({ComponentType::Half, 3, 1, 1}, "in_value");
     builder.addOutput({ComponentType::Float, 1, 1, 1}, "out_value");
     builder.appendCode("\tout_value = in_value.x;\n");
@@ -290,6 +290,39 @@ TEST(Finish, GivesWhatMakeNodeGives) {
         ASSERT_EQ(node->outputs.size(), 1U);
         EXPECT_EQ(node->outputs[0].name, "out_value");
     }
+}
+
+TEST(Finish, LeavesTheBuilderEmpty) {
+    for (const bool isShown : {false, true}) {
+        FunctionBuilder builder;
+        builder.addInput(floatType, "a");
+        builder.addOutput(floatType, "b");
+        builder.appendCode("\tb = a;\n");
+        if (isShown) {
+            EXPECT_EQ(builder.function().parameters.size(), 2U);
+        }
+        builder.finish(ExecutionLevel::Automatic, "first");
+        EXPECT_TRUE(builder.function().parameters.empty());
+        builder.addOutput(half3Type, "a");
+        builder.appendCode("\ta = 1;\n");
+        ASSERT_EQ(builder.function().parameters.size(), 1U);
+        expectParameter(builder.function().parameters[0], 1, half3Type, "a");
+        const auto second = builder.makeNode(ExecutionLevel::Automatic, "second");
+        EXPECT_EQ(describe(*second), "function \"second\" (0/1/*)");
+        EXPECT_EQ(second->code, "\ta = 1;\n");
+    }
+}
+
+TEST(Finish, LeavesTheBuilderAsItWasWhenANameIsInvalid) {
+    FunctionBuilder builder;
+    builder.addInput(floatType, "a");
+    builder.addOutput(floatType, "b c");
+    builder.appendCode("\t;\n");
+    EXPECT_THROW(builder.finish(ExecutionLevel::Automatic, "f"), ShaderError);
+    ASSERT_EQ(builder.function().parameters.size(), 2U);
+    expectParameter(builder.function().parameters[0], 0, floatType, "a");
+    expectParameter(builder.function().parameters[1], 1, floatType, "b c");
+    EXPECT_THROW(builder.finish(ExecutionLevel::Automatic, "f"), ShaderError);
 }
 
 TEST(FunctionBuilder, MakesSeveralNodes) {

@@ -56,6 +56,25 @@ TEST_F(Links, ARecordStartsWithoutEnds) {
     EXPECT_TRUE(link.consumers.empty());
 }
 
+TEST_F(Links, MayBeMadeOfWhatTheirRecordHolds) {
+    constexpr const char* longName = "a_name_that_no_short_string_holds";
+    generator.linkInputPort(connection, sink, longName);
+    PortLink& link = generator.portLinks[connection];
+    for (int i = 0; i < 5; ++i) {
+        generator.linkInputPort(connection, link.consumers.front().node, link.consumers.front().port);
+    }
+    for (const PortLinkEnd& consumer : link.consumers) {
+        expectEnd(consumer, sink, longName);
+    }
+    auto lastOfAll = makeSource(floatType);
+    lastOfAll->outputs.front().name = longName;
+    generator.linkOutputPort(connection, lastOfAll, "out_a");
+    const std::string& name = lastOfAll->outputs.front().name;
+    lastOfAll.reset(); // the record alone keeps it now
+    generator.linkOutputPort(connection, source, name);
+    expectEnd(link.producer, source, longName);
+}
+
 TEST_F(Links, AnOutputIsTheProducer) {
     generator.linkOutputPort(connection, source, "out_a");
     ASSERT_EQ(generator.portLinks.size(), 1U);
