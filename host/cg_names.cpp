@@ -206,7 +206,7 @@ bool isDimension(char letter) { return letter >= '1' && letter <= '4'; }
 /// "float", "float3", "float4x4" and the like.
 bool isTypeName(std::string_view name) {
     constexpr std::size_t longest = std::string_view("double4x4").size();
-    if (name.empty() || name.size() > longest) {
+    if (name.size() > longest) {
         return false;
     }
     return std::any_of(scalarTypes.begin(), scalarTypes.end(), [&](std::string_view scalar) {
@@ -270,7 +270,12 @@ constexpr auto reservedWords = [] {
     return all;
 }();
 
-constexpr std::size_t longestWord = 31;
+constexpr std::size_t longestWord = 30;
+static_assert(std::all_of(reservedWords.begin(), reservedWords.end(),
+                          [](std::string_view word) { return word.size() <= longestWord; }));
+
+/// Stands among the lengths for names that are put together, as those of types are.
+constexpr std::uint32_t composedName = std::uint32_t{1} << 31;
 
 /// By the code of a first letter, a bit for each length of a reserved word that begins with it: most names
 /// need not be looked for.
@@ -279,14 +284,11 @@ constexpr std::array<std::uint32_t, 256> reservedLengths = [] {
     for (const std::string_view word : reservedWords) {
         lengths[static_cast<unsigned char>(word.front())] |= std::uint32_t{1} << word.size();
     }
+    for (const char letter : std::string_view("_bcdfhilstux")) {
+        lengths[static_cast<unsigned char>(letter)] |= composedName;
+    }
     return lengths;
 }();
-
-bool isReservedWord(std::string_view name) {
-    return !name.empty() && name.size() <= longestWord &&
-           (reservedLengths[static_cast<unsigned char>(name.front())] >> name.size() & 1) != 0 &&
-           std::binary_search(reservedWords.begin(), reservedWords.end(), name);
-}
 
 /// Whether a text is as toCgName makes it, which most are.
 bool isCgName(std::string_view text) {
@@ -307,8 +309,16 @@ bool isCgName(std::string_view text) {
 } // namespace
 
 bool isReservedName(std::string_view name) {
-    return isReservedWord(name) || name.starts_with("__") || isTypeName(name) || isSamplerType(name) ||
-           isSamplingFunction(name);
+    if (name.empty()) {
+        return false;
+    }
+    const std::uint32_t lengths = reservedLengths[static_cast<unsigned char>(name.front())];
+    if (name.size() <= longestWord && (lengths >> name.size() & 1) != 0 &&
+        std::binary_search(reservedWords.begin(), reservedWords.end(), name)) {
+        return true;
+    }
+    return (lengths & composedName) != 0 &&
+           (name.starts_with("__") || isTypeName(name) || isSamplerType(name) || isSamplingFunction(name));
 }
 
 std::string toCgName(std::string_view text) {

@@ -54,7 +54,7 @@ private:
     }
 
     void takeParameters() {
-        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+        for (std::size_t i = 0; i < nodeCount_; ++i) {
             const NodeKind kind = flow_.nodes[i].generated->kind;
             if (kind == NodeKind::UniformParameter || kind == NodeKind::VaryingParameter) {
                 attempt(errors_, [&] { takeParameter(i); });
@@ -97,7 +97,7 @@ private:
     }
 
     void nameFunctions() {
-        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+        for (std::size_t i = 0; i < nodeCount_; ++i) {
             const GeneratorNode& node = *flow_.nodes[i].generated;
             const std::size_t first = flow_.functions[i];
             if (first != i) {
@@ -121,7 +121,7 @@ private:
     /// A node's values are named after its id; those of conversions, which have no id, after what they
     /// convert; registers after themselves.
     void nameValues() {
-        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+        for (std::size_t i = 0; i < nodeCount_; ++i) {
             const GeneratorNode& node = *flow_.nodes[i].generated;
             switch (node.kind) { // GCOVR_EXCL_BR_LINE: generateGraph refuses other kinds
             case NodeKind::Function:
@@ -167,6 +167,7 @@ private:
 
     const Material& material_;
     const Dataflow& flow_;
+    const std::size_t nodeCount_ = flow_.nodes.size();
     const StagedShader& shader_;
     Errors* errors_;
     std::unordered_map<std::string_view, std::size_t> parameterByName_;

@@ -89,7 +89,7 @@ private:
         const auto declare = [&](std::size_t index, const std::string& key) {
             shader_.declarations[index] = firstByKey.try_emplace(key, index).first->second;
         };
-        for (std::size_t i = 0; i < flow_.nodes.size(); ++i) {
+        for (std::size_t i = 0; i < nodeCount_; ++i) {
             const GeneratorNode& node = generated(i);
             if (node.kind == NodeKind::VaryingParameter) {
                 const bool isPosition = node.type == positionType && positionNames.count(node.name) != 0;
@@ -214,7 +214,7 @@ private:
     /// Holds the registers that nodes name against the table and against one another.
     void claimRegisters() {
         FirstByRegister firstByRegister;
-        for (std::size_t node = 0; node < flow_.nodes.size(); ++node) {
+        for (std::size_t node = 0; node < nodeCount_; ++node) {
             const GeneratorNode& generated = *flow_.nodes[node].generated;
             const RegisterReference& reference = generated.registerReference;
             if (generated.kind != NodeKind::RegisterParameter) {
@@ -454,6 +454,7 @@ private:
 
     const Material& material_;
     const Dataflow& flow_;
+    const std::size_t nodeCount_ = flow_.nodes.size();
     Errors* errors_;
     std::vector<Demand> demands_;
     std::vector<char> portsByFragment_; ///< by output, whether the fragment program reads it

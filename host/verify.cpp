@@ -41,9 +41,8 @@ std::string_view takeToken(std::string_view& code) {
 }
 
 bool hasPort(const GeneratorNode& function, std::string_view name) {
-    const auto isNamed = [&](const GeneratorPort& port) { return port.name == name; };
-    return std::any_of(function.inputs.begin(), function.inputs.end(), isNamed) ||
-           std::any_of(function.outputs.begin(), function.outputs.end(), isNamed);
+    return findPort(function.inputs, name) != function.inputs.end() ||
+           findPort(function.outputs, name) != function.outputs.end();
 }
 
 /// The constant in a function's code that is no number, or nothing. A variable of that name is none.

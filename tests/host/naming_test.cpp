@@ -162,6 +162,7 @@ constexpr const char* freeNames[] = {
     "pack",      "Texture",
     "in_uv",     "in_sampler",
     "float3y3",  "float9x3",
+    "",          "s",
 };
 
 TEST(CgNames, KnowWhatIsReserved) {

@@ -481,6 +481,20 @@ TEST(RegisterParameters, AreWrittenWithoutAnyOtherReader) {
 )");
 }
 
+TEST(RegisterParameters, AreWrittenWhateverElseIsNotNeeded) {
+    const auto unread = [](GraphGenerator& generator) {
+        emitFunction(generator, {}, float2, ExecutionLevel::Automatic, "unread");
+        return Handle();
+    };
+    const ExportedMaterial shader =
+        Sample({unread, writer([] { return registerOf(17, 0, float1, "depth"); }, float1), emitColour})
+            .shader();
+    const std::string main = mainOf(shader.fragmentProgram);
+    EXPECT_NE(main.find("\tfloat b_result;\n\tsource( b_result );\n"), std::string::npos) << main;
+    EXPECT_NE(main.find("\tdepth = b_result;\n"), std::string::npos) << main;
+    EXPECT_EQ(main.find("unread"), std::string::npos) << main;
+}
+
 TEST(RegisterParameters, AreSharedByReadersOfOneType) {
     const auto window = [] { return registerOf(10, 0, float2); };
     const ExportedMaterial shader = Sample({[&](GraphGenerator& generator) {
@@ -693,6 +707,32 @@ TEST(InnerEdges, OfTypesThatDoNotConvertAreRefused) {
         "function \"last\" (1/1/*): cannot convert float2 to float3";
     EXPECT_EQ(Sample({wrong}).error(), expected);
     EXPECT_EQ(Sample({wrong}).errors(), Texts{expected}) << "nothing is missing because of it";
+}
+
+TEST(Parameters, HaveThePortsOfTheirKind) {
+    const std::string expected =
+        "sample.xml:10: error: node \"a\" (\"Code\"): a parameter of its code has not "
+        "the ports of its kind; report this to the author of its plug-in";
+    for (const NodeKind kind : {NodeKind::InterfaceParameter, NodeKind::InterpolantParameter}) {
+        for (const auto ports : {&GeneratorNode::inputs, &GeneratorNode::outputs}) {
+            const auto lacking = [=](GraphGenerator& generator) {
+                const Handle parameter = makeParameterNode(kind, "p", float3);
+                ((*parameter).*ports).clear();
+                submit(generator, parameter);
+                return emitColour(generator);
+            };
+            EXPECT_EQ(Sample({lacking}).error(), expected);
+            EXPECT_EQ(Sample({lacking}).errors(), Texts{expected});
+        }
+    }
+}
+
+TEST(InterfaceParameters, PassTheirValueBesideInputsThatNothingFeeds) {
+    const auto unfed = [](GraphGenerator& generator) { return emitStep(generator, "unfed"); };
+    Sample sample({writer(lamp, float3), reader(lamp), unfed});
+    EXPECT_EQ(sample.errors(),
+              Texts{"sample.xml:12: error: node \"c\" (\"Code\"): nothing feeds \"value\" of function "
+                    "\"unfed\" (1/1/*); report this to the author of its plug-in"});
 }
 
 /// A function of one input, to which the code brings a uniform parameter by edges of those ports.
