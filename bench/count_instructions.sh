@@ -4,7 +4,7 @@
 set -eu
 
 cmake --preset bench >&2
-cmake --build --preset bench --target patina_workloads >&2
+cmake --build --preset bench --target patina_workloads patina_workloads_of_command >&2
 program=build/bench/bin/patina_workloads
 
 # instructions WORKLOAD SIZE
@@ -79,6 +79,16 @@ for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out
         document_row assemble build "${document%:*}" $sizes "${document#*:}"
     done
 done
+
+printf '\n%-40s %14s\n' "with the command's allocator" instructions
+program=build/bench/bin/patina_workloads_of_command
+for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out:1; do
+    name=${document%:*}
+    nodes=$((900 * ${document#*:}))
+    total=$(($(difference instructions "assemble/$name" 100 1000) - $(difference instructions "build/$name" 100 1000)))
+    printf '%-40s %14d\n' "assemble $name, 100 to 1000" $((total / nodes))
+done
+program=build/bench/bin/patina_workloads
 
 printf '\n%-40s %14s\n' 'for each live node' bytes
 for type in CoreDefault $types; do
