@@ -18,7 +18,7 @@ constexpr std::size_t longestFloat = 16;
 
 /// Writes a number that needs no exponent, in a fraction of the time. Gives its end, or null for all others.
 char* writeShortFloat(char* text, float value) {
-    constexpr std::array<double, 10> powers = {1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    constexpr std::array<double, 9> powers = {1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
     constexpr double smallest = 1e5; // with all significant digits before the point
     constexpr std::uint32_t beyond = 1000000;
     if (value == 0.0F && !std::signbit(value)) {
@@ -33,7 +33,7 @@ char* writeShortFloat(char* text, float value) {
     double scaled = magnitude;
     auto number = static_cast<std::uint32_t>(magnitude);
     while (number != scaled && scaled < smallest) {
-        scaled = magnitude * powers[++decimals]; // exact: 24 bits of a float, 24 of 5 to the tenth
+        scaled = magnitude * powers[decimals++]; // exact: 24 bits of a float, 24 of 5 to the tenth
         number = static_cast<std::uint32_t>(scaled);
     }
     if (number != scaled) {
@@ -106,11 +106,6 @@ void TextBuilder::appendFloat(float value) {
 }
 
 std::string TextBuilder::take() {
-    if (text_.empty()) {
-        std::string text(view());
-        clear();
-        return text;
-    }
     flush();
     return std::exchange(text_, {});
 }

@@ -21,6 +21,7 @@ namespace {
 using Names = std::vector<std::string>;
 
 const std::string longName = "a name, longer than any that fits into a string object";
+const std::string validName = "a_name_longer_than_any_that_fits_into_a_string_object";
 
 /// Whether the action ran to its end although that many allocations and no more succeeded.
 bool isDoneWith(std::size_t allocations, const std::function<void()>& action) {
@@ -131,6 +132,41 @@ TEST(FunctionBuilderWithRoom, TakesParametersAndShortCodeWithoutAllocating) {
     EXPECT_EQ(builder.function().parameters.size(), 2U);
     EXPECT_EQ(builder.finish(ExecutionLevel::Automatic, "f")->code,
               "\tfloat3 in_value2 = float( 0.125 ).xxx;\n\tout_value = in_value1 * in_value2;\n");
+}
+
+TEST(FunctionBuilderWithoutMemory, HasTheParameterOrNot) {
+    const ShaderType type = {ComponentType::Float, 3, 1, 1};
+    for (const bool isShown : {false, true}) {
+        FunctionBuilder builder;
+        if (isShown) {
+            builder.function();
+        }
+        constexpr std::size_t count = 40;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::string name = validName + std::to_string(i);
+            bool isDone = false;
+            for (std::size_t passing = 0; !isDone; ++passing) {
+                isDone = isDoneWith(passing, [&] {
+                    if (i % 3 == 1) {
+                        builder.addOutput(type, name);
+                    } else {
+                        builder.addInput(type, name);
+                    }
+                });
+                const auto node = FunctionBuilder(builder).makeNode(ExecutionLevel::Automatic, "f");
+                ASSERT_EQ(node->inputs.size() + node->outputs.size(), i + (isDone ? 1 : 0)) << passing;
+                if (isShown) {
+                    ASSERT_EQ(builder.function().parameters.size(), i + (isDone ? 1 : 0)) << passing;
+                }
+            }
+        }
+        const std::vector<FunctionParameter>& parameters = builder.function().parameters;
+        ASSERT_EQ(parameters.size(), count);
+        for (std::size_t i = 0; i < count; ++i) {
+            EXPECT_EQ(parameters[i].name, validName + std::to_string(i));
+            EXPECT_EQ(parameters[i].direction, i % 3 == 1 ? 1 : 0);
+        }
+    }
 }
 
 TEST(JoinTextInOneGo, AllocatesOnce) {

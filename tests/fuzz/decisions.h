@@ -8,7 +8,8 @@
 namespace patina::fuzz {
 
 /// The bytes of a fuzz input as answers to questions, asked in any number. When they are spent every answer
-/// is the first choice, which should be the plainest.
+/// is the first choice, which should be the plainest. No call takes two answers as its arguments: compilers
+/// differ in which they ask for first, and an input should mean the same to all.
 class Decisions {
 public:
     Decisions() = default;

@@ -145,7 +145,7 @@ private:
             setAnyOutput();
             return;
         case 13:
-            disconnect(material_, anyId(), std::string(decide_.choose(portNames)));
+            disconnectAny();
             return;
         case 14:
             removeAny();
@@ -158,9 +158,15 @@ private:
 
     void addAnyNode() {
         if (material_.items.size() < maximalNodes) {
-            addNode(material_, corePlugins(), std::string(decide_.choose(types)),
-                    decide_.oneIn(4) ? decide_.text() : std::string());
+            const std::string type(decide_.choose(types));
+            const std::string id = decide_.oneIn(4) ? decide_.text() : std::string();
+            addNode(material_, corePlugins(), type, id);
         }
+    }
+
+    void disconnectAny() {
+        const std::string id = anyId();
+        disconnect(material_, id, std::string(decide_.choose(portNames)));
     }
 
     const MaterialItem* anyItem() {
@@ -218,8 +224,9 @@ private:
         }
         const MaterialItem& source = material_.items[from];
         const MaterialItem& destination = material_.items[to];
-        connect(material_, source.id, anyPort(source.node->outputs), destination.id,
-                anyPort(destination.node->inputs));
+        const std::string output = anyPort(source.node->outputs);
+        const std::string input = anyPort(destination.node->inputs);
+        connect(material_, source.id, output, destination.id, input);
     }
 
     void setAnyOutput() {

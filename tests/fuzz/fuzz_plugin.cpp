@@ -68,7 +68,9 @@ public:
             generator.addNode(pieces.back());
         }
         for (std::size_t i = decide.below(maximalPieces); i > 0; --i) {
-            join(decide, generator, decide.choose(pieces), decide.choose(pieces));
+            const auto tail = decide.choose(pieces);
+            const auto head = decide.choose(pieces);
+            join(decide, generator, tail, head);
         }
         throwAnything(decide);
         attachLinks(generator, decide.oneIn(16) ? decide.choose(pieces) : pieces.front());
@@ -80,8 +82,9 @@ public:
         Decisions decide = bindings_;
         for (std::size_t i = decide.below(3); i > 0; --i) {
             const auto kind = static_cast<BindingKind>(decide.below(12));
-            const auto binding =
-                createBinding(kind, decide.name(), static_cast<std::uint32_t>(1 + decide.below(4)));
+            const std::string name = decide.name();
+            const auto componentCount = static_cast<std::uint32_t>(1 + decide.below(4));
+            const auto binding = createBinding(kind, name, componentCount);
             if (binding) {
                 binding->setDefaultValue(0, decide.number());
                 binding->description = decide.text();
@@ -202,7 +205,8 @@ public:
             connect();
         }
         for (std::size_t i = decide_.below(3); i > 0; --i) {
-            addOutput(std::string(decide_.choose(outputNames)), decide_.below(material_.items.size()));
+            const std::string name(decide_.choose(outputNames));
+            addOutput(name, decide_.below(material_.items.size()));
         }
         if (material_.outputs.empty()) {
             addOutput("colour", material_.items.size() - 1);

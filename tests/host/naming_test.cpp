@@ -162,7 +162,7 @@ constexpr const char* freeNames[] = {
     "pack",      "Texture",
     "in_uv",     "in_sampler",
     "float3y3",  "float9x3",
-    "",          "s",
+    "s",         "samplers_of_more_letters_than_any_word",
 };
 
 TEST(CgNames, KnowWhatIsReserved) {

@@ -77,6 +77,9 @@ TEST(ComponentTypeName, IsRefusedForOtherCodes) {
         EXPECT_EQ(shaderErrorOf([&] { typeText(type); }), "unknown component type") << code;
         EXPECT_EQ(shaderErrorOf([&] { printed(type); }), "unknown component type") << code;
         EXPECT_EQ(shaderErrorOf([&] { declaration(type, "value"); }), "unknown component type") << code;
+        TextBuilder builder;
+        EXPECT_EQ(shaderErrorOf([&] { appendDeclaration(builder, type, "value"); }), "unknown component type")
+            << code;
     }
 }
 
@@ -93,10 +96,21 @@ constexpr ShapeRow shapes[] = {
     {{ComponentType::Float, 3, 1, 1}, "float3", "float3 value"},
     {{ComponentType::Float, 4, 1, 1}, "float4", "float4 value"},
     {{ComponentType::Half, 1, 1, 1}, "half", "half value"},
+    {{ComponentType::Half, 2, 1, 1}, "half2", "half2 value"},
     {{ComponentType::Half, 3, 1, 1}, "half3", "half3 value"},
+    {{ComponentType::Half, 4, 1, 1}, "half4", "half4 value"},
+    {{ComponentType::Fixed, 1, 1, 1}, "fixed", "fixed value"},
+    {{ComponentType::Fixed, 2, 1, 1}, "fixed2", "fixed2 value"},
+    {{ComponentType::Fixed, 3, 1, 1}, "fixed3", "fixed3 value"},
     {{ComponentType::Fixed, 4, 1, 1}, "fixed4", "fixed4 value"},
+    {{ComponentType::Int, 1, 1, 1}, "int", "int value"},
     {{ComponentType::Int, 2, 1, 1}, "int2", "int2 value"},
+    {{ComponentType::Int, 3, 1, 1}, "int3", "int3 value"},
+    {{ComponentType::Int, 4, 1, 1}, "int4", "int4 value"},
     {{ComponentType::Bool, 1, 1, 1}, "bool", "bool value"},
+    {{ComponentType::Bool, 2, 1, 1}, "bool2", "bool2 value"},
+    {{ComponentType::Bool, 3, 1, 1}, "bool3", "bool3 value"},
+    {{ComponentType::Bool, 4, 1, 1}, "bool4", "bool4 value"},
     {{ComponentType::Sampler1D, 1, 1, 1}, "sampler1D", "sampler1D value"},
     {{ComponentType::SamplerCube, 1, 1, 1}, "samplerCUBE", "samplerCUBE value"},
     {{ComponentType::SamplerRect, 1, 1, 1}, "samplerRECT", "samplerRECT value"},
@@ -140,6 +154,10 @@ void expectShapesPrint() {
         EXPECT_EQ(printed(type), text);
         EXPECT_EQ(typeText(type), text);
         EXPECT_EQ(declaration(type, "value"), declared);
+        TextBuilder builder;
+        appendDeclaration(builder, type, "value");
+        appendDeclaration(builder, type, "value", "\t", ";\n");
+        EXPECT_EQ(builder.take(), std::string(declared) + "\t" + declared + ";\n");
     }
 }
 
