@@ -31,6 +31,7 @@ public:
     /// Makes room for a text of that many characters, beyond which it may still grow.
     void reserve(std::size_t size) { text_.reserve(size); }
 
+    /// No piece is part of its own text.
     template <std::convertible_to<std::string_view>... Pieces>
     void append(const Pieces&... pieces) {
         appendViews(std::string_view(pieces)...);
