@@ -63,6 +63,8 @@ memory_row() {
 }
 
 printf '%-40s %14s %14s\n' 'for each call, or each node exported' instructions allocations
+# each with the nodes that one unit of its size has
+documents='constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out:1'
 types='CoreVertexColour CoreUv CoreTexture CoreConstant CoreMaths CoreSwizzle CoreLayerBlend CoreAnimatedUv'
 for type in CoreDefault $types; do
     call_row create "$type"
@@ -73,7 +75,7 @@ done
 for type in $types; do
     call_row generate "$type"
 done
-for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out:1; do
+for document in $documents; do
     for sizes in '10 100' '100 1000' '1000 10000'; do
         document_row export document "${document%:*}" $sizes "${document#*:}"
         document_row assemble build "${document%:*}" $sizes "${document#*:}"
@@ -82,7 +84,7 @@ done
 
 printf '\n%-40s %14s\n' "with the command's allocator" instructions
 program=build/bench/bin/patina_workloads_of_command
-for document in constant-chain:1 texture-chain:1 summed-fan-out:2 unread-fan-out:1; do
+for document in $documents; do
     name=${document%:*}
     nodes=$((900 * ${document#*:}))
     total=$(($(difference instructions "assemble/$name" 100 1000) - $(difference instructions "build/$name" 100 1000)))
