@@ -4,6 +4,7 @@
 #include "nodemodel/text.h"
 #include "shadergraph/shadergraph.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -32,9 +33,18 @@ std::int32_t anySize(Decisions& decide) {
     return decide.oneIn(64) ? decide.integer() : decide.choose(sizes);
 }
 
+/// Up to a number that nothing can have either: a scalar's way to a vector names each of its components, and
+/// texts of gigabytes tell no more than long ones.
+std::int32_t anyColumns(Decisions& decide) {
+    constexpr std::int32_t manyColumns = 65536;
+    return std::min(anySize(decide), manyColumns);
+}
+
 /// Most often a value of one row.
 ShaderType anyType(Decisions& decide) {
-    ShaderType type = {decide.oneIn(2) ? ComponentType::Half : ComponentType::Float, anySize(decide), 1, 1};
+    ShaderType type;
+    type.componentType = decide.oneIn(2) ? ComponentType::Half : ComponentType::Float;
+    type.columns = anyColumns(decide);
     if (decide.oneIn(16)) {
         type.componentType = static_cast<ComponentType>(decide.below(14));
     }
