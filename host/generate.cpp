@@ -22,7 +22,7 @@ bool lacksPorts(const GeneratorNode& node) {
 
 /// Throws ShaderError for a type or kind that has no name, which no later step could print, and for missing
 /// ports. Something else stands there then, for what is looked at nevertheless.
-void requireTypes(const Graph& graph, std::size_t firstNode) {
+void requireWellFormed(const Graph& graph, std::size_t firstNode) {
     bool areKnown = true;
     bool areKindsKnown = true;
     bool arePortsThere = true;
@@ -90,8 +90,8 @@ GeneratedGraph generateGraph(const Material& material, Errors* errors) {
         };
         const bool isGenerated =
             isStandIn(item) || succeeds([&] { item.node->generateCode(result.generator); });
-        const bool isTyped = succeeds([&] { requireTypes(graph, result.owners.size()); });
-        if (isStandIn(item) || !isGenerated || !isTyped) {
+        const bool isWellFormed = succeeds([&] { requireWellFormed(graph, result.owners.size()); });
+        if (isStandIn(item) || !isGenerated || !isWellFormed) {
             result.incomplete[index] = true;
         }
         result.owners.resize(result.generator.graph->nodes.size(), index);
