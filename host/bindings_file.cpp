@@ -83,6 +83,20 @@ const std::string& parameterOf(const Binding& binding) {
     return binding.cgName.empty() ? binding.name : binding.cgName;
 }
 
+/// The texts that are a binding's own, whole: an annotation ends where a text has its first null character.
+Annotations textsOf(const Binding& binding) {
+    return {{"tag", binding.name},
+            {"cgname", binding.cgName},
+            {"uv", binding.uvSet},
+            {"desc", binding.description},
+            {"helpUrl", binding.helpUrl},
+            {"uilabel", binding.uiLabel},
+            {"default", binding.formatDefault()},
+            {"stream_type", binding.streamType},
+            {"dataset_modifiers", binding.datasetModifiers},
+            {"group", binding.group}};
+}
+
 /// Collects the bindings of one material's nodes. All methods throw HostError.
 class BindingCollector {
 public:
@@ -140,19 +154,34 @@ private:
 
     /// A plug-in's texts may be anything, and a bindings file that cannot be read again is worth nothing.
     void requireWritable(const MaterialItem& item, const Binding& binding) const {
-        const Annotations annotations =
-            onBehalfOf(material_, item, item.line, [&] { return annotationsOf(binding); });
-        const auto isUnwritable = [](const auto& annotation) { return !isDocumentText(annotation.second); };
-        const auto unwritable = std::find_if(annotations.begin(), annotations.end(), isUnwritable);
-        if (unwritable != annotations.end() || !isDocumentText(binding.group)) {
-            fail(item, {"the ", unwritable != annotations.end() ? unwritable->first : std::string("group"),
-                        " of its binding is no text in UTF-8, or has control characters; report this to the "
-                        "author of its plug-in"});
+        Annotations texts;
+        Annotations annotations;
+        onBehalfOf(material_, item, item.line, [&] {
+            texts = textsOf(binding);
+            annotations = annotationsOf(binding);
+        });
+        requireDocumentTexts(item, texts);
+        requireDocumentTexts(item, annotations);
+        const std::string* tag = findAnnotation(annotations, "tag");
+        if (tag == nullptr || *tag != binding.name) {
+            fail(item, {"the tag of its binding is not the name \"", binding.name,
+                        "\"; report this to the author of its plug-in"});
         }
         const std::string reason = whyNotUnderstood(bindingKindName(binding), annotations);
         if (!reason.empty()) {
             fail(item,
                  {"its binding cannot be read back: ", reason, "; report this to the author of its plug-in"});
+        }
+    }
+
+    void requireDocumentTexts(const MaterialItem& item, const Annotations& texts) const {
+        for (const auto& [key, text] : texts) {
+            if (!isDocumentText(text)) {
+                fail(item,
+                     {"the ", key,
+                      " of its binding is no text in UTF-8, or has control characters; report this to the "
+                      "author of its plug-in"});
+            }
         }
     }
 

@@ -1,10 +1,13 @@
 #include "tests/host/host_checks.h"
 #include "tests/host/sample_flow.h"
 
+#include "nodemodel/xml_attributes.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -248,6 +251,55 @@ TEST(CollectBindings, RefusesTextsThatNoFileCanHold) {
     const auto grouped = bindingOf("A", "");
     grouped->group = "\xFF";
     expectErrorAt(collectError({{grouped}}), 10, {"node \"a\"", "group of its binding"});
+}
+
+TEST(CollectBindings, RefusesTextsThatAFileWouldCutShort) {
+    using namespace std::string_literals;
+    const std::pair<const char*, std::string Binding::*> texts[] = {
+        {"tag", &Binding::name},
+        {"cgname", &Binding::cgName},
+        {"uv", &Binding::uvSet},
+        {"desc", &Binding::description},
+        {"helpUrl", &Binding::helpUrl},
+        {"uilabel", &Binding::uiLabel},
+        {"stream_type", &Binding::streamType},
+        {"dataset_modifiers", &Binding::datasetModifiers},
+        {"group", &Binding::group},
+    };
+    for (const auto& [key, text] : texts) {
+        const auto cut = bindingOf("A", "");
+        (*cut).*text = "a\0z"s;
+        EXPECT_EQ(collectError({{cut}}), "sample.xml:10: error: node \"a\" (\"Presenter\"): the "s + key +
+                                             " of its binding is no text in UTF-8, or has control "
+                                             "characters; report this to the author of its plug-in");
+    }
+    const auto uv = createBinding(BindingKind::Uv, "A", 1);
+    uv->parseDefault("\0"s);
+    expectErrorAt(collectError({{uv}}), 10, {"node \"a\"", "the default of its binding"});
+}
+
+/// A binding that describes itself as it was told to.
+class TaggedBinding : public Binding {
+public:
+    explicit TaggedBinding(std::optional<std::string> tag)
+        : Binding(BindingKind::Float, "A", 1), tag_(std::move(tag)) {}
+    void writeAnnotations(xmlNode* element) const override {
+        if (tag_) {
+            writeAttribute(element, "tag", *tag_);
+        }
+    }
+
+private:
+    std::optional<std::string> tag_;
+};
+
+TEST(CollectBindings, RefusesOnesThatAreNotKnownByTheirNames) {
+    const std::string expected =
+        "sample.xml:10: error: node \"a\" (\"Presenter\"): the tag of its binding is "
+        "not the name \"A\"; report this to the author of its plug-in";
+    EXPECT_EQ(collectError({{std::make_shared<TaggedBinding>(std::nullopt)}}), expected);
+    EXPECT_EQ(collectError({{std::make_shared<TaggedBinding>("B")}}), expected);
+    EXPECT_EQ(collectError({{std::make_shared<TaggedBinding>("A")}}), testing::noError);
 }
 
 TEST(CollectBindings, RefusesEmptyHandles) {
