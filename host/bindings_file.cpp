@@ -162,6 +162,7 @@ private:
         });
         requireDocumentTexts(item, texts);
         requireDocumentTexts(item, annotations);
+        requireOnlyAnnotations(item, annotations);
         const std::string* tag = findAnnotation(annotations, "tag");
         if (tag == nullptr || *tag != binding.name) {
             fail(item, {"the tag of its binding is not the name \"", binding.name,
@@ -171,6 +172,17 @@ private:
         if (!reason.empty()) {
             fail(item,
                  {"its binding cannot be read back: ", reason, "; report this to the author of its plug-in"});
+        }
+    }
+
+    /// A binding of a plug-in's own class may write anything, and would write over what the file says of it.
+    void requireOnlyAnnotations(const MaterialItem& item, const Annotations& annotations) const {
+        for (const auto& [key, text] : annotations) {
+            if (key == "kind" || key == "components" || key == "group" || key.starts_with(exportedPrefix)) {
+                fail(item,
+                     {"its binding writes the annotation \"", key,
+                      "\", which is the bindings file's own; report this to the author of its plug-in"});
+            }
         }
     }
 

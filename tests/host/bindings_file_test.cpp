@@ -7,7 +7,6 @@
 
 #include <limits>
 #include <memory>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -279,27 +278,42 @@ TEST(CollectBindings, RefusesTextsThatAFileWouldCutShort) {
 }
 
 /// A binding that describes itself as it was told to.
-class TaggedBinding : public Binding {
+class SelfDescribedBinding : public Binding {
 public:
-    explicit TaggedBinding(std::optional<std::string> tag)
-        : Binding(BindingKind::Float, "A", 1), tag_(std::move(tag)) {}
+    explicit SelfDescribedBinding(Annotations annotations)
+        : Binding(BindingKind::Float, "A", 1), annotations_(std::move(annotations)) {}
     void writeAnnotations(xmlNode* element) const override {
-        if (tag_) {
-            writeAttribute(element, "tag", *tag_);
+        for (const auto& [key, text] : annotations_) {
+            writeAttribute(element, key, text);
         }
     }
 
 private:
-    std::optional<std::string> tag_;
+    Annotations annotations_;
 };
+
+std::string selfDescribedError(const Annotations& annotations) {
+    return collectError({{std::make_shared<SelfDescribedBinding>(annotations)}});
+}
 
 TEST(CollectBindings, RefusesOnesThatAreNotKnownByTheirNames) {
     const std::string expected =
         "sample.xml:10: error: node \"a\" (\"Presenter\"): the tag of its binding is "
         "not the name \"A\"; report this to the author of its plug-in";
-    EXPECT_EQ(collectError({{std::make_shared<TaggedBinding>(std::nullopt)}}), expected);
-    EXPECT_EQ(collectError({{std::make_shared<TaggedBinding>("B")}}), expected);
-    EXPECT_EQ(collectError({{std::make_shared<TaggedBinding>("A")}}), testing::noError);
+    EXPECT_EQ(selfDescribedError({}), expected);
+    EXPECT_EQ(selfDescribedError({{"tag", "B"}}), expected);
+    EXPECT_EQ(selfDescribedError({{"tag", "A"}}), testing::noError);
+}
+
+TEST(CollectBindings, RefusesAnnotationsThatTheFileWritesItself) {
+    EXPECT_EQ(selfDescribedError({{"tag", "A"}, {"finish", "matt"}, {"kinds", "2"}, {"exported", "yes"}}),
+              testing::noError);
+    for (const char* key : {"kind", "components", "group", "exported_default", "exported_"}) {
+        EXPECT_EQ(selfDescribedError({{"tag", "A"}, {key, "1"}}),
+                  std::string("sample.xml:10: error: node \"a\" (\"Presenter\"): its binding writes the "
+                              "annotation \"") +
+                      key + "\", which is the bindings file's own; report this to the author of its plug-in");
+    }
 }
 
 TEST(CollectBindings, RefusesEmptyHandles) {
