@@ -42,9 +42,8 @@ std::int32_t anyColumns(Decisions& decide) {
 
 /// Most often a value of one row.
 ShaderType anyType(Decisions& decide) {
-    ShaderType type;
-    type.componentType = decide.oneIn(2) ? ComponentType::Half : ComponentType::Float;
-    type.columns = anyColumns(decide);
+    const ComponentType usual = decide.oneIn(2) ? ComponentType::Half : ComponentType::Float;
+    ShaderType type = {usual, anyColumns(decide), 1, 1};
     if (decide.oneIn(16)) {
         type.componentType = static_cast<ComponentType>(decide.below(14));
     }
