@@ -84,8 +84,7 @@ inline void appendDeclaration(TextBuilder& text, const ShaderType& type, std::st
     if (const std::string_view vector = vectorTypeText(type); !vector.empty()) {
         text.append(before, vector, " ", name, after);
     } else {
-        text.append(before);
-        text.append(declaration(type, name), after);
+        text.append(before, declaration(type, name), after);
     }
 }
 

@@ -280,7 +280,13 @@ void checkBinding(CheckContext& context, const std::shared_ptr<Binding>& written
     read->readAnnotations(element.get());
     compareBindings(context, *written, *read);
     if (written->kind == BindingKind::Texture) {
-        compareTextures(context, *toTextureBinding(written), *toTextureBinding(read));
+        // the kind alone does not say that a plug-in's object is what hosts take it for
+        const auto* texture = dynamic_cast<const TextureBinding*>(written.get());
+        if (texture == nullptr) {
+            context.report({"the texture binding ", inQuotes(written->name), " is no TextureBinding"});
+            return;
+        }
+        compareTextures(context, *texture, *toTextureBinding(read));
     }
 }
 

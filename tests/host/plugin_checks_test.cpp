@@ -217,6 +217,8 @@ const Fault faults[] = {
     {"bindings", "binding nameless", "Sample", "with \"Bright\" = \"Yes\": a binding has no name"},
     {"bindings", "binding of no kind", "Sample",
      "with \"Bright\" = \"Yes\": the binding \"odd\" has no valid kind or no components"},
+    {"bindings", "binding of another class", "Sample",
+     "with \"Bright\" = \"Yes\": the texture binding \"odd\" is no TextureBinding"},
     {"bindings", "binding text", "Sample",
      "with \"Bright\" = \"Yes\": the annotation \"desc\" of the binding \"Sample\" is no text in UTF-8, or "
      "has "

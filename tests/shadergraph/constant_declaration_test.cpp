@@ -151,6 +151,7 @@ TEST(DeclareConstant, RefusesAComponentTypeWithoutAName) {
     FunctionBuilder builder;
     EXPECT_EQ(shaderErrorOf([&] { builder.declareConstant(testing::namelessType, "x", 0.0F); }),
               "unknown component type");
+    EXPECT_EQ(bodyOf(builder), "");
 }
 
 TEST(DeclarePortConstant, TakesNameAndTypeFromThePort) {

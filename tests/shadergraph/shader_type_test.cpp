@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <cstdint>
 #include <iomanip>
 #include <limits>
@@ -25,6 +26,7 @@ using testing::shaderErrorOf;
 static_assert(std::is_same_v<std::underlying_type_t<ComponentType>, std::int32_t>);
 static_assert(std::is_aggregate_v<ShaderType> && std::is_trivially_copyable_v<ShaderType>);
 static_assert(sizeof(ShaderType) == 4 * sizeof(std::int32_t));
+static_assert(std::equality_comparable<ShaderType> && !std::totally_ordered<ShaderType>);
 
 constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();

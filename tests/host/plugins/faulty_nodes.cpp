@@ -156,6 +156,10 @@ public:
             bindings.bindings.push_back(std::make_shared<Binding>(BindingKind::Invalid, "odd", 1));
             return;
         }
+        if (has("binding of another class")) {
+            bindings.bindings.push_back(std::make_shared<Binding>(BindingKind::Texture, "odd", 1));
+            return;
+        }
         const auto binding = createBinding(BindingKind::Float, has("binding nameless") ? "" : name(), 2);
         binding->setDefaultValue(0, 0.25F);
         if (has("binding unknown control")) {
