@@ -281,7 +281,7 @@ void checkBinding(CheckContext& context, const std::shared_ptr<Binding>& written
     compareBindings(context, *written, *read);
     if (written->kind == BindingKind::Texture) {
         // the kind alone does not say that a plug-in's object is what hosts take it for
-        const auto* texture = dynamic_cast<const TextureBinding*>(written.get());
+        const auto texture = std::dynamic_pointer_cast<TextureBinding>(written);
         if (texture == nullptr) {
             context.report({"the texture binding ", inQuotes(written->name), " is no TextureBinding"});
             return;
