@@ -97,6 +97,20 @@ Annotations textsOf(const Binding& binding) {
             {"group", binding.group}};
 }
 
+/// Whether a bindings file says this of a binding itself: one that wrote it too would write it over.
+bool isFilesOwn(std::string_view key) {
+    return key == "kind" || key == "components" || key == "group" || key.starts_with(exportedPrefix);
+}
+
+std::string whyNoDocumentTexts(const Annotations& texts) {
+    for (const auto& [key, text] : texts) {
+        if (!isDocumentText(text)) {
+            return joinText({"its \"", key, "\" is no text in UTF-8, or has control characters"});
+        }
+    }
+    return {};
+}
+
 /// Collects the bindings of one material's nodes. All methods throw HostError.
 class BindingCollector {
 public:
@@ -154,46 +168,11 @@ private:
 
     /// A plug-in's texts may be anything, and a bindings file that cannot be read again is worth nothing.
     void requireWritable(const MaterialItem& item, const Binding& binding) const {
-        Annotations texts;
-        Annotations annotations;
-        onBehalfOf(material_, item, item.line, [&] {
-            texts = textsOf(binding);
-            annotations = annotationsOf(binding);
-        });
-        requireDocumentTexts(item, texts);
-        requireDocumentTexts(item, annotations);
-        requireOnlyAnnotations(item, annotations);
-        const std::string* tag = findAnnotation(annotations, "tag");
-        if (tag == nullptr || *tag != binding.name) {
-            fail(item, {"the tag of its binding is not the name \"", binding.name,
-                        "\"; report this to the author of its plug-in"});
-        }
-        const std::string reason = whyNotUnderstood(bindingKindName(binding), annotations);
+        std::string reason;
+        onBehalfOf(material_, item, item.line, [&] { reason = whyNotWritable(binding); });
         if (!reason.empty()) {
-            fail(item,
-                 {"its binding cannot be read back: ", reason, "; report this to the author of its plug-in"});
-        }
-    }
-
-    /// A binding of a plug-in's own class may write anything, and would write over what the file says of it.
-    void requireOnlyAnnotations(const MaterialItem& item, const Annotations& annotations) const {
-        for (const auto& [key, text] : annotations) {
-            if (key == "kind" || key == "components" || key == "group" || key.starts_with(exportedPrefix)) {
-                fail(item,
-                     {"its binding writes the annotation \"", key,
-                      "\", which is the bindings file's own; report this to the author of its plug-in"});
-            }
-        }
-    }
-
-    void requireDocumentTexts(const MaterialItem& item, const Annotations& texts) const {
-        for (const auto& [key, text] : texts) {
-            if (!isDocumentText(text)) {
-                fail(item,
-                     {"the ", key,
-                      " of its binding is no text in UTF-8, or has control characters; report this to the "
-                      "author of its plug-in"});
-            }
+            fail(item, {"its binding cannot stand in a bindings file: ", reason,
+                        "; report this to the author of its plug-in"});
         }
     }
 
@@ -204,6 +183,27 @@ private:
 };
 
 } // namespace
+
+std::string whyNotWritable(const Binding& binding) {
+    const Annotations annotations = annotationsOf(binding);
+    std::string reason = whyNoDocumentTexts(textsOf(binding));
+    if (reason.empty()) {
+        reason = whyNoDocumentTexts(annotations);
+    }
+    if (!reason.empty()) {
+        return reason;
+    }
+    for (const auto& [key, text] : annotations) {
+        if (isFilesOwn(key)) {
+            return joinText({"it writes the annotation \"", key, "\", which is the file's own"});
+        }
+    }
+    const std::string* tag = findAnnotation(annotations, "tag");
+    if (tag == nullptr || *tag != binding.name) {
+        return joinText({"its \"tag\" is not its name \"", binding.name, "\""});
+    }
+    return whyNotUnderstood(bindingKindName(binding), annotations);
+}
 
 BindingCollection collectBindings(const Material& material, Errors* errors) {
     std::vector<std::size_t> order(material.items.size());

@@ -54,6 +54,10 @@ struct BindingsFile {
     std::vector<ExportedBinding> bindings;
 };
 
+/// Why a bindings file with this binding could not be read again as it was written, as can be with one of a
+/// plug-in; empty when it can. Throws what the binding throws.
+std::string whyNotWritable(const Binding& binding);
+
 /// The bindings of a material's nodes, by "BindingIndex" and then in document order.
 /// Their code may be a plug-in's: they must not outlive the material.
 /// Throws HostError, naming the nodes, when two of them present a binding of one name. With `errors`, goes on

@@ -2,8 +2,8 @@
 #include "host/checks/wiring.h"
 
 #include "bindings/bindings.h"
+#include "host/bindings_file.h"
 #include "host/dependency_order.h"
-#include "host/document.h"
 #include "host/framework_values.h"
 #include "host/xml.h"
 #include "nodemodel/text.h"
@@ -270,13 +270,13 @@ void checkBinding(CheckContext& context, const std::shared_ptr<Binding>& written
         context.report({"the binding ", inQuotes(written->name), " has no valid kind or no components"});
         return;
     }
+    if (const std::string reason = whyNotWritable(*written); !reason.empty()) {
+        context.report(
+            {"the binding ", inQuotes(written->name), " cannot stand in a bindings file: ", reason});
+        return;
+    }
     const XmlPointer<xmlNode> element(xmlNewNode(nullptr, xmlText("binding")));
     written->writeAnnotations(element.get());
-    for (const auto& [key, text] : readAttributes(element.get())) {
-        context.require(isDocumentText(text),
-                        {"the annotation \"", key, "\" of the binding ", inQuotes(written->name),
-                         " is no text in UTF-8, or has control characters"});
-    }
     read->readAnnotations(element.get());
     compareBindings(context, *written, *read);
     if (written->kind == BindingKind::Texture) {

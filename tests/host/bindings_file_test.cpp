@@ -225,6 +225,11 @@ std::string collectError(const std::vector<std::vector<std::shared_ptr<Binding>>
     return testing::hostErrorOf([&] { collectBindings(material); });
 }
 
+std::string unwritable(const std::string& reason) {
+    return "sample.xml:10: error: node \"a\" (\"Presenter\"): its binding cannot stand in a bindings file: " +
+           reason + "; report this to the author of its plug-in";
+}
+
 TEST(CollectBindings, RefusesTwoOfOneParameter) {
     EXPECT_EQ(collectError({{bindingOf("A", "")}, {bindingOf("B", "")}, {bindingOf("C", "c")}}),
               testing::noError);
@@ -245,11 +250,11 @@ TEST(CollectBindings, RefusesTextsThatNoFileCanHold) {
     EXPECT_EQ(collectError({{bindingOf("A", "", "caf\xC3\xA9\n")}}), testing::noError);
     for (const char* text : {"caf\xE9", "a\x01z", "\xED\xA0\x80"}) {
         expectErrorAt(collectError({{bindingOf("A", "", text)}}), 10,
-                      {"node \"a\"", "desc of its binding", "UTF-8", "author of its plug-in"});
+                      {"node \"a\"", "its \"desc\" is no text in UTF-8", "author of its plug-in"});
     }
     const auto grouped = bindingOf("A", "");
     grouped->group = "\xFF";
-    expectErrorAt(collectError({{grouped}}), 10, {"node \"a\"", "group of its binding"});
+    expectErrorAt(collectError({{grouped}}), 10, {"node \"a\"", "its \"group\" is no text"});
 }
 
 TEST(CollectBindings, RefusesTextsThatAFileWouldCutShort) {
@@ -268,13 +273,12 @@ TEST(CollectBindings, RefusesTextsThatAFileWouldCutShort) {
     for (const auto& [key, text] : texts) {
         const auto cut = bindingOf("A", "");
         (*cut).*text = "a\0z"s;
-        EXPECT_EQ(collectError({{cut}}), "sample.xml:10: error: node \"a\" (\"Presenter\"): the "s + key +
-                                             " of its binding is no text in UTF-8, or has control "
-                                             "characters; report this to the author of its plug-in");
+        EXPECT_EQ(collectError({{cut}}),
+                  unwritable("its \""s + key + "\" is no text in UTF-8, or has control characters"));
     }
     const auto uv = createBinding(BindingKind::Uv, "A", 1);
     uv->parseDefault("\0"s);
-    expectErrorAt(collectError({{uv}}), 10, {"node \"a\"", "the default of its binding"});
+    expectErrorAt(collectError({{uv}}), 10, {"node \"a\"", "its \"default\" is no text"});
 }
 
 /// A binding that describes itself as it was told to.
@@ -297,9 +301,7 @@ std::string selfDescribedError(const Annotations& annotations) {
 }
 
 TEST(CollectBindings, RefusesOnesThatAreNotKnownByTheirNames) {
-    const std::string expected =
-        "sample.xml:10: error: node \"a\" (\"Presenter\"): the tag of its binding is "
-        "not the name \"A\"; report this to the author of its plug-in";
+    const std::string expected = unwritable("its \"tag\" is not its name \"A\"");
     EXPECT_EQ(selfDescribedError({}), expected);
     EXPECT_EQ(selfDescribedError({{"tag", "B"}}), expected);
     EXPECT_EQ(selfDescribedError({{"tag", "A"}}), testing::noError);
@@ -309,10 +311,9 @@ TEST(CollectBindings, RefusesAnnotationsThatTheFileWritesItself) {
     EXPECT_EQ(selfDescribedError({{"tag", "A"}, {"finish", "matt"}, {"kinds", "2"}, {"exported", "yes"}}),
               testing::noError);
     for (const char* key : {"kind", "components", "group", "exported_default", "exported_"}) {
-        EXPECT_EQ(selfDescribedError({{"tag", "A"}, {key, "1"}}),
-                  std::string("sample.xml:10: error: node \"a\" (\"Presenter\"): its binding writes the "
-                              "annotation \"") +
-                      key + "\", which is the bindings file's own; report this to the author of its plug-in");
+        EXPECT_EQ(
+            selfDescribedError({{"tag", "A"}, {key, "1"}}),
+            unwritable("it writes the annotation \"" + std::string(key) + "\", which is the file's own"));
     }
 }
 

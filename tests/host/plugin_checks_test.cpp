@@ -220,9 +220,11 @@ const Fault faults[] = {
     {"bindings", "binding of another class", "Sample",
      "with \"Bright\" = \"Yes\": the texture binding \"odd\" is no TextureBinding"},
     {"bindings", "binding text", "Sample",
-     "with \"Bright\" = \"Yes\": the annotation \"desc\" of the binding \"Sample\" is no text in UTF-8, or "
-     "has "
-     "control characters"},
+     "with \"Bright\" = \"Yes\": the binding \"Sample\" cannot stand in a bindings file: its \"desc\" is no "
+     "text in UTF-8, or has control characters"},
+    {"bindings", "binding cut short", "Sample",
+     "with \"Bright\" = \"Yes\": the binding \"Sample\" cannot stand in a bindings file: its \"group\" is no "
+     "text in UTF-8, or has control characters"},
     {"bindings", "binding unknown control", "Sample",
      "with \"Bright\" = \"Yes\": the ui type of the float binding \"Sample\" is not read back as it was "
      "written"},

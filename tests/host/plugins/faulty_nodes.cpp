@@ -168,6 +168,9 @@ public:
         if (has("binding text")) {
             binding->description = "caf\xE9";
         }
+        if (has("binding cut short")) {
+            binding->group = std::string("a\0z", 3);
+        }
         addToBindingCollection(bindings, binding);
     }
 
