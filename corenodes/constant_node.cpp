@@ -131,11 +131,12 @@ void ConstantNode::addBindings(BindingCollection& bindings) {
         return;
     }
     std::shared_ptr<Binding> binding;
+    const std::string& bindingName = name();
     const std::string& type = constantType_->getEnum();
     if (type == scalarType || type == vectorType) {
         const std::int32_t components = type == vectorType ? componentCount_->getInteger() : 1;
         const auto count = static_cast<std::uint32_t>(std::max(components, 0));
-        binding = createBinding(BindingKind::Float, name(), count);
+        binding = createBinding(BindingKind::Float, bindingName, count);
         if (!binding) {
             return;
         }
@@ -146,7 +147,7 @@ void ConstantNode::addBindings(BindingCollection& bindings) {
             binding->setDefaultValue(i, defaultScalar_->getFloat());
         }
     } else { // any other type too, though its ports are a vector's
-        binding = createBinding(BindingKind::Float, name(), alphaInUse() ? 4 : 3);
+        binding = createBinding(BindingKind::Float, bindingName, alphaInUse() ? 4 : 3);
         binding->uiType = UiType::Colour;
         const std::array<float, 3> colour = defaultColour();
         for (std::uint32_t i = 0; i < colour.size(); ++i) {
@@ -167,7 +168,7 @@ void ConstantNode::generateCode(GraphGenerator& generator) {
         generateLocked(generator);
     } else if (type == componentType || (type == colourType && alpha_->getBool())) {
         generateSplitUniform(generator);
-    } else {
+    } else { // an unknown type too, as its port is a vector's
         generateUniform(generator);
     }
 }
@@ -209,7 +210,8 @@ void ConstantNode::generateLocked(GraphGenerator& generator) {
 }
 
 void ConstantNode::generateUniform(GraphGenerator& generator) {
-    const auto uniform = makeUniformParameter(name(), portType(outputPort("read")));
+    const std::string& uniformName = name();
+    const auto uniform = makeUniformParameter(uniformName, portType(outputPort("read")));
     generator.addNode(uniform);
     attachLinks(generator, uniform);
 }

@@ -28,7 +28,8 @@ UvNode::UvNode() : MaterialNode(staticTypeName(), ownProperties.layout()) {
 }
 
 void UvNode::generateCode(GraphGenerator& generator) {
-    const auto varying = makeVaryingParameter(name(), portType(outputPort("read")));
+    const std::string& varyingName = name();
+    const auto varying = makeVaryingParameter(varyingName, portType(outputPort("read")));
     generator.addNode(varying);
     attachLinks(generator, varying);
 }

@@ -49,6 +49,7 @@ void VertexColourNode::updateFromProperties(void* /*hostContext*/) {
 }
 
 void VertexColourNode::generateCode(GraphGenerator& generator) {
+    const std::string& varyingName = name();
     const std::string& type = colourType_->getEnum();
     const bool isVector = type == "Vector";
     const bool alphaUsed = isVector || (alpha_->getBool() && isOutputConnected(*this, "out_alpha"));
@@ -76,7 +77,7 @@ void VertexColourNode::generateCode(GraphGenerator& generator) {
     }
 
     const auto function = builder.makeNode(ExecutionLevel::Automatic, "colourCode");
-    const auto varying = makeVaryingParameter(name(), inputType);
+    const auto varying = makeVaryingParameter(varyingName, inputType);
     generator.addNode(function);
     generator.addNode(varying);
     generator.connect(varying, "read", function, "in_colour");

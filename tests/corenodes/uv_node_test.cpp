@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace patina {
 namespace {
 
@@ -142,6 +144,24 @@ TEST(UvCode, NeedsAValidName) {
                   std::string("parameter name \"") + name + "\" is not a valid Cg variable name");
     }
     EXPECT_TRUE(isUntouched(generator));
+}
+
+TEST(UvCode, TakesItsNameBeforeItsPort) {
+    UvNode node;
+    node.nameProperty->setInteger(1);
+    GraphGenerator generator;
+    EXPECT_EQ(shaderErrorOf([&] { node.generateCode(generator); }),
+              "cannot read string value from non-string property \"Name\"");
+    EXPECT_TRUE(isUntouched(generator));
+}
+
+TEST(UvCode, IsAddedBeforeItIsLinked) {
+    UvNode node;
+    resolve(node, floatPrecision);
+    node.outputLinks.push_back(std::make_shared<NodeConnection>()); // expired
+    GraphGenerator generator;
+    EXPECT_THROW(node.generateCode(generator), std::bad_weak_ptr);
+    EXPECT_EQ(nodeNames(generator), Texts{"Uv"});
 }
 
 } // namespace

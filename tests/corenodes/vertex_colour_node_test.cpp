@@ -284,5 +284,39 @@ TEST(VertexColourCode, NeedsAValidName) {
     EXPECT_TRUE(isUntouched(generator));
 }
 
+TEST(VertexColourCode, TakesItsNameFirst) {
+    VertexColourNode node;
+    node.nameProperty->setInteger(1);
+    GraphGenerator generator;
+    EXPECT_EQ(shaderErrorOf([&] { node.generateCode(generator); }),
+              "cannot read string value from non-string property \"Name\"");
+    EXPECT_TRUE(isUntouched(generator));
+}
+
+TEST(VertexColourCode, IsAddedAndConnectedBeforeItIsLinked) {
+    VertexColourNode node;
+    resolve(node, floatPrecision);
+    node.outputLinks.push_back(std::make_shared<NodeConnection>()); // expired
+    GraphGenerator generator;
+    EXPECT_THROW(node.generateCode(generator), std::bad_weak_ptr);
+    EXPECT_EQ(nodeNames(generator), (Texts{"colourCode", "VertexColour"}));
+    EXPECT_EQ(edges(generator), Texts{"VertexColour#1.read -> colourCode#0.in_colour"});
+}
+
+TEST(VertexColourCode, LeavesOutAnAlphaThatWasTurnedOffSinceItsPortWasConnected) {
+    VertexColourNode node;
+    configure(node, "Colour", true);
+    node.outputPort("out_alpha").connected = true;
+    resolve(node, floatPrecision);
+    property(node, "Alpha").setBool(false);
+    const GraphGenerator generator = generated(node);
+    expectFunction(generator, 0,
+                   {"colourCode",
+                    ExecutionLevel::Automatic,
+                    {"float3 in_colour"},
+                    {"float3 out_colour"},
+                    "\tout_colour = in_colour.xyz;\n"});
+}
+
 } // namespace
 } // namespace patina
