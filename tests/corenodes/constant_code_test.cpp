@@ -213,6 +213,29 @@ TEST_F(ConstantCode, OfALockedConstantNeedsAResolvedPrecision) {
     }
 }
 
+TEST_F(ConstantCode, HasNoAlphaOnceItIsNoColourEvenWhileThePortIsThere) {
+    configure("Colour", locked, true);
+    node.outputPort("alpha").connected = true;
+    resolve(node, floatPrecision);
+    for (const char* type : {"Scalar", "Vector"}) {
+        property(node, "Constant Type").setEnum(type);
+        expectFunction(
+            generated(node), 0,
+            {"lockCode", ExecutionLevel::Automatic, {}, {"float3 out_value"}, "\tout_value = 0.5;\n"});
+    }
+}
+
+TEST_F(ConstantCode, OfAnUnknownTypeIsAVectors) {
+    setUnknownEnum(node, "Constant Type");
+    node.updateFromProperties(nullptr);
+    resolve(node, floatPrecision);
+    expectParameter(generated(node), 0, NodeKind::UniformParameter, "Constant", "float4");
+    property(node, "Default Scalar").setFloat(0.5F);
+    property(node, "Lock").setBool(true);
+    expectFunction(generated(node), 0,
+                   {"lockCode", ExecutionLevel::Automatic, {}, {"float4 out_value"}, "\tout_value = 0.5;\n"});
+}
+
 // ---- the uniform itself ----
 
 struct UniformRow {

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <limits>
+#include <string>
 
 namespace patina {
 namespace {
@@ -205,6 +206,14 @@ TEST(ConstantNode, ForgetsTheConfigurationBefore) {
     }
 }
 
+TEST(ConstantNode, LeavesItsTypeAndLockAsVisibleAsTheyWere) {
+    ConstantNode node;
+    property(node, "Constant Type").visible = false;
+    property(node, "Lock").visible = false;
+    node.updateFromProperties(nullptr);
+    EXPECT_EQ(visibleProperties(node), (Texts{"Default Colour", "Alpha", "Basic Colour"}));
+}
+
 TEST(ConstantNode, StartsItsPortsAfresh) {
     ConstantNode node;
     resolve(node, floatPrecision);
@@ -266,6 +275,78 @@ TEST(ConstantNode, KeepsItsFlagsWhenAVectorIsRefused) {
     node.updateFromProperties(nullptr);
     expectPorts(node.outputs, {{"read", "xyz", 3}});
     EXPECT_EQ(node.textColour, greyText);
+}
+
+/// What is done with a node one of whose properties is of another kind.
+using Operation = void (*)(ConstantNode& node);
+
+void update(ConstantNode& node) { node.updateFromProperties(nullptr); }
+void bind(ConstantNode& node) { bindingsOf(node); }
+void generate(ConstantNode& node) { generated(node); }
+
+struct KindRow {
+    Operation operation;
+    const char* constantType;
+    bool lock;
+    const char* property; ///< of another kind
+    const char* kind;     ///< that it should be of
+};
+
+TEST(ConstantNode, ReadsPropertiesOfTheirKindsAlone) {
+    const KindRow rows[] = {
+        {update, "Colour", false, "Constant Type", "enum"},
+        {update, "Vector", false, "Component Count", "integer"},
+        {update, "Colour", false, "Alpha", "bool"},
+        {update, "Colour", false, "Lock", "bool"},
+        {[](ConstantNode& node) { node.generatesBinding(); }, "Colour", false, "Lock", "bool"},
+        {bind, "Colour", false, "Lock", "bool"},
+        {bind, "Scalar", false, "Name", "string"},
+        {bind, "Colour", false, "Name", "string"},
+        {bind, "Colour", false, "Constant Type", "enum"},
+        {bind, "Vector", false, "Component Count", "integer"},
+        {bind, "Scalar", false, "Min Scalar", "float"},
+        {bind, "Scalar", false, "Max Scalar", "float"},
+        {bind, "Scalar", false, "Default Scalar", "float"},
+        {bind, "Colour", false, "Default Colour", "colour"},
+        {bind, "Component", false, "Alpha", "bool"},
+        {bind, "Component", false, "Default Alpha", "float"},
+        {bind, "Colour", false, "Basic Colour", "bool"},
+        {bind, "Colour", false, "Description", "string"},
+        {bind, "Colour", false, "BindingGroup", "string"},
+        {bind, "Colour", false, "Help Url", "string"},
+        {generate, "Colour", false, "Lock", "bool"},
+        {generate, "Colour", false, "Constant Type", "enum"},
+        {generate, "Colour", false, "Alpha", "bool"},
+        {generate, "Scalar", false, "Name", "string"},
+        {generate, "Colour", false, "Name", "string"},
+        {generate, "Colour", true, "Default Colour", "colour"},
+        {generate, "Component", true, "Default Colour", "colour"},
+        {generate, "Component", true, "Alpha", "bool"},
+        {generate, "Vector", true, "Default Scalar", "float"},
+    };
+    for (const KindRow& row : rows) {
+        SCOPED_TRACE(row.constantType);
+        ConstantNode node;
+        property(node, "Constant Type").setEnum(row.constantType);
+        property(node, "Lock").setBool(row.lock);
+        property(node, "Alpha").setBool(true);
+        node.updateFromProperties(nullptr);
+        for (Port& output : node.outputs) {
+            output.connected = true;
+        }
+        resolve(node, floatPrecision);
+        property(node, row.property).kind = PropertyType::Node;
+        EXPECT_EQ(shaderErrorOf([&] { row.operation(node); }), std::string("cannot read ") + row.kind +
+                                                                   " value from non-" + row.kind +
+                                                                   " property \"" + row.property + "\"");
+    }
+}
+
+TEST(ConstantNode, TakesItsNameBeforeTheTypeOfItsPort) {
+    ConstantNode node;
+    node.nameProperty->kind = PropertyType::Node;
+    EXPECT_EQ(shaderErrorOf([&] { generated(node); }),
+              "cannot read string value from non-string property \"Name\"");
 }
 
 } // namespace

@@ -217,6 +217,27 @@ TEST(TextureCode, TakesAnUnknownColourTypeForComponents) {
                     "\tout_red = value.x;\n\tout_green = value.y;\n\tout_blue = value.z;\n"});
 }
 
+TEST(TextureCode, SamplesNoAlphaThatIsOffOrHasNoPort) {
+    TextureNode node;
+    property(node, "sRGB").setBool(false);
+    node.inputPort("in_uv").connected = true;
+    resolve(node, halfPrecision);
+    const FunctionRow expected = {"textureCode",
+                                  ExecutionLevel::Fragment,
+                                  {"float2 in_uv", "sampler2D in_sampler"},
+                                  {"half3 out_colour"},
+                                  "\thalf3 value = h3tex2D( in_sampler, in_uv );\n"
+                                  "\tout_colour = value.xyz;\n"};
+    property(node, "Alpha").setBool(true); // whose port comes with the next update
+    expectFunction(generated(node), 0, expected);
+    node.updateFromProperties(nullptr);
+    node.inputPort("in_uv").connected = true;
+    node.outputPort("out_alpha").connected = true;
+    resolve(node, halfPrecision);
+    property(node, "Alpha").setBool(false); // whose port goes with the next update
+    expectFunction(generated(node), 0, expected);
+}
+
 TEST(TextureCode, LinksItsPortsToTheFunction) {
     TextureNode node;
     property(node, "Alpha").setBool(true);

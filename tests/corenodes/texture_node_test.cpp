@@ -1,10 +1,12 @@
 #include "corenodes/maths_node.h"
 #include "corenodes/texture_node.h"
 #include "tests/corenodes/node_checks.h"
+#include "tests/support/messages.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
 namespace patina {
 namespace {
@@ -308,6 +310,56 @@ TEST(TextureBindings, GoToTheEndOfTheCollection) {
     EXPECT_EQ(collection.bindings[0]->name, "Texture");
     EXPECT_EQ(collection.bindings[1]->name, "second");
     EXPECT_FALSE(collection.sorted);
+}
+
+/// What is done with a node one of whose properties is of another kind.
+using Operation = void (*)(TextureNode& node);
+
+void update(TextureNode& node) { node.updateFromProperties(nullptr); }
+void bind(TextureNode& node) { bindingsOf(node); }
+void generate(TextureNode& node) { generated(node); }
+
+struct KindRow {
+    Operation operation;
+    const char* property; ///< of another kind
+    const char* kind;     ///< that it should be of
+};
+
+TEST(TextureNode, ReadsPropertiesOfTheirKindsAlone) {
+    const KindRow rows[] = {
+        {update, "Reference", "node"},
+        {update, "Texture Type", "enum"},
+        {update, "Colour Type", "enum"},
+        {update, "Alpha", "bool"},
+        {[](TextureNode& node) { static_cast<void>(node.caption()); }, "Reference", "node"},
+        {[](TextureNode& node) { node.generatesBinding(); }, "Reference", "node"},
+        {bind, "Reference", "node"},
+        {bind, "Name", "string"},
+        {bind, "Description", "string"},
+        {bind, "BindingGroup", "string"},
+        {bind, "Help Url", "string"},
+        {bind, "sRGB", "bool"},
+        {bind, "Colour Type", "enum"},
+        {bind, "Basic Colour", "bool"},
+        {generate, "Colour Type", "enum"},
+        {generate, "Texture Type", "enum"},
+        {generate, "Alpha", "bool"},
+        {generate, "sRGB", "bool"},
+        {generate, "Reference", "node"},
+        {generate, "Name", "string"},
+    };
+    for (const KindRow& row : rows) {
+        TextureNode node;
+        property(node, "Alpha").setBool(true);
+        node.updateFromProperties(nullptr);
+        node.inputPort("in_uv").connected = true;
+        node.outputPort("out_alpha").connected = true;
+        resolve(node, floatPrecision);
+        property(node, row.property).kind = PropertyType::Float;
+        EXPECT_EQ(shaderErrorOf([&] { row.operation(node); }), std::string("cannot read ") + row.kind +
+                                                                   " value from non-" + row.kind +
+                                                                   " property \"" + row.property + "\"");
+    }
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace patina {
 namespace {
 
@@ -207,6 +209,30 @@ TEST(TextureReference, ToANodeWithoutTheSettingsFailsAndLeavesNoPorts) {
               "failed to find property \"Texture Type\"");
     EXPECT_TRUE(node.inputs.empty());
     EXPECT_TRUE(node.outputs.empty());
+}
+
+TEST(TextureReference, CopiesTheSettingsInTheirOrderAfterTheFlags) {
+    const Texts settings = {"Texture Type", "Colour Type", "Alpha", "sRGB", "Basic Colour"};
+    for (std::size_t failing = 0; failing < settings.size(); ++failing) {
+        const auto target = makeTexture("shared");
+        property(*target, "Texture Type").setEnum("1D");
+        property(*target, "Colour Type").setEnum("Component");
+        property(*target, "Alpha").setBool(true);
+        property(*target, "sRGB").setBool(false);
+        property(*target, "Basic Colour").setBool(true);
+        property(*target, settings[failing].c_str()).kind = PropertyType::Node;
+        TextureNode node;
+        EXPECT_EQ(shaderErrorOf([&] { refer(node, target); }),
+                  "cannot copy property \"" + settings[failing] + "\" from property with non-matching type");
+        EXPECT_EQ(property(node, "Texture Type").getEnum(), failing > 0 ? "1D" : "2D");
+        EXPECT_EQ(property(node, "Colour Type").getEnum(), failing > 1 ? "Component" : "Colour");
+        EXPECT_EQ(property(node, "Alpha").getBool(), failing > 2);
+        EXPECT_EQ(property(node, "sRGB").getBool(), failing <= 3);
+        EXPECT_FALSE(property(node, "Basic Colour").getBool());
+        EXPECT_EQ(editableProperties(node), Texts{"Reference"});
+        EXPECT_FALSE(node.descriptionProperty->editable);
+        EXPECT_EQ(node.textColour, (std::array<float, 4>{0.6F, 0.6F, 0.6F, 1.0F}));
+    }
 }
 
 } // namespace

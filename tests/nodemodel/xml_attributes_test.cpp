@@ -51,6 +51,17 @@ TEST(XmlAttributes, AreWrittenAndRead) {
     EXPECT_EQ(readAttribute(document.root(), "tag"), "Diffuse");
 }
 
+TEST(XmlAttributes, AreReadInAnyNamespace) {
+    const Document document("<binding xmlns:studio=\"urn:studio\" studio:tag=\"Diffuse\"/>");
+    EXPECT_EQ(readAttribute(document.root(), "tag"), "Diffuse");
+}
+
+TEST(XmlAttributes, AreWrittenIntoTheNamespaceOfTheirPrefix) {
+    const Document document("<binding xmlns:studio=\"urn:studio\"/>");
+    writeAttribute(document.root(), "studio:tag", "Diffuse");
+    EXPECT_EQ(readAttribute(document.root(), "tag"), "Diffuse");
+}
+
 xmlFreeFunc libraryFree = nullptr;
 int freed = 0;
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -50,6 +51,14 @@ TEST(NodeDescription, FieldsStandInDeclaredOrder) {
     for (std::size_t i = 2; i < addresses.size(); ++i) {
         EXPECT_LT(addresses[i - 1], addresses[i]) << i;
     }
+}
+
+TEST(NodeFactory, HasItsLibraryAsItsOnlyData) {
+    const CoreNodeFactory factory;
+    const NodeFactory& base = factory;
+    const auto address = [](const auto& object) { return reinterpret_cast<std::uintptr_t>(&object); };
+    EXPECT_EQ(address(base.nodeLibrary) - address(base), sizeof(void*)); // behind what the virtual ones need
+    EXPECT_EQ(sizeof(NodeFactory), sizeof(void*) + sizeof(NodeLibrary));
 }
 
 struct LibraryRow {

@@ -288,6 +288,18 @@ TEST_F(Generator, LooksPortsUpOnWhatStandsForTheNode) {
               "interface parameter \"tint\" (float3,flags=0): output port \"read\" does not exist");
 }
 
+TEST_F(Generator, TakesTheHeadsTypeFromWhatStandsForTheNode) {
+    const auto first = makeInterface("tint", float3Type);
+    const auto second = makeInterface("tint", float3Type);
+    generator.addNode(first);
+    generator.addNode(second);
+    second->inputs.clear();
+    generator.connect(scalar, "out", second, "write");
+    first->inputs.clear();
+    EXPECT_EQ(connecting(scalar, "out", second, "write"),
+              "interface parameter \"tint\" (float3,flags=0): input port \"write\" does not exist");
+}
+
 TEST_F(Generator, RefusesToJoinANodeToItself) {
     const auto first = makeInterface("tint", float3Type);
     const auto second = makeInterface("tint", float3Type);
