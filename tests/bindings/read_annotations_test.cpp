@@ -5,8 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace patina {
 namespace {
@@ -388,6 +392,39 @@ TEST(ReadAnnotations, LeavesTheElementAsItIs) {
     const XmlElement element(attributes);
     createBinding(BindingKind::Texture, "tint", 1)->readAnnotations(element.node());
     EXPECT_EQ(element.attributes(), attributes);
+}
+
+TEST(ReadAnnotations, ReadsDefaultsOfTheDocumentTypeToo) {
+    constexpr std::string_view text = "<!DOCTYPE binding [<!ELEMENT binding EMPTY>"
+                                      "<!ATTLIST binding tag CDATA \"tint\" basic_colour CDATA \"Yes\">]>"
+                                      "<binding/>";
+    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), "test.xml", nullptr, 0), &xmlFreeDoc);
+    const std::shared_ptr<Binding> binding = createBinding(BindingKind::Float, "before", 1);
+    binding->readAnnotations(xmlDocGetRootElement(document.get()));
+    EXPECT_EQ(binding->name, "tint");
+    EXPECT_TRUE(binding->basicColour);
+}
+
+TEST(ReadAnnotations, WithoutAnElementOnlyResetsTheStreamTypeAndTheTextureFlags) {
+    for (const BindingKind kind : testing::kindOfEveryClass) {
+        const std::shared_ptr<Binding> read = createBinding(kind, "tint", 2);
+        changeEveryField(*read);
+        read->streamType = "X11Y11Z10n";
+        read->readAnnotations(nullptr);
+        const std::shared_ptr<Binding> expected = createBinding(kind, "tint", 2);
+        changeEveryField(*expected);
+        EXPECT_EQ(stateOf(*read), stateOf(*expected));
+    }
+    const std::shared_ptr<TextureBinding> texture =
+        toTextureBinding(createBinding(BindingKind::Texture, "t", 1));
+    texture->srgb = true;
+    texture->signedExpanded = true;
+    texture->normalised = false;
+    texture->readAnnotations(nullptr);
+    EXPECT_FALSE(texture->srgb);
+    EXPECT_FALSE(texture->signedExpanded);
+    EXPECT_TRUE(texture->normalised);
 }
 
 } // namespace
