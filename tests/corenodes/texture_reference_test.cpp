@@ -18,6 +18,17 @@ std::shared_ptr<TextureNode> makeTexture(const char* name) {
     return node;
 }
 
+/// A texture "shared" none of whose settings is that of a new node.
+std::shared_ptr<TextureNode> makeTextureOfOtherSettings() {
+    auto node = makeTexture("shared");
+    property(*node, "Texture Type").setEnum("1D");
+    property(*node, "Colour Type").setEnum("Component");
+    property(*node, "Alpha").setBool(true);
+    property(*node, "sRGB").setBool(false);
+    property(*node, "Basic Colour").setBool(true);
+    return node;
+}
+
 void refer(TextureNode& node, const std::shared_ptr<MaterialNode>& target) {
     property(node, "Reference").getNode() = target;
     node.updateFromProperties(nullptr);
@@ -30,12 +41,7 @@ void generateConnected(TextureNode& node, GraphGenerator& generator) {
 }
 
 TEST(TextureReference, TakesOverTheSettings) {
-    const auto target = makeTexture("shared");
-    property(*target, "Texture Type").setEnum("1D");
-    property(*target, "Colour Type").setEnum("Component");
-    property(*target, "Alpha").setBool(true);
-    property(*target, "sRGB").setBool(false);
-    property(*target, "Basic Colour").setBool(true);
+    const auto target = makeTextureOfOtherSettings();
     target->updateFromProperties(nullptr);
 
     const auto node = makeTexture("own");
@@ -214,12 +220,7 @@ TEST(TextureReference, ToANodeWithoutTheSettingsFailsAndLeavesNoPorts) {
 TEST(TextureReference, CopiesTheSettingsInTheirOrderAfterTheFlags) {
     const Texts settings = {"Texture Type", "Colour Type", "Alpha", "sRGB", "Basic Colour"};
     for (std::size_t failing = 0; failing < settings.size(); ++failing) {
-        const auto target = makeTexture("shared");
-        property(*target, "Texture Type").setEnum("1D");
-        property(*target, "Colour Type").setEnum("Component");
-        property(*target, "Alpha").setBool(true);
-        property(*target, "sRGB").setBool(false);
-        property(*target, "Basic Colour").setBool(true);
+        const auto target = makeTextureOfOtherSettings();
         property(*target, settings[failing].c_str()).kind = PropertyType::Node;
         TextureNode node;
         EXPECT_EQ(shaderErrorOf([&] { refer(node, target); }),
