@@ -41,7 +41,7 @@ ShaderType resolvedType(const MaterialNode& node) {
     return resolvedType(node, static_cast<std::int32_t>(node.resolvedComponentCount));
 }
 
-bool isOutputConnected(const MaterialNode& node, const std::string& portName) {
+bool isOutputConnected(const MaterialNode& node, std::string_view portName) {
     return node.findOutputPortIndex(portName) >= 0 && node.outputPort(portName).connected;
 }
 

@@ -64,7 +64,7 @@ ShaderType resolvedType(const MaterialNode& node, std::int32_t columns);
 ShaderType resolvedType(const MaterialNode& node);
 
 /// Whether the node has an output of that name to which the host attached a connection.
-bool isOutputConnected(const MaterialNode& node, const std::string& portName);
+bool isOutputConnected(const MaterialNode& node, std::string_view portName);
 
 /// Makes a function input of every connected input, and of every other one a constant that `defaultFor`
 /// supplies.
